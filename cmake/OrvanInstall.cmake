@@ -1,0 +1,49 @@
+# The library as a package: what an embedding program finds with find_package(OrvanRelationshipAttention).
+# The application and its importers are no part of it.
+
+include(CMakePackageConfigHelpers)
+
+set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/OrvanRelationshipAttention")
+
+# Headers that only the library's own sources include.
+string(JOIN "|" internal_headers
+  "_internal"
+  "OrvanPlatform/user_locale"
+  "evidence/evidence_queries"
+  "disposition_store/disposition_rows"
+  "follow_up/attention_resolution"
+  "follow_up/authorization_watcher"
+  "follow_up/follow_up_(authorization_recovery|candidates|key|log|parts|registration_race|rows)"
+  "follow_up/reminder_(reconciliation|registration|text)")
+
+function(orvan_install_headers folder)
+  # Read when the package is installed: listing the folder while configuring would have every build look for new files.
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
+    FILES_MATCHING PATTERN "*.h" REGEX "(${internal_headers})\\.h$" EXCLUDE)
+endfunction()
+
+get_property(libraries GLOBAL PROPERTY ORVAN_LIBRARIES)
+foreach(library IN LISTS libraries)
+  get_property(folder TARGET ${library} PROPERTY ORVAN_FOLDER)
+  if(NOT folder MATCHES "^(application|bench|tests)(/|$)")
+    install(TARGETS ${library} EXPORT OrvanRelationshipAttentionTargets)
+    if(NOT library STREQUAL orvan_store_access)
+      orvan_install_headers(${folder})
+    endif()
+  endif()
+endforeach()
+install(TARGETS orvan_relationship_attention EXPORT OrvanRelationshipAttentionTargets)
+
+install(EXPORT OrvanRelationshipAttentionTargets NAMESPACE Orvan:: DESTINATION "${package_directory}")
+configure_package_config_file(
+  "${PROJECT_SOURCE_DIR}/cmake/OrvanRelationshipAttentionConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfig.cmake"
+  INSTALL_DESTINATION "${package_directory}"
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(
+  "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfigVersion.cmake"
+  COMPATIBILITY SameMinorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfig.cmake"
+  "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfigVersion.cmake"
+  DESTINATION "${package_directory}")

@@ -1,0 +1,28 @@
+# One target per folder. A target's headers are reached through a directory of its own that holds nothing but a link
+# to the folder, so an include of a folder that the target does not link fails to build.
+
+include(GNUInstallDirs)
+
+# orvan_library(NAME target FOLDER path/from/the/root SOURCES ... [PUBLIC ...] [PRIVATE ...])
+function(orvan_library)
+  cmake_parse_arguments(ARG "" "NAME;FOLDER" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${ARG_NAME} STATIC ${ARG_SOURCES})
+  add_library(Orvan::${ARG_NAME} ALIAS ${ARG_NAME})
+  set(include_root "${CMAKE_BINARY_DIR}/include/${ARG_NAME}")
+  cmake_path(GET ARG_FOLDER PARENT_PATH parent)
+  file(MAKE_DIRECTORY "${include_root}/${parent}")
+  file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${ARG_FOLDER}" "${include_root}/${ARG_FOLDER}" SYMBOLIC)
+  target_include_directories(${ARG_NAME} PUBLIC
+    $<BUILD_INTERFACE:${include_root}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_libraries(${ARG_NAME} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:orvan_warnings>)
+  set_property(TARGET ${ARG_NAME} PROPERTY ORVAN_FOLDER ${ARG_FOLDER})
+  set_property(GLOBAL APPEND PROPERTY ORVAN_LIBRARIES ${ARG_NAME})
+endfunction()
+
+# orvan_program(NAME target SOURCES ... LINKS ...)
+function(orvan_program)
+  cmake_parse_arguments(ARG "" "NAME" "SOURCES;LINKS" ${ARGN})
+  add_executable(${ARG_NAME} ${ARG_SOURCES})
+  target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LINKS} orvan_warnings)
+endfunction()
