@@ -1,0 +1,50 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "OrvanPlatform/clock.h"
+#include "OrvanPlatform/mutex.h"
+
+namespace orvan {
+
+/// A clock that stands still until a test moves it. It drives the wall clock, the monotonic clock and every timer
+/// started on it; nothing of it depends on the machine's time. All operations may be called from any thread.
+///
+/// A timer that comes due hands its wake-up to its executor: the test then lets that executor run. Wake-ups that are
+/// still waiting when the clock is destroyed never come.
+class ManualClock final : public Clock, public std::enable_shared_from_this<ManualClock> {
+ public:
+  explicit ManualClock(Instant start);
+  ~ManualClock() override;
+
+  /// Moves both clocks on, and wakes the timers that came due, earliest first.
+  void advance(std::chrono::nanoseconds duration);
+  /// Sets the wall clock, as a user does: the monotonic clock and the timers do not notice.
+  void setWallClock(Instant now);
+
+  /// How many wake-ups are waiting, and when the earliest one is due.
+  std::size_t timerCount() const;
+  std::optional<std::chrono::nanoseconds> timeToNextTimer() const;
+
+  Instant now() const override;
+  MonotonicInstant monotonicNow() const override;
+  std::shared_ptr<Timer> startTimer(MonotonicInstant due, Executor executor,
+                                    std::move_only_function<void(SleepEnd)> wake) const override;
+
+ private:
+  class Waiting;
+
+  Instant wallNow() const ORVAN_REQUIRES(mutex_);
+
+  mutable Mutex mutex_;
+  Instant wallStart_ ORVAN_GUARDED_BY(mutex_);
+  std::chrono::nanoseconds elapsed_ ORVAN_GUARDED_BY(mutex_){0};
+  std::chrono::nanoseconds elapsedAtWallStart_ ORVAN_GUARDED_BY(mutex_){0};
+  mutable std::multimap<MonotonicInstant, std::shared_ptr<Waiting>> timers_ ORVAN_GUARDED_BY(mutex_);
+};
+
+} // namespace orvan

@@ -1,0 +1,55 @@
+#include "OrvanPlatform/log.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+
+#include "OrvanTestSupport/capturing_log.h"
+
+namespace orvan {
+namespace {
+
+/// What `write` puts into the log, read back from the other end of a pipe.
+template <typename Write>
+std::string linesOf(Write write) {
+  std::array<int, 2> ends{};
+  EXPECT_EQ(pipe(ends.data()), 0);
+  write(jsonLinesLogSink(ends[1]));
+  close(ends[1]);
+  std::array<char, 4096> buffer{};
+  const auto length = read(ends[0], buffer.data(), buffer.size());
+  close(ends[0]);
+  return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+TEST(Log, ALineIsItsEventFollowedByItsFields) {
+  const auto log = std::make_shared<CapturingLog>();
+  const LogChannel channel{log, "follow-up-scheduler"};
+  channel.write("watcher started");
+  channel.write("register", {{"key_hash", "abc"}, {"outcome", "added"}});
+  EXPECT_EQ(log->messages(), (std::vector<std::string>{"watcher started", "register key_hash=abc outcome=added"}));
+  EXPECT_EQ(log->entries().front().category, "follow-up-scheduler");
+  EXPECT_EQ(log->entries().front().subsystem, "org.orvan.Orvan");
+}
+
+TEST(Log, WithoutAJournalALineIsOneJsonObject) {
+  const std::string lines = linesOf([](std::shared_ptr<LogSink> sink) {
+    const LogChannel channel{std::move(sink), "test"};
+    channel.write("a \"quoted\"\nevent", {{"field", "1"}});
+    channel.write("bytes that are no text: \xff");
+  });
+  EXPECT_EQ(lines,
+            "{\"subsystem\":\"org.orvan.Orvan\",\"category\":\"test\",\"level\":\"default\","
+            "\"message\":\"a \\\"quoted\\\"\\nevent field=1\",\"field\":\"1\"}\n"
+            "{\"subsystem\":\"org.orvan.Orvan\",\"category\":\"test\",\"level\":\"default\","
+            "\"message\":\"bytes that are no text: \uFFFD\"}\n");
+}
+
+TEST(Log, ALineThatNobodyTakesIsLostAndNothingElse) {
+  const LogChannel channel{jsonLinesLogSink(-1), "test"};
+  EXPECT_NO_THROW(channel.write("lost"));
+}
+
+} // namespace
+} // namespace orvan

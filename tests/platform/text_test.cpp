@@ -1,0 +1,34 @@
+#include <gtest/gtest.h>
+
+#include "OrvanPlatform/secret_bytes.h"
+#include "OrvanPlatform/white_space.h"
+
+namespace orvan {
+namespace {
+
+TEST(WhiteSpace, TrimsEveryUnicodeBlankAndNothingElse) {
+  EXPECT_EQ(trimmed(" \t\r\n a b \u00a0\u2003\u2028\u3000\u0085"), "a b");
+  EXPECT_EQ(trimmed("\u200bx\u200b"), "\u200bx\u200b") << "a zero-width space is not white space";
+  EXPECT_EQ(trimmed(" \n\u2029 "), "");
+  EXPECT_EQ(trimmed("\xff \xff"), "\xff \xff") << "bytes that are not UTF-8 stay";
+  EXPECT_EQ(trimmed("\x80\x80\x80\x80\x80"), "\x80\x80\x80\x80\x80");
+}
+
+TEST(WhiteSpace, AcceptsAnIdentifierOnlyWhenItIsItsOwnTrimmedForm) {
+  EXPECT_TRUE(isTrimmedAndNotEmpty("p 42"));
+  EXPECT_TRUE(isTrimmedAndNotEmpty("Zoë"));
+  EXPECT_FALSE(isTrimmedAndNotEmpty(""));
+  EXPECT_FALSE(isTrimmedAndNotEmpty("p-42\u00a0"));
+  EXPECT_FALSE(isTrimmedAndNotEmpty("\np-42"));
+}
+
+TEST(SecretBytes, HoldsNothingAfterItWasMovedFrom) {
+  SecretBytes secret(4);
+  secret.bytes()[0] = 7;
+  const SecretBytes moved = std::move(secret);
+  EXPECT_EQ(moved.bytes()[0], 7);
+  EXPECT_EQ(secret.size(), 0U); // NOLINT(bugprone-use-after-move): the point of the test.
+}
+
+} // namespace
+} // namespace orvan
