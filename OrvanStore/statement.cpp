@@ -1,0 +1,90 @@
+#include "OrvanStore/statement.h"
+
+#include <algorithm>
+
+#include "OrvanStore/store_error.h"
+
+namespace orvan {
+
+Statement::Statement(sqlite3* connection, std::string_view sql) : sql_(sql) {
+  sqlite3_stmt* compiled = nullptr;
+  const int code = sqlite3_prepare_v3(connection, sql_.data(), static_cast<int>(sql_.size()), SQLITE_PREPARE_PERSISTENT,
+                                      &compiled, nullptr);
+  handle_.reset(compiled);
+  if (code != SQLITE_OK) {
+    throw StoreError({sqlite3_extended_errcode(connection), sqliteCategory()}, sql_);
+  }
+  const int columns = sqlite3_column_count(compiled);
+  columnNames_.reserve(static_cast<std::size_t>(columns));
+  for (int index = 0; index < columns; ++index) {
+    columnNames_.emplace_back(sqlite3_column_name(compiled, index));
+  }
+}
+
+void Statement::bind(int position, std::string_view text) {
+  // An empty view may hold a null pointer, which would bind NULL.
+  const char* bytes = text.empty() ? "" : text.data();
+  check(sqlite3_bind_text64(handle_.get(), position, bytes, text.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+}
+
+void Statement::bind(int position, std::int64_t number) {
+  check(sqlite3_bind_int64(handle_.get(), position, number));
+}
+
+void Statement::bindNull(int position) {
+  check(sqlite3_bind_null(handle_.get(), position));
+}
+
+bool Statement::step() {
+  const int code = sqlite3_step(handle_.get());
+  if (code == SQLITE_ROW) {
+    return true;
+  }
+  if (code != SQLITE_DONE) {
+    throw StoreError({sqlite3_extended_errcode(sqlite3_db_handle(handle_.get())), sqliteCategory()}, sql_);
+  }
+  return false;
+}
+
+void Statement::reset() noexcept {
+  sqlite3_reset(handle_.get());
+  sqlite3_clear_bindings(handle_.get());
+}
+
+Column Statement::column(std::string_view name) const noexcept {
+  const auto found = std::ranges::find(columnNames_, name);
+  return found == columnNames_.end() ? Column::absent() : Column{static_cast<int>(found - columnNames_.begin())};
+}
+
+bool Statement::holdsText(Column column) const noexcept {
+  return column.index() >= 0 && sqlite3_column_type(handle_.get(), column.index()) == SQLITE_TEXT;
+}
+
+std::optional<std::string_view> Statement::optionalText(Column column) const {
+  if (column.index() < 0) {
+    return std::nullopt;
+  }
+  sqlite3_stmt* const handle = handle_.get();
+  switch (sqlite3_column_type(handle, column.index())) {
+    case SQLITE_TEXT: {
+      const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(handle, column.index()));
+      return std::string_view{bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle, column.index()))};
+    }
+    case SQLITE_NULL:
+      return std::nullopt;
+    default:
+      throw StoreError(StoreFault::columnIsNotText, sql_);
+  }
+}
+
+std::int64_t Statement::integer(Column column) const noexcept {
+  return column.index() < 0 ? 0 : sqlite3_column_int64(handle_.get(), column.index());
+}
+
+void Statement::check(int code) const {
+  if (code != SQLITE_OK) {
+    throw StoreError({sqlite3_extended_errcode(sqlite3_db_handle(handle_.get())), sqliteCategory()}, sql_);
+  }
+}
+
+} // namespace orvan
