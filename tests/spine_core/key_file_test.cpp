@@ -1,0 +1,69 @@
+#include "OrvanSpineCore/key_file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "OrvanPlatform/error.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+using std::filesystem::perms;
+
+class KeyFileTest : public testing::Test {
+ protected:
+  template <typename Attempt>
+  static std::error_code faultOf(Attempt attempt) {
+    try {
+      attempt();
+    } catch (const Error& error) {
+      return error.code();
+    }
+    return {};
+  }
+
+  std::error_code loadFault() const {
+    return faultOf([this] { static_cast<void>(keyFile.loadLocalStoreKey()); });
+  }
+
+  ScratchFolder folder;
+  std::filesystem::path path = folder.path() / "store.key";
+  KeyFile keyFile{path};
+};
+
+TEST_F(KeyFileTest, GivesBackTheKeyItMadeAndNothingBefore) {
+  EXPECT_FALSE(keyFile.loadLocalStoreKey());
+  keyFile.create();
+  const auto key = keyFile.loadLocalStoreKey();
+  ASSERT_TRUE(key);
+  EXPECT_EQ(key->size(), KeyFile::keyLength);
+  EXPECT_TRUE(std::ranges::any_of(key->bytes(), [](unsigned char byte) { return byte != 0; }));
+  EXPECT_TRUE(std::ranges::equal(key->bytes(), keyFile.loadLocalStoreKey()->bytes()));
+  EXPECT_EQ(std::filesystem::status(path).permissions(), perms::owner_read | perms::owner_write);
+}
+
+TEST_F(KeyFileTest, NeverOverwritesAKey) {
+  std::ofstream(path) << "short";
+  std::filesystem::permissions(path, perms::owner_read | perms::owner_write);
+  EXPECT_EQ(faultOf([this] { keyFile.create(); }), CredentialVaultError::keyExists);
+  EXPECT_EQ(keyFile.loadLocalStoreKey()->size(), 5U);
+}
+
+TEST_F(KeyFileTest, RefusesAFileThatOthersCanReadOrWrite) {
+  keyFile.create();
+  for (const perms permission : {perms::group_read, perms::others_read, perms::group_write, perms::others_exec}) {
+    std::filesystem::permissions(path, perms::owner_read | perms::owner_write | permission);
+    EXPECT_EQ(loadFault(), CredentialVaultError::keyFileNotPrivate) << static_cast<unsigned>(permission);
+  }
+}
+
+TEST_F(KeyFileTest, ReportsAPathThatIsNoFile) {
+  std::filesystem::create_directory(path);
+  EXPECT_EQ(loadFault(), CredentialVaultError::accessFailed);
+}
+
+} // namespace
+} // namespace orvan
