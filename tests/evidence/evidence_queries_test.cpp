@@ -1,0 +1,293 @@
+#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanStore/store_error.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Texts = std::vector<std::string>;
+
+class EvidenceQueriesTest : public testing::Test {
+ protected:
+  EvidenceQueriesTest() { store.addPerson("ana"); }
+
+  static EvidenceQueries limitedTo(std::int64_t rows) {
+    return EvidenceQueries{{14, 21, 30, rows, rows, rows, 5, 200}};
+  }
+
+  Texts openThreads(const char* person = "ana", std::int64_t limit = 5) {
+    Texts ids;
+    for (const auto& thread : limitedTo(limit).fetchOpenThreads(person, asOf, store.connection())) {
+      ids.push_back(thread.lastInboundInteractionID());
+    }
+    return ids;
+  }
+
+  Texts meetings(std::int64_t limit = 5) {
+    Texts ids;
+    for (const auto& meeting : limitedTo(limit).fetchUpcomingInteractions("ana", asOf, store.connection())) {
+      ids.push_back(meeting.interactionID());
+    }
+    return ids;
+  }
+
+  Texts commitments(const char* person = "ana", std::int64_t limit = 5) {
+    Texts ids;
+    for (const auto& commitment : limitedTo(limit).fetchCommitments(person, store.connection())) {
+      ids.push_back(commitment.openLoopID());
+    }
+    return ids;
+  }
+
+  EvidenceQueries::UserCorrections corrections() {
+    return limitedTo(5).fetchUserCorrections("ana", asOf, store.connection());
+  }
+
+  std::vector<SourceFreshnessEvidence> freshness() {
+    return EvidenceQueries::fetchSourceFreshness("ana", store.connection());
+  }
+
+  void addMeeting(const char* id, const char* at, const char* kind = "meeting") {
+    store.add(TestInteraction{.id = id, .at = at, .direction = "mutual", .kind = kind});
+  }
+
+  void correct(const char* target, const char* id, const char* at) {
+    store.run("INSERT INTO user_correction VALUES (?, ?, ?, ?)", std::string{target} + at, target, id, at);
+  }
+
+  /// Makes the table anew without constraints, as a damaged or foreign store may have it.
+  void loosen(const std::string& table) {
+    store.run("CREATE TABLE loosened AS SELECT * FROM " + table);
+    store.run("DROP TABLE " + table);
+    store.run("ALTER TABLE loosened RENAME TO " + table);
+  }
+
+  const Instant asOf = *parseInternetDateTime("2026-03-05T12:00:00Z");
+  TestStore store;
+};
+
+class OpenThreads : public EvidenceQueriesTest {};
+
+TEST_F(OpenThreads, AreThoseWhoseLastMessageByTheMomentOfEvaluationIsThePersons) {
+  const auto* const first = "2026-03-01T10:00:00Z";
+  const auto* const second = "2026-03-02T10:00:00Z";
+  const auto* const later = "2026-03-05T12:00:01Z";
+  store.add(TestInteraction{.id = "unanswered", .at = second, .thread = "1"});
+  store.add(TestInteraction{.id = "question", .at = first, .thread = "2"});
+  store.add(TestInteraction{.id = "answer", .at = second, .thread = "2", .direction = "outbound"});
+  store.add(TestInteraction{.id = "earlier", .at = first, .thread = "3"});
+  store.add(TestInteraction{.id = "answer to come", .at = later, .thread = "3", .direction = "outbound"});
+  store.add(TestInteraction{.id = "to a group", .at = first, .thread = "4", .conversation = "group"});
+  store.add(TestInteraction{.id = "by a machine", .at = first, .thread = "5", .direction = "automated"});
+  store.add(TestInteraction{.id = "to come", .at = later, .thread = "6"});
+  store.add(TestInteraction{.id = "twin a", .at = first, .thread = "7"});
+  store.add(TestInteraction{.id = "twin b", .at = first, .thread = "7"});
+  EXPECT_THAT(openThreads(), ElementsAre("unanswered", "earlier", "twin a", "twin b"));
+}
+
+TEST_F(OpenThreads, AnswerThatMayNotBeShownStillCloses) {
+  store.add(TestInteraction{.id = "question", .at = "2026-03-01T10:00:00Z"});
+  store.add(TestInteraction{.id = "answer", .at = "2026-03-02T10:00:00Z", .direction = "outbound"});
+  store.run("INSERT INTO deletion_tombstone VALUES ('answer', 'interaction', '')");
+  EXPECT_THAT(openThreads(), IsEmpty());
+}
+
+TEST_F(OpenThreads, NeedAMessageOfThePersonThatMayBeShown) {
+  store.addPerson("bo");
+  store.add(TestInteraction{.id = "from ana", .at = "2026-03-01T10:00:00Z"});
+  store.run("INSERT INTO thread_participant VALUES ('bo-identity', 'thread')");
+  EXPECT_THAT(openThreads("bo"), IsEmpty());
+  EXPECT_THAT(openThreads("ana"), ElementsAre("from ana"));
+  store.run("INSERT INTO exclusion_rule VALUES ('r', 'person', 'ana', '', NULL)");
+  EXPECT_THAT(openThreads("ana"), IsEmpty());
+}
+
+TEST_F(OpenThreads, CountAnIdentityWhileItsMembershipIsLive) {
+  store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
+  for (const auto& [state, ended, isLive] : {std::tuple{"confirmed", false, true},
+                                             {"high_conf", false, true},
+                                             {"low_conf", false, false},
+                                             {"rejected", false, false},
+                                             {"confirmed", true, false}}) {
+    store.run("UPDATE identity_membership SET state = ?, ended_at = ?", state,
+              ended ? std::optional<std::string>{"2026-01-01T00:00:00Z"} : std::nullopt);
+    EXPECT_EQ(openThreads().size(), isLive ? 1U : 0U) << state << ended;
+    EXPECT_EQ(EvidenceQueries::fetchInteractionTimestamps("ana", store.connection()).size(), isLive ? 1U : 0U) << state;
+  }
+}
+
+TEST_F(OpenThreads, NewestComeFirstUpToTheLimit) {
+  for (const auto& [id, at] : {std::pair{"c", "2026-03-01T10:00:00Z"},
+                               {"b", "2026-03-01T10:00:00Z"},
+                               {"d", "2026-03-04T10:00:00Z"},
+                               {"a", "2026-02-01T10:00:00Z"},
+                               {"f", "2026-03-03T10:00:00Z"},
+                               {"e", "2026-03-02T10:00:00Z"}}) {
+    store.add(TestInteraction{.id = id, .at = at, .thread = id});
+  }
+  EXPECT_THAT(openThreads(), ElementsAre("d", "f", "e", "b", "c"));
+  EXPECT_THAT(openThreads("ana", -1), ElementsAre("d", "f", "e", "b", "c", "a"));
+  EXPECT_THAT(openThreads("ana", 0), IsEmpty());
+}
+
+class UpcomingInteractions : public EvidenceQueriesTest {};
+
+TEST_F(UpcomingInteractions, LieAfterTheMomentOfEvaluationUpToTheEndOfTheWindow) {
+  addMeeting("now", "2026-03-05T12:00:00Z");
+  addMeeting("soon", "2026-03-05T12:00:01Z");
+  addMeeting("at the end", "2026-03-19T12:00:00Z");
+  addMeeting("too late", "2026-03-19T12:00:01Z");
+  addMeeting("message", "2026-03-06T12:00:00Z", "message");
+  addMeeting("b", "2026-03-07T12:00:00Z");
+  addMeeting("a", "2026-03-07T12:00:00Z");
+  EXPECT_THAT(meetings(), ElementsAre("soon", "a", "b", "at the end"));
+  EXPECT_THAT(meetings(2), ElementsAre("soon", "a"));
+  store.run("INSERT INTO exclusion_rule VALUES ('r', 'interaction', 'a', '', NULL)");
+  EXPECT_THAT(meetings(2), ElementsAre("soon", "b"));
+}
+
+TEST_F(UpcomingInteractions, AreListedOnceForAPersonWithTwoIdentities) {
+  addMeeting("m", "2026-03-06T12:00:00Z");
+  store.run("INSERT INTO identity_membership VALUES ('second', 'other', 'ana', 'high_conf', NULL)");
+  store.run("INSERT INTO interaction_participant VALUES ('other', 'm')");
+  EXPECT_THAT(meetings(), ElementsAre("m"));
+  EXPECT_EQ(EvidenceQueries::fetchInteractionTimestamps("ana", store.connection()).size(), 1U);
+}
+
+class Commitments : public EvidenceQueriesTest {};
+
+TEST_F(Commitments, AreOpenLoopsThatRestOnEvidenceAboutThePerson) {
+  const auto* const at = "2026-03-01T10:00:00Z";
+  for (const char* state : {"open", "surfaced", "done", "dismissed"}) {
+    store.add(TestOpenLoop{.id = state, .at = at, .state = state});
+  }
+  store.add(TestOpenLoop{.id = "newer", .at = "2026-03-02T10:00:00Z"});
+  store.add(TestOpenLoop{.id = "to come", .at = "2026-04-01T10:00:00Z"});
+  store.add(TestOpenLoop{.id = "without evidence", .at = at});
+  store.run("UPDATE open_loop SET evidence_ref = NULL WHERE id = 'without evidence'");
+  store.add(TestOpenLoop{.id = "about another", .at = at});
+  store.run("UPDATE claim SET person_id = 'bo' WHERE id = 'claim-about another'");
+  EXPECT_THAT(commitments(), ElementsAre("to come", "newer", "open", "surfaced"));
+  EXPECT_THAT(commitments("ana", 2), ElementsAre("to come", "newer"));
+  EXPECT_THAT(commitments("bo"), IsEmpty());
+}
+
+TEST_F(Commitments, AreHiddenWithTheThreadOfTheirEvidencesFirstInteraction) {
+  store.add(TestInteraction{.id = "b", .at = "2026-03-01T10:00:00Z", .thread = "second"});
+  store.add(TestInteraction{.id = "a", .at = "2026-03-01T10:00:00Z", .thread = "first"});
+  store.run("UPDATE interaction SET source_event_id = 'shared'");
+  store.add(TestOpenLoop{.id = "ol", .at = "2026-03-01T10:00:00Z", .event = "shared"});
+  store.run("INSERT INTO deletion_tombstone VALUES ('second', 'thread', '')");
+  EXPECT_THAT(commitments(), ElementsAre("ol"));
+  store.run("INSERT INTO deletion_tombstone VALUES ('first', 'thread', '')");
+  EXPECT_THAT(commitments(), IsEmpty());
+}
+
+class UserCorrections : public EvidenceQueriesTest {};
+
+TEST_F(UserCorrections, AreCountedFromTheStartOfTheWindowWithoutAnEnd) {
+  EXPECT_EQ(corrections().countInWindow, 0);
+  EXPECT_EQ(corrections().lastAt, std::nullopt);
+  correct("person", "ana", "2026-02-03T11:59:59Z");
+  EXPECT_EQ(corrections().countInWindow, 0);
+  EXPECT_EQ(corrections().lastAt, "2026-02-03T11:59:59Z");
+  correct("person", "ana", "2026-02-03T12:00:00Z");
+  EXPECT_EQ(corrections().countInWindow, 1);
+  correct("person", "ana", "2026-04-01T12:00:00Z");
+  EXPECT_EQ(corrections().countInWindow, 2);
+  EXPECT_EQ(corrections().lastAt, "2026-04-01T12:00:00Z");
+}
+
+TEST_F(UserCorrections, ConcernThePersonTheirClaimsAndTheirMemberships) {
+  store.add(TestOpenLoop{.id = "ol", .at = "2026-03-01T10:00:00Z"});
+  correct("person", "ana", "2026-03-01T12:00:00Z");
+  correct("claim", "claim-ol", "2026-03-03T12:00:00Z");
+  correct("identity_membership", "ana-membership", "2026-03-02T12:00:00Z");
+  correct("person", "bo", "2026-03-04T12:00:00Z");
+  correct("claim", "ana", "2026-03-04T12:00:00Z");
+  correct("thread", "ana", "2026-03-04T12:00:00Z");
+  EXPECT_EQ(corrections().countInWindow, 3);
+  EXPECT_EQ(corrections().lastAt, "2026-03-03T12:00:00Z");
+}
+
+class SourceFreshness : public EvidenceQueriesTest {};
+
+TEST_F(SourceFreshness, IsThatOfTheAccountsThePersonIsSeenInByAccountAndOperation) {
+  store.run(
+      "INSERT INTO source_progress_projection VALUES ('mail', 'sync', 'current', '2026-03-05T11:00:00Z'),"
+      " ('mail', 'backfill', 'paused', NULL), ('calendar', 'sync', 'stale', ''), ('elsewhere', 'sync', 'stale', '')");
+  EXPECT_THAT(freshness(), IsEmpty());
+  store.add(TestInteraction{.id = "i1", .at = "2026-03-01T10:00:00Z"});
+  store.add(TestInteraction{.id = "i2", .at = "2026-03-01T10:00:00Z", .account = "calendar"});
+  store.add(TestInteraction{.id = "i3", .at = "2026-03-01T10:00:00Z", .account = "unprojected"});
+  using Freshness = SourceFreshnessEvidence;
+  EXPECT_THAT(freshness(), ElementsAre(Freshness("calendar", "sync", "stale", ""),
+                                       Freshness("mail", "backfill", "unknown", std::nullopt),
+                                       Freshness("mail", "sync", "current", "2026-03-05T11:00:00Z")));
+}
+
+class DamagedRows : public EvidenceQueriesTest {
+ protected:
+  template <typename Read>
+  static std::error_code faultOf(Read read) {
+    try {
+      static_cast<void>(read());
+    } catch (const StoreError& error) {
+      return error.code();
+    }
+    return {};
+  }
+};
+
+TEST_F(DamagedRows, ThatLackAColumnArePassedOverAfterTheLimitWasApplied) {
+  for (const char* id : {"1", "2"}) {
+    store.add(TestInteraction{.id = id, .at = "2026-03-01T10:00:00Z", .thread = id});
+    store.add(TestOpenLoop{.id = id, .at = "2026-03-01T10:00:00Z"});
+    store.run("INSERT INTO source_progress_projection VALUES ('mail', ?, 'stale', NULL)", id);
+    correct("person", "ana", id);
+  }
+  for (const char* table : {"thread", "open_loop", "source_progress_projection", "user_correction", "interaction"}) {
+    loosen(table);
+  }
+  store.run("UPDATE thread SET source_type = NULL WHERE id = '1'");
+  store.run("UPDATE open_loop SET kind = NULL WHERE id = '1'");
+  store.run("UPDATE source_progress_projection SET freshness_state = NULL WHERE operation = '1'");
+  store.run("UPDATE user_correction SET created_at = NULL WHERE created_at = '2'");
+  EXPECT_THAT(openThreads(), ElementsAre("2"));
+  EXPECT_THAT(openThreads("ana", 1), IsEmpty());
+  EXPECT_THAT(commitments(), ElementsAre("2"));
+  EXPECT_THAT(commitments("ana", 1), IsEmpty());
+  EXPECT_EQ(freshness().size(), 1U);
+  EXPECT_EQ(corrections().lastAt, "1");
+  store.run("UPDATE interaction SET occurred_at = NULL WHERE id = '1'");
+  EXPECT_EQ(EvidenceQueries::fetchInteractionTimestamps("ana", store.connection()).size(), 1U);
+}
+
+TEST_F(DamagedRows, FailTheReadWhenTextIsSomethingElse) {
+  store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
+  loosen("thread");
+  store.run("UPDATE thread SET source_type = x'00ff'");
+  EXPECT_EQ(faultOf([this] { return openThreads(); }), StoreFault::columnIsNotText);
+  loosen("source_event");
+  store.run("UPDATE source_event SET source_account_id = NULL");
+  EXPECT_EQ(faultOf([this] { return freshness(); }), StoreFault::columnIsNull);
+}
+
+TEST_F(DamagedRows, CarryTextThatIsNotUtf8AsItIs) {
+  store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
+  store.run("UPDATE thread SET source_type = CAST(x'ff00fe' AS TEXT)");
+  const auto threads = limitedTo(5).fetchOpenThreads("ana", asOf, store.connection());
+  ASSERT_EQ(threads.size(), 1U);
+  EXPECT_EQ(threads.front().sourceType(), std::string("\xff\0\xfe", 3));
+}
+
+} // namespace
+} // namespace orvan

@@ -1,0 +1,97 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <span>
+
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "tests/support/connection_watch.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class QueryPlans : public testing::Test {
+ protected:
+  /// The statements behind a bundle, as SQLite gets them.
+  Texts statements(const char* person) {
+    const StatementLog log(store.connection().handle());
+    const EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
+    const Instant asOf = *parseInternetDateTime("2026-03-05T12:00:00Z");
+    auto& connection = store.connection();
+    queries.fetchOpenThreads(person, asOf, connection);
+    queries.fetchUpcomingInteractions(person, asOf, connection);
+    EvidenceQueries::fetchInteractionTimestamps(person, connection);
+    queries.fetchCommitments(person, connection);
+    EvidenceQueries::fetchSourceFreshness(person, connection);
+    queries.fetchUserCorrections(person, asOf, connection);
+    return log.texts();
+  }
+
+  Texts planOf(const std::string& statement) {
+    Texts steps;
+    auto rows = store.connection().query("EXPLAIN QUERY PLAN " + statement);
+    const Column detail = rows.column("detail");
+    while (rows.next()) {
+      steps.emplace_back(rows.text(detail));
+    }
+    return steps;
+  }
+
+  TestStore store;
+};
+
+TEST_F(QueryPlans, LookEverythingUpAndWalkNoTable) {
+  store.addPerson("ana");
+  store.add(TestInteraction{.id = "i1", .at = "2026-03-01T10:00:00Z"});
+  store.add(TestInteraction{.id = "i2", .at = "2026-03-02T10:00:00Z", .account = "calendar"});
+  const auto texts = statements("ana");
+  ASSERT_EQ(texts.size(), 9U);
+  for (const auto& text : texts) {
+    for (const auto& step : planOf(text)) {
+      EXPECT_FALSE(step.starts_with("SCAN")) << step << " in\n" << text;
+      EXPECT_FALSE(step.contains("AUTOMATIC")) << step << " in\n" << text;
+    }
+  }
+}
+
+TEST_F(QueryPlans, AnswerEachEligibilityProbeFromAnIndex) {
+  store.addPerson("ana");
+  const auto history = planOf(statements("ana").at(2));
+  const auto probes = [&history](const std::string& step) { return std::ranges::count(history, step); };
+  const std::string tombstone = "SEARCH eligibility_tombstone USING PRIMARY KEY ";
+  const std::string rule = "SEARCH eligibility_rule USING COVERING INDEX exclusion_rule_by_target ";
+  EXPECT_EQ(probes(tombstone + "(object_id=? AND object_type=?)"), 4);
+  EXPECT_EQ(probes(rule + "(scope=? AND target_id=? AND ended_at=?)"), 3) << testing::PrintToString(history);
+  EXPECT_EQ(probes(rule + "(scope=?)"), 1) << "the rules about accounts come before the source event";
+}
+
+TEST_F(QueryPlans, ReachCorrectionsThroughWhatThePersonOwns) {
+  store.addPerson("ana");
+  const auto texts = statements("ana");
+  for (const auto& text : std::span(texts).last(3)) {
+    EXPECT_THAT(planOf(text), testing::Contains(testing::EndsWith(
+                                  "USING COVERING INDEX user_correction_by_target (target_id=? AND target_type=?)")))
+        << text;
+  }
+}
+
+TEST_F(QueryPlans, PersonSeenInNoAccountCostsNoSecondFreshnessStatement) {
+  store.addPerson("ana");
+  const auto texts = statements("ana");
+  EXPECT_EQ(texts.size(), 8U);
+  EXPECT_THAT(texts, testing::Not(testing::Contains(testing::HasSubstr("source_progress_projection"))));
+}
+
+TEST_F(QueryPlans, TwoAccountsAreBoundToTwoPlaceholders) {
+  store.addPerson("ana");
+  store.add(TestInteraction{.id = "i1", .at = "2026-03-01T10:00:00Z"});
+  store.add(TestInteraction{.id = "i2", .at = "2026-03-02T10:00:00Z", .account = "calendar"});
+  EXPECT_THAT(statements("ana"), testing::Contains(testing::HasSubstr("source_account_id IN (?, ?)\n")));
+}
+
+} // namespace
+} // namespace orvan
