@@ -1,0 +1,65 @@
+#include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
+
+#include <gtest/gtest.h>
+
+namespace orvan {
+namespace {
+
+using namespace std::chrono_literals;
+using Action = AttentionItemAction;
+using Record = AttentionItemDispositionRecord;
+using State = AttentionItemState;
+using Transition = AttentionItemDispositionTransition;
+
+const Instant now = std::chrono::sys_days{std::chrono::year{2026} / 3 / 5} + 14h;
+
+State stateOf(State stored, Instant asOf = now) {
+  return Transition::state("key", Record{"key", stored}, asOf);
+}
+
+State after(Action action, State current) {
+  const auto record = Transition::apply(action, current, "key", now);
+  EXPECT_EQ(record.itemKey(), "key");
+  return record.state();
+}
+
+TEST(ItemState, IsActiveWithoutARecordOfItsOwn) {
+  EXPECT_EQ(Transition::state("a", std::nullopt, now), State::active());
+  EXPECT_EQ(Transition::state("a", Record("b", State::dismissed()), now), State::active());
+  EXPECT_EQ(stateOf(State::dismissed()), State::dismissed());
+  EXPECT_EQ(stateOf(State::resolved()), State::resolved());
+}
+
+TEST(ItemState, IsActiveAgainExactlyWhenTheSnoozeEnds) {
+  EXPECT_EQ(stateOf(State::snoozed(now), now - 1us), State::snoozed(now));
+  EXPECT_EQ(stateOf(State::snoozed(now), now), State::active());
+  EXPECT_EQ(stateOf(State::snoozed(now), now + 1us), State::active());
+}
+
+TEST(Actions, OnAnActiveItem) {
+  EXPECT_EQ(after(Action::snooze(now + 1us), State::active()), State::snoozed(now + 1us));
+  EXPECT_EQ(after(Action::snooze(now), State::active()), State::active());
+  EXPECT_EQ(after(Action::dismiss(), State::active()), State::dismissed());
+  EXPECT_EQ(after(Action::resolve(), State::active()), State::resolved());
+  EXPECT_EQ(after(Action::snooze(now), State::snoozed(now)), State::active()) << "the old snooze is over";
+}
+
+TEST(Actions, OnASnoozedItem) {
+  const auto running = State::snoozed(now + 2h);
+  EXPECT_EQ(after(Action::snooze(now + 1h), running), State::snoozed(now + 1h));
+  EXPECT_EQ(after(Action::snooze(now + 3h), running), State::snoozed(now + 3h));
+  EXPECT_EQ(after(Action::snooze(now - 1h), running), running);
+  EXPECT_EQ(after(Action::dismiss(), running), State::dismissed());
+  EXPECT_EQ(after(Action::resolve(), running), State::resolved());
+}
+
+TEST(Actions, ChangeNothingOnceAnItemIsDismissedOrResolved) {
+  for (const auto& last : {State::dismissed(), State::resolved()}) {
+    for (const auto& action : {Action::snooze(now + 1h), Action::snooze(now), Action::dismiss(), Action::resolve()}) {
+      EXPECT_EQ(after(action, last), last);
+    }
+  }
+}
+
+} // namespace
+} // namespace orvan
