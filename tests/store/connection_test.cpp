@@ -1,0 +1,158 @@
+#include "OrvanStore/connection.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "OrvanStore/store_error.h"
+#include "OrvanStore/transaction.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+Connection notesInMemory(std::size_t statementCacheCapacity = 128) {
+  ConnectionConfiguration configuration;
+  configuration.mode = OpenMode::readWrite;
+  configuration.statementCacheCapacity = statementCacheCapacity;
+  Connection connection(":memory:", configuration);
+  connection.executeScript("CREATE TABLE note (id INTEGER PRIMARY KEY, text)");
+  return connection;
+}
+
+std::vector<sqlite3_stmt*> compiledStatements(Connection& connection) {
+  std::vector<sqlite3_stmt*> statements;
+  for (auto* next = sqlite3_next_stmt(connection.handle(), nullptr); next != nullptr;
+       next = sqlite3_next_stmt(connection.handle(), next)) {
+    statements.push_back(next);
+  }
+  return statements;
+}
+
+std::optional<StoreError> faultOf(const std::function<void()>& attempt) {
+  try {
+    attempt();
+    return std::nullopt;
+  } catch (const StoreError& error) {
+    return error;
+  }
+}
+
+TEST(Statements, AreCompiledOnceForEachTextAndStartFreshEachTime) {
+  auto connection = notesInMemory();
+  connection.execute("INSERT INTO note (text) VALUES (?)", "first");
+  const auto compiled = compiledStatements(connection);
+  ASSERT_EQ(compiled.size(), 1U);
+  connection.execute("INSERT INTO note (text) VALUES (?)", std::nullopt);
+  EXPECT_EQ(compiledStatements(connection), compiled);
+  EXPECT_EQ(connection.fetchOptionalInteger("SELECT count(*) FROM note WHERE text IS NULL"), 1);
+}
+
+TEST(Statements, RunTwiceAtOnceWithTheSameText) {
+  auto connection = notesInMemory();
+  connection.executeScript("INSERT INTO note VALUES (1, 'a'), (2, 'b')");
+  auto outer = connection.query("SELECT text FROM note ORDER BY id");
+  ASSERT_TRUE(outer.next());
+  auto inner = connection.query("SELECT text FROM note ORDER BY id");
+  ASSERT_TRUE(inner.next() && outer.next());
+  EXPECT_EQ(inner.text(Column{0}), "a");
+  EXPECT_EQ(outer.text(Column{0}), "b");
+}
+
+TEST(Statements, MakeRoomForEachOtherOnceThereAreTooMany) {
+  auto connection = notesInMemory(2);
+  for (const char* text : {"SELECT 1", "SELECT 2", "SELECT 1", "SELECT 3"}) {
+    connection.execute(text);
+  }
+  std::vector<std::string> kept;
+  for (auto* statement : compiledStatements(connection)) {
+    kept.emplace_back(sqlite3_sql(statement));
+  }
+  EXPECT_THAT(kept, testing::UnorderedElementsAre("SELECT 1", "SELECT 3"));
+}
+
+TEST(Rows, GiveTextAsItIsAndAbsenceForNull) {
+  auto connection = notesInMemory();
+  connection.execute("INSERT INTO note VALUES (?, ?)", 1, std::string_view{"a\0b\xff", 4});
+  connection.execute("INSERT INTO note VALUES (?, ?)", 2, "");
+  connection.execute("INSERT INTO note VALUES (?, ?)", 3, std::optional<std::string>{});
+  auto rows = connection.query("SELECT text FROM note ORDER BY id");
+  const Column text = rows.column("text");
+  ASSERT_TRUE(rows.next());
+  EXPECT_EQ(rows.optionalText(text), (std::string_view{"a\0b\xff", 4}));
+  EXPECT_EQ(rows.optionalText(rows.column("no such column")), std::nullopt);
+  ASSERT_TRUE(rows.next());
+  EXPECT_EQ(rows.optionalText(text), "");
+  ASSERT_TRUE(rows.next());
+  EXPECT_EQ(rows.optionalText(text), std::nullopt);
+  EXPECT_EQ(faultOf([&] { rows.text(text); })->code(), StoreFault::columnIsNull);
+  EXPECT_FALSE(rows.next());
+}
+
+TEST(Rows, WithAnythingButTextInATextColumnAreDamage) {
+  auto connection = notesInMemory();
+  for (const char* value : {"7", "7.5", "x'6162'"}) {
+    auto rows = connection.query(std::string{"SELECT "} + value + " AS text");
+    ASSERT_TRUE(rows.next());
+    EXPECT_FALSE(rows.holdsText(rows.column("text")));
+    const auto fault = faultOf([&] { (void)rows.optionalText(rows.column("text")); });
+    ASSERT_TRUE(fault) << value;
+    EXPECT_EQ(fault->code(), StoreFault::columnIsNotText);
+    EXPECT_EQ(fault->extendedCode(), 0);
+  }
+}
+
+TEST(Faults, CarryTheExtendedCodeAndTheStatementButNoBoundValue) {
+  auto connection = notesInMemory();
+  const std::string insertion = "INSERT INTO note VALUES (?, ?)";
+  connection.execute(insertion, 7, "kept");
+  const auto fault = faultOf([&] { connection.execute(insertion, 7, "private words"); });
+  ASSERT_TRUE(fault);
+  EXPECT_EQ(fault->extendedCode(), SQLITE_CONSTRAINT_PRIMARYKEY);
+  EXPECT_EQ(fault->statement(), insertion);
+  EXPECT_THAT(fault->what(), testing::Not(testing::HasSubstr("private")));
+  EXPECT_EQ(faultOf([&] { connection.execute("SELECT nonsense FROM note"); })->statement(),
+            "SELECT nonsense FROM note");
+}
+
+TEST(Transactions, EndAsTheyBeganWhateverIsThrown) {
+  auto connection = notesInMemory();
+  const auto insertAndThrow = [](Connection& inside) {
+    inside.execute("INSERT INTO note VALUES (1, 'a')");
+    throw 7;
+  };
+  EXPECT_THROW(inTransaction(connection, TransactionKind::write, insertAndThrow), int);
+  EXPECT_FALSE(connection.isInTransaction());
+  EXPECT_EQ(connection.fetchOptionalInteger("SELECT count(*) FROM note"), 0);
+  EXPECT_EQ(inTransaction(connection, TransactionKind::write,
+                          [](Connection& inside) {
+                            inside.execute("INSERT INTO note VALUES (1, 'a')");
+                            return inside.changes();
+                          }),
+            1);
+  EXPECT_EQ(connection.fetchOptionalText("SELECT text FROM note"), "a");
+}
+
+TEST(Transactions, WaitForTheWriteLockAsLongAsTheConnectionWasPreparedTo) {
+  const ScratchFolder folder;
+  ConnectionConfiguration configuration;
+  configuration.prepare = [](Connection& prepared) {
+    prepared.executeScript("PRAGMA journal_mode = WAL; PRAGMA busy_timeout = 20");
+  };
+  Connection holder(folder.path() / "store.db", configuration);
+  Connection waiting(folder.path() / "store.db", configuration);
+  const Transaction held(holder, TransactionKind::write);
+  const auto start = std::chrono::steady_clock::now();
+  const auto fault = faultOf([&] { const Transaction vain(waiting, TransactionKind::write); });
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds{20});
+  ASSERT_TRUE(fault);
+  EXPECT_EQ(fault->extendedCode(), SQLITE_BUSY);
+  EXPECT_EQ(waiting.fetchOptionalInteger("PRAGMA busy_timeout"), 20) << "SQLite's own waiting is back in force";
+}
+
+} // namespace
+} // namespace orvan

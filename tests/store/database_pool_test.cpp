@@ -1,0 +1,102 @@
+#include "OrvanStore/database_pool.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "OrvanStore/store_error.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+class Pool : public testing::Test {
+ protected:
+  std::filesystem::path file() const { return folder_.path() / "pool.db"; }
+
+  DatabasePool::Configuration configuration(std::size_t mostReaders) {
+    DatabasePool::Configuration configuration;
+    configuration.mostReaders = mostReaders;
+    configuration.connection.prepare = [this](Connection& connection) {
+      ++opened_;
+      if (opened_ == failingOpening_) {
+        throw StoreError(StoreFault::rowMissing, "a preparation that fails");
+      }
+      connection.executeScript("PRAGMA journal_mode = WAL; CREATE TABLE IF NOT EXISTS note (text)");
+    };
+    return configuration;
+  }
+
+  static std::int64_t notes(Connection& connection) {
+    return connection.fetchOptionalInteger("SELECT count(*) FROM note").value_or(-1);
+  }
+  static void addNote(Connection& connection) { connection.execute("INSERT INTO note VALUES ('a')"); }
+
+  ScratchFolder folder_;
+  std::atomic<int> opened_ = 0;
+  std::atomic<int> failingOpening_ = -1;
+};
+
+TEST_F(Pool, OpensAReaderWhenOneIsNeededAndKeepsIt) {
+  DatabasePool pool(file(), configuration(4));
+  pool.write(addNote);
+  EXPECT_EQ(pool.readOnWriter(notes), 1);
+  EXPECT_EQ(opened_, 1);
+  for (int times = 0; times < 3; ++times) {
+    EXPECT_EQ(pool.read(notes), 1);
+  }
+  EXPECT_EQ(opened_, 2);
+  EXPECT_EQ(pool.read([&](Connection& /*outer*/) { return pool.read(notes); }), 1);
+  EXPECT_EQ(opened_, 3);
+}
+
+TEST_F(Pool, ReadsTheLastCommittedStateBesideAWrite) {
+  DatabasePool pool(file(), configuration(1));
+  pool.write([&](Connection& writer) {
+    addNote(writer);
+    EXPECT_EQ(pool.read(notes), 0);
+  });
+  EXPECT_EQ(pool.read(notes), 1);
+}
+
+TEST_F(Pool, ReadersCannotWrite) {
+  DatabasePool pool(file(), configuration(1));
+  try {
+    pool.read(addNote);
+    FAIL() << "a reader wrote";
+  } catch (const StoreError& error) {
+    EXPECT_EQ(error.extendedCode() & 0xff, SQLITE_READONLY);
+  }
+  EXPECT_EQ(pool.read(notes), 0);
+}
+
+TEST_F(Pool, AReaderThatFailsToOpenTakesNobodysPlace) {
+  DatabasePool pool(file(), configuration(1));
+  failingOpening_ = 2;
+  EXPECT_THROW(pool.read(notes), StoreError);
+  EXPECT_EQ(pool.read(notes), 0);
+}
+
+TEST_F(Pool, ReadsAndWritesFromSeveralThreadsTakeTurns) {
+  DatabasePool pool(file(), configuration(2));
+  constexpr int threads = 4;
+  constexpr int writesEach = 20;
+  {
+    std::vector<std::jthread> working;
+    working.reserve(threads);
+    for (int number = 0; number < threads; ++number) {
+      working.emplace_back([&pool] {
+        for (int times = 0; times < writesEach; ++times) {
+          pool.write(addNote);
+          EXPECT_GT(pool.read(notes), times);
+        }
+      });
+    }
+  }
+  EXPECT_EQ(pool.read(notes), threads * writesEach);
+  EXPECT_LE(opened_, 3);
+}
+
+} // namespace
+} // namespace orvan

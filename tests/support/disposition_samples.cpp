@@ -1,0 +1,70 @@
+#include "tests/support/disposition_samples.h"
+
+#include <chrono>
+#include <utility>
+
+#include "OrvanRelationshipAttention/catch_up/attention_catch_up_internal.h"
+#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+
+namespace orvan {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = AttentionWhyNowItem::Kind;
+using Reference = AttentionWhyNowEvidenceReference;
+
+constexpr int people = 7;
+
+Instant numberedEnd(int number) {
+  return actionTime + number * 60s + 24h;
+}
+
+} // namespace
+
+const Instant actionTime = std::chrono::sys_days{std::chrono::year{2026} / 3 / 5} + 14h + 7min + 9s;
+
+AttentionCatchUpItem sampleItem(std::string itemKey, std::string personKey, Kind kind,
+                                std::vector<Reference> references) {
+  auto whyNow = internal::AttentionWhyNowItemMaker::memberwise(kind, "2026-03-01T10:00:00Z", "A reason", {},
+                                                               std::move(references), true, true);
+  return internal::AttentionCatchUpItemMaker::make(std::move(itemKey), std::move(personKey), "Ada", std::move(whyNow));
+}
+
+AttentionCatchUpItem numberedItem(int number) {
+  const auto text = std::to_string(number);
+  return sampleItem(
+      "item-" + text, numberedPerson(number), Kind::openThread,
+      {Reference::interaction("i-" + text), Reference::sourceEvent("se-" + text), Reference::thread("t-" + text)});
+}
+
+AttentionItemAction numberedAction(int number) {
+  switch (number % 3) {
+    case 0:
+      return AttentionItemAction::snooze(numberedEnd(number));
+    case 1:
+      return AttentionItemAction::dismiss();
+    default:
+      return AttentionItemAction::resolve();
+  }
+}
+
+AttentionItemState numberedState(int number) {
+  switch (number % 3) {
+    case 0:
+      return AttentionItemState::snoozed(numberedEnd(number));
+    case 1:
+      return AttentionItemState::dismissed();
+    default:
+      return AttentionItemState::resolved();
+  }
+}
+
+std::string numberedPerson(int number) {
+  return "person-" + std::to_string(number % people);
+}
+
+AttentionCatchUpItem contestedItem(int place) {
+  return sampleItem("contested-" + std::to_string(place), "contested", Kind::commitment, {});
+}
+
+} // namespace orvan
