@@ -1,0 +1,17 @@
+#include "OrvanRelationshipAttention/follow_up/follow_up_notification_scheduling.h"
+
+namespace orvan {
+
+Task<bool> FollowUpNotificationScheduling::authorizationIsUndetermined() {
+  co_return false;
+}
+
+Task<NotificationKeys> FollowUpNotificationScheduling::deliveredRequestKeys() {
+  co_return NotificationKeys{};
+}
+
+Task<void> FollowUpNotificationScheduling::removeDelivered(std::string /*key*/) {
+  co_return;
+}
+
+} // namespace orvan

@@ -1,0 +1,84 @@
+#include "OrvanRelationshipAttention/follow_up/follow_up_registration_race.h"
+
+#include <boost/asio/detached.hpp>
+#include <expected>
+#include <optional>
+
+#include "OrvanPlatform/continuation.h"
+#include "OrvanPlatform/mutex.h"
+#include "OrvanPlatform/sleep.h"
+
+namespace orvan {
+namespace {
+
+using Outcome = std::expected<LiveReminderRegistration, std::exception_ptr>;
+
+/// Which of the two sides came first. The first to claim decides the outcome; the other finds the matter closed.
+class FollowUpRegistrationDeadline {
+ public:
+  explicit FollowUpRegistrationDeadline(Continuation<Outcome> caller) : caller_(std::move(caller)) {}
+
+  void finish(Outcome outcome) {
+    if (claim()) {
+      caller_.resume(std::move(outcome));
+    }
+  }
+
+ private:
+  bool claim() {
+    const MutexLock lock{mutex_};
+    return !std::exchange(claimed_, true);
+  }
+
+  Mutex mutex_;
+  bool claimed_ ORVAN_GUARDED_BY(mutex_) = false;
+  /// Touched by the claimant alone.
+  Continuation<Outcome> caller_;
+};
+
+Task<void> expire(std::shared_ptr<FollowUpRegistrationDeadline> race, std::shared_ptr<const Clock> clock,
+                  MonotonicInstant deadline) {
+  co_await sleepUntil(std::move(clock), deadline);
+  race->finish(std::unexpected{std::make_exception_ptr(FollowUpRegistrationTimeout{})});
+}
+
+Task<Outcome> outcomeOf(Task<LiveReminderRegistration> work) {
+  try {
+    co_return co_await std::move(work);
+  } catch (...) {
+    co_return std::unexpected{std::current_exception()};
+  }
+}
+
+Task<void> carryOut(std::shared_ptr<FollowUpRegistrationDeadline> race, std::function<void()> onWorkFinished,
+                    Task<LiveReminderRegistration> work) {
+  Outcome outcome = co_await outcomeOf(std::move(work));
+  race->finish(std::move(outcome));
+  onWorkFinished();
+}
+
+} // namespace
+
+FollowUpRegistrationBudget::FollowUpRegistrationBudget(std::shared_ptr<const Clock> clock,
+                                                       std::chrono::nanoseconds timeout)
+    : clock_(std::move(clock)), deadline_(clock_->monotonicNow() + timeout) {}
+
+Task<LiveReminderRegistration> racingRegistrationDeadline(Executor executor, std::shared_ptr<const Clock> clock,
+                                                          MonotonicInstant deadline,
+                                                          std::function<void()> onWorkFinished,
+                                                          Task<LiveReminderRegistration> work) {
+  auto start = [executor, clock, deadline, onWorkFinished = std::move(onWorkFinished),
+                work = std::move(work)](Continuation<Outcome> caller) mutable {
+    const auto race = std::make_shared<FollowUpRegistrationDeadline>(std::move(caller));
+    // Neither side can be cancelled: nobody keeps a handle to either.
+    boost::asio::co_spawn(executor, expire(race, clock, deadline), boost::asio::detached);
+    boost::asio::co_spawn(executor, carryOut(race, std::move(onWorkFinished), std::move(work)), boost::asio::detached);
+  };
+  Outcome outcome = co_await suspended<Outcome>(std::move(start));
+  if (!outcome.has_value()) {
+    std::rethrow_exception(outcome.error());
+  }
+  co_return *outcome;
+}
+
+} // namespace orvan
