@@ -1,0 +1,78 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "OrvanPlatform/instant.h"
+
+namespace orvan {
+
+/// One mailbox of an address field. Both texts are valid UTF-8 without control characters.
+struct MailAddress {
+  /// The name as its writer meant it, encoded words decoded, trimmed; empty when there is none.
+  std::string displayName;
+  /// The mailbox ("zoe@example.org"), lower-cased, so that two spellings of one mailbox compare equal. Never empty.
+  std::string address;
+
+  bool operator==(const MailAddress&) const = default;
+};
+
+/// What the importer keeps of one mail. All texts are valid UTF-8.
+struct MailMessage {
+  /// Without angle brackets, never empty. A mail that carries no id gets one made from its header fields, which is the
+  /// same each time the mail is read, from an mbox file or a Maildir and whatever its status flags are then.
+  /// Two messages of one source may have the same id: the source does not remember what it gave.
+  std::string messageID;
+  /// The mails this one answers, oldest first: References, then In-Reply-To. No brackets, no duplicates, never the
+  /// message's own id. Of more than 100, the first and the last 99 are kept.
+  std::vector<std::string> references;
+  /// When the sender's program says it was sent: whole seconds, years 1970 to 9999.
+  Instant sentAt;
+  /// At least one.
+  std::vector<MailAddress> from;
+  std::vector<MailAddress> to;
+  std::vector<MailAddress> cc;
+  /// Decoded, on one line, trimmed; may be empty.
+  std::string subject;
+  /// It went through a mailing list.
+  bool isListMail = false;
+  /// No person wrote it to its readers: bulk and list mail, automatic replies, delivery reports, no-reply mailboxes.
+  bool isAutomated = false;
+  /// The first question its sender asked in words of their own: see firstQuestion(). Absent for automated and forwarded
+  /// mail and for invitations.
+  std::optional<std::string> question;
+
+  bool operator==(const MailMessage&) const = default;
+};
+
+/// Why a mail, or what should have been one, is not imported.
+enum class MailSkipReason {
+  /// No Date field that can be read, or one outside years 1970 to 9999.
+  undated,
+  /// No From field with an address: malformed, or cut off before it.
+  noSender,
+  /// Text before the first "From " line of an mbox file. When nothing else is found, the file is not an mbox file.
+  notAMailbox,
+  /// A Maildir message with the draft flag.
+  draft,
+  /// A Maildir message with the trashed flag.
+  trashed,
+  /// A Maildir message that cannot be opened or read.
+  unreadable,
+};
+
+/// A few words for a table of counts ("no readable date").
+std::string_view description(MailSkipReason reason) noexcept;
+
+struct MailSkip {
+  MailSkipReason reason;
+
+  bool operator==(const MailSkip&) const = default;
+};
+
+using MailItem = std::variant<MailMessage, MailSkip>;
+
+} // namespace orvan

@@ -1,0 +1,170 @@
+#include "application/import/mail/maildir_source.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "OrvanPlatform/error.h"
+#include "application/import/mail/line_reader.h"
+#include "application/import/mail/mail_source_error.h"
+
+namespace orvan {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The names in `folder` in byte order; nothing when it cannot be listed.
+std::optional<std::vector<std::string>> sortedNames(const fs::path& folder) {
+  std::error_code error;
+  std::vector<std::string> names;
+  fs::directory_iterator entry{folder, error};
+  for (; !error && entry != fs::directory_iterator{}; entry.increment(error)) {
+    names.push_back(entry->path().filename().string());
+  }
+  if (error) {
+    return std::nullopt;
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+bool isFolder(const fs::path& path) {
+  std::error_code error;
+  return fs::is_directory(path, error);
+}
+
+void appendMailFolders(const fs::path& parent, std::vector<fs::path>& folders) {
+  for (const char* name : {"cur", "new"}) {
+    if (auto folder = parent / name; isFolder(folder)) {
+      folders.push_back(std::move(folder));
+    }
+  }
+}
+
+/// The folders that hold mails: of the Maildir itself first, then of each folder inside it.
+std::vector<fs::path> mailFolders(const fs::path& root) {
+  const auto names = sortedNames(root);
+  if (!names) {
+    throw Error{MailSourceError::notPermitted, root.string()};
+  }
+  std::vector<fs::path> folders;
+  appendMailFolders(root, folders);
+  for (const auto& name : *names) {
+    if (name != "cur" && name != "new" && name != "tmp") {
+      appendMailFolders(root / name, folders);
+    }
+  }
+  return folders;
+}
+
+MailSourceError errorAt(const fs::path& path) {
+  std::error_code error;
+  const auto status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) {
+    return MailSourceError::notFound;
+  }
+  return fs::exists(status) ? MailSourceError::isAFile : MailSourceError::notPermitted;
+}
+
+std::uint64_t sizeOf(const fs::path& file) {
+  std::error_code error;
+  const auto size = fs::file_size(file, error);
+  return error ? 0 : size;
+}
+
+std::uint64_t sizeOfFilesIn(const fs::path& folder) {
+  std::error_code error;
+  std::uint64_t total = 0;
+  fs::directory_iterator entry{folder, error};
+  for (; !error && entry != fs::directory_iterator{}; entry.increment(error)) {
+    total += sizeOf(entry->path());
+  }
+  return total;
+}
+
+/// The letters after ":2," at the end of a name. File systems that forbid the colon have "!" or ";" in its place.
+std::string_view flagsOf(std::string_view name) noexcept {
+  const auto comma = name.rfind("2,");
+  if (comma == std::string_view::npos || comma == 0 || !std::string_view{":;!"}.contains(name[comma - 1])) {
+    return {};
+  }
+  return name.substr(comma + 2);
+}
+
+std::optional<MailSkip> skipForFlags(std::string_view name) noexcept {
+  const auto flags = flagsOf(name);
+  if (flags.contains('T')) {
+    return MailSkip{MailSkipReason::trashed};
+  }
+  if (flags.contains('D')) {
+    return MailSkip{MailSkipReason::draft};
+  }
+  return std::nullopt;
+}
+
+bool isMailFile(const fs::path& path) {
+  std::error_code error;
+  return fs::is_regular_file(path, error);
+}
+
+} // namespace
+
+MaildirSource::MaildirSource(const fs::path& path) : parser_{BodyLines::asSent} {
+  if (!isFolder(path)) {
+    throw Error{errorAt(path), path.string()};
+  }
+  folders_ = mailFolders(path);
+  if (folders_.empty()) {
+    throw Error{MailSourceError::notAMaildir, path.string()};
+  }
+  for (const auto& folder : folders_) {
+    bytesTotal_ += sizeOfFilesIn(folder);
+  }
+}
+
+std::optional<MailItem> MaildirSource::next() {
+  while (nextName_ == names_.size()) {
+    if (nextFolder_ == folders_.size()) {
+      return std::nullopt;
+    }
+    if (!moveToNextFolder()) {
+      return MailSkip{MailSkipReason::unreadable};
+    }
+  }
+  return readMail(names_[nextName_++]);
+}
+
+/// Whether the next folder could be listed.
+bool MaildirSource::moveToNextFolder() {
+  folder_ = folders_[nextFolder_++];
+  auto names = sortedNames(folder_);
+  const bool listed = names.has_value();
+  names_ = std::move(names).value_or(std::vector<std::string>{});
+  std::erase_if(names_, [](const std::string& name) { return name.starts_with('.'); });
+  nextName_ = 0;
+  return listed;
+}
+
+MailItem MaildirSource::readMail(const std::string& name) {
+  const auto path = folder_ / name;
+  if (const auto skip = skipForFlags(name)) {
+    bytesRead_ += sizeOf(path);
+    return *skip;
+  }
+  // Anything else than a file, a pipe for one, could keep the reader waiting for ever.
+  if (!isMailFile(path)) {
+    return MailSkip{MailSkipReason::unreadable};
+  }
+  try {
+    LineReader lines{path};
+    bytesRead_ += lines.fileSize();
+    mail_.clear();
+    for (; lines.current(); lines.advance()) {
+      mail_.append(*lines.current());
+    }
+  } catch (const Error&) {
+    return MailSkip{MailSkipReason::unreadable};
+  }
+  return parser_.parse(mail_);
+}
+
+} // namespace orvan

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "application/import/mail/mail_parser.h"
+#include "application/import/mail/mail_source.h"
+#include "application/import/mail/raw_mail.h"
+
+namespace orvan {
+
+/// The mails of a Maildir: those in "cur" and "new" of the folder itself and of the folders right inside it
+/// (".Sent/cur"), in the order of their paths. "tmp" is never read. Mails flagged as drafts or trashed are skips.
+///
+/// A mail that another program renames or removes meanwhile is a skip too.
+class MaildirSource final : public MailSource {
+ public:
+  /// Lists the folders and adds up the sizes of their files. Throws Error with a MailSourceError; its text names `path`
+  /// as given.
+  explicit MaildirSource(const std::filesystem::path& path);
+
+  std::optional<MailItem> next() override;
+  std::uint64_t bytesRead() const noexcept override { return bytesRead_; }
+  std::uint64_t bytesTotal() const noexcept override { return bytesTotal_; }
+
+ private:
+  bool moveToNextFolder();
+  MailItem readMail(const std::string& name);
+
+  std::vector<std::filesystem::path> folders_;
+  std::size_t nextFolder_ = 0;
+  std::filesystem::path folder_;
+  /// The names of the current folder's files, sorted, and the first that was not read yet.
+  std::vector<std::string> names_;
+  std::size_t nextName_ = 0;
+  std::uint64_t bytesRead_ = 0;
+  std::uint64_t bytesTotal_ = 0;
+  MailParser parser_;
+  RawMail mail_;
+};
+
+} // namespace orvan

@@ -1,0 +1,50 @@
+#include "application/store/application_store_error.h"
+
+#include <string>
+
+namespace orvan {
+namespace {
+
+class ApplicationStoreCategory final : public std::error_category {
+ public:
+  const char* name() const noexcept override { return "application store"; }
+  std::string message(int code) const override {
+    switch (static_cast<ApplicationStoreError>(code)) {
+      case ApplicationStoreError::storeMissing:
+        return "There is no store yet; make one with 'orvan init'.";
+      case ApplicationStoreError::storeExists:
+        return "There is a store already; it was left as it is.";
+      case ApplicationStoreError::keyMissingForStore:
+        return "There is a store but no key for it; put its key back, because a new one could not open it.";
+      case ApplicationStoreError::keyMissing:
+        return "There is no store key; make key and store with 'orvan init', or name the key with --key-file.";
+      case ApplicationStoreError::keyMalformed:
+        return "The store key is not 32 bytes long; name the right file with --key-file.";
+      case ApplicationStoreError::plaintextStore:
+        return "The file is an SQLite database without encryption and is not used as a store; name another with "
+               "--store.";
+      case ApplicationStoreError::cannotDecrypt:
+        return "The store cannot be opened with this key: name the key it was made with, or restore the file from a "
+               "backup if it is damaged.";
+      case ApplicationStoreError::schemaMissing:
+        return "The store lacks tables that it must have; restore it from a backup, or make a new one with 'orvan "
+               "init' under another name.";
+      case ApplicationStoreError::storeNotPrivate:
+        return "Others than you can read or write the store file; take that away with 'chmod 600' and try again.";
+      case ApplicationStoreError::cannotCreate:
+        return "The store could not be created; check that its folder exists and can be written.";
+      case ApplicationStoreError::engineCannotEncrypt:
+        return "The SQLite library in use cannot encrypt; start the program without preloading another SQLite.";
+    }
+    return "unknown store error";
+  }
+};
+
+} // namespace
+
+std::error_code make_error_code(ApplicationStoreError error) noexcept {
+  static const ApplicationStoreCategory category;
+  return {static_cast<int>(error), category};
+}
+
+} // namespace orvan

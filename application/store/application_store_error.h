@@ -1,0 +1,31 @@
+#pragma once
+
+#include <system_error>
+
+namespace orvan {
+
+/// Why the application cannot make or open its store. Each message is a sentence that says what to do.
+enum class ApplicationStoreError {
+  storeMissing = 1,
+  storeExists,
+  /// There is a store and no key for it: making a new key would lose the store for good.
+  keyMissingForStore,
+  keyMissing,
+  /// Not 32 bytes.
+  keyMalformed,
+  plaintextStore,
+  /// Another key made it, it is damaged, or it is no store at all.
+  cannotDecrypt,
+  schemaMissing,
+  /// Others than the owner can read or write the file.
+  storeNotPrivate,
+  cannotCreate,
+  engineCannotEncrypt,
+};
+
+std::error_code make_error_code(ApplicationStoreError error) noexcept;
+
+} // namespace orvan
+
+template <>
+struct std::is_error_code_enum<orvan::ApplicationStoreError> : std::true_type {};

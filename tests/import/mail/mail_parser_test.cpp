@@ -1,0 +1,211 @@
+#include "application/import/mail/mail_parser.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "OrvanPlatform/internet_date_time.h"
+
+namespace orvan {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+MailItem parsed(const std::string& header, const std::string& body = "") {
+  RawMail mail;
+  for (std::string_view rest = header; !rest.empty();) {
+    const auto line = rest.substr(0, rest.find('\n') + 1);
+    mail.append({line, true});
+    rest.remove_prefix(line.size());
+  }
+  mail.append({"\n", true});
+  mail.append({body, true});
+  return MailParser{BodyLines::asSent}.parse(mail);
+}
+
+/// A mail with a sender, a date and an id besides `header`; a field in `header` comes before those.
+MailMessage message(const std::string& header, const std::string& body = "") {
+  return std::get<MailMessage>(parsed(header + "From: Zoe <zoe@example.org>\nDate: Thu, 5 Mar 2026 09:15:00 +0000\n"
+                                               "Message-ID: <own@example.org>\n",
+                                      body));
+}
+
+std::string html(const std::string& body) {
+  return "Content-Type: text/html; charset=utf-8\n\n" + body + "\n";
+}
+
+std::string plain(const std::string& body) {
+  return "Content-Type: text/plain; charset=utf-8\n\n" + body + "\n";
+}
+
+std::optional<std::string> questionOfParts(const std::vector<std::string>& parts, const std::string& kind = "mixed") {
+  std::string body = "preamble, is it read?\n";
+  for (const auto& part : parts) {
+    body += "--b\n" + part;
+  }
+  return message("Content-Type: multipart/" + kind + "; boundary=\"b\"\n", body + "--b--\nepilogue").question;
+}
+
+TEST(MailDates, AreWholeSecondsInUtc) {
+  const auto sentAt = [](const std::string& date) {
+    return formatInternetDateTime(message("Date: " + date + "\n").sentAt);
+  };
+  EXPECT_EQ(sentAt("Thu, 5 Mar 2026 09:15:07 -0530 (IST)"), "2026-03-05T14:45:07Z");
+  EXPECT_EQ(sentAt("5 Mar 26 09:15 GMT"), "2026-03-05T09:15:00Z");
+  for (const char* date : {"", "yesterday", "Thu, 32 Mar 2026 09:15:00 +0000", "Wed, 31 Dec 1969 23:59:59 +0000",
+                           "Fri, 31 Dec 12026 00:00:00 +0000"}) {
+    EXPECT_EQ(parsed("From: zoe@example.org\nDate: " + std::string{date} + "\n"),
+              MailItem{MailSkip{MailSkipReason::undated}})
+        << date;
+  }
+}
+
+TEST(MailAddresses, AreDecodedAndComparable) {
+  const auto mail = message(
+      "To: =?utf-8?Q?Zo=C3=AB?= =?iso-8859-1?Q?_M=FCller?= <Zoe@Example.ORG>,\n\t\"Doe, Ana\" <ana@example.org>\n"
+      "Cc: team: bo@example.org, Carl <carl@example.org>;, 'eva@example.org', nobody, <>\n");
+  EXPECT_THAT(mail.to,
+              ElementsAre(MailAddress{"Zoë Müller", "zoe@example.org"}, MailAddress{"Doe, Ana", "ana@example.org"}));
+  EXPECT_THAT(mail.cc, ElementsAre(MailAddress{"", "bo@example.org"}, MailAddress{"Carl", "carl@example.org"},
+                                   MailAddress{"", "eva@example.org"}));
+  EXPECT_THAT(message("To: undisclosed-recipients:;\n").to, IsEmpty());
+  EXPECT_THAT(message("From: Zo\xeb <zoe@example.org>\n").from, ElementsAre(MailAddress{"Zoë", "zoe@example.org"}));
+}
+
+TEST(MailAddresses, AreNeverReadFromTheEndOfACutOffList) {
+  std::string list = "a0@example.org";
+  for (int count = 1; list.size() < 70'000; ++count) {
+    list += ", someone.with.a.long.name." + std::to_string(count) + "@example.org";
+  }
+  const auto to = message("To: " + list + "\n").to;
+  ASSERT_GT(to.size(), 1000U);
+  EXPECT_TRUE(to.back().address.ends_with("@example.org")) << to.back().address;
+  std::string nested = "To: ";
+  for (int depth = 0; depth < 30'000; ++depth) {
+    nested += "a:";
+  }
+  EXPECT_THAT(message(nested + "b@example.org\n").messageID, "own@example.org") << "nested groups are no stack";
+}
+
+TEST(MailSubjects, AreReadableWhateverTheirBytes) {
+  const auto subject = [](const std::string& raw) { return message("Subject: " + raw + "\n").subject; };
+  EXPECT_EQ(subject("=?utf-8?B?WsO8cmljaA==?=\n =?utf-8?Q?_trip?="), "Zürich trip");
+  EXPECT_EQ(subject("a\n\tfolded   one "), "a folded one");
+  EXPECT_EQ(subject("Z\xc3\xbcrich"), "Zürich");
+  EXPECT_EQ(subject("Z\xfcrich"), "Zürich") << "not UTF-8";
+  EXPECT_EQ(subject(std::string("nul\0bell\a", 9)), "nul bell");
+  EXPECT_EQ(subject("=?no-such-charset?Q?plain?="), "plain");
+  EXPECT_EQ(message("sUbJeCt : first\nSubject: second\n").subject, "first");
+}
+
+TEST(Threading, PutsReferencesBeforeInReplyToWithoutRepeats) {
+  const auto references = [](const std::string& fields) { return message(fields).references; };
+  EXPECT_THAT(
+      references(
+          "In-Reply-To: <c@x> (Zoe's message of Monday)\nReferences: <a@x>\n <b@x>\t<a@x> <own@example.org><c@x>\n"),
+      ElementsAre("a@x", "b@x", "c@x"));
+  EXPECT_THAT(references("In-Reply-To: a@x\n"), ElementsAre("a@x"));
+  EXPECT_THAT(references("In-Reply-To: your message of Monday\nReferences: <> <a@x> <unclosed@x\n"),
+              ElementsAre("a@x"));
+  EXPECT_EQ(message("Message-ID: no-brackets\n").messageID, "no-brackets");
+}
+
+TEST(Threading, KeepsTheFirstAndTheLastReferencesOfALongThread) {
+  std::string field = "References:";
+  for (int count = 0; count < 150; ++count) {
+    field += " <" + std::to_string(count) + "@x>";
+  }
+  const auto references = message(field + "\n").references;
+  ASSERT_EQ(references.size(), 100U);
+  EXPECT_EQ(references[0], "0@x");
+  EXPECT_EQ(references[1], "51@x");
+  EXPECT_EQ(references[99], "149@x");
+}
+
+TEST(Automation, IsSeenInFieldsAndMailboxes) {
+  for (const char* header :
+       {"Auto-Submitted: auto-replied; owner=x\n", "Precedence: Bulk\n", "Precedence: junk (x)\n",
+        "List-Id: <team.example.org>\n", "Content-Type: multipart/report; boundary=b\n", "From: noreply@example.org\n",
+        "From: no-reply@example.org\n", "From: do_not.reply@example.org\n", "From: drive-shares-noreply@example.org\n",
+        "From: noreply2@example.org\n", "From: MAILER-DAEMON@example.org\n", "From: bounces+7=a@example.org\n"}) {
+    const auto mail = message(header, "Are you there?\n");
+    EXPECT_TRUE(mail.isAutomated) << header;
+    EXPECT_EQ(mail.question, std::nullopt) << header;
+  }
+  for (const char* header :
+       {"Auto-Submitted: no\n", "Precedence: first-class\n", "List-Post: <mailto:team@example.org>\n",
+        "From: nora.reply@example.org\n", "From: postmasters@example.org\n"}) {
+    EXPECT_FALSE(message(header).isAutomated) << header;
+  }
+  EXPECT_TRUE(message("List-Id: x\n").isListMail);
+  EXPECT_TRUE(message("List-Unsubscribe: x\n").isListMail);
+  EXPECT_FALSE(message("Precedence: bulk\n").isListMail);
+}
+
+TEST(Forwards, AskNothingButAnswersToThemDo) {
+  const auto question = [](const std::string& subject) {
+    return message("Subject: " + subject + "\n", "Are you there?\n").question;
+  };
+  for (const char* subject : {"Fwd: plan", "FW: plan", "WG: Plan", "[Fwd: plan]"}) {
+    EXPECT_EQ(question(subject), std::nullopt) << subject;
+  }
+  EXPECT_EQ(question("Re: Fwd: plan"), "Are you there?");
+  EXPECT_EQ(question("Forward: plan"), "Are you there?");
+}
+
+TEST(Bodies, AreReadFromTheFirstTextThatIsNotAttached) {
+  EXPECT_EQ(questionOfParts({html("<p>Is this HTML?</p>"), plain("Is this plain?"), plain("Is this later?")}),
+            "Is this plain?");
+  EXPECT_EQ(questionOfParts(
+                {"Content-Disposition: attachment; filename=a.txt\n" + plain("Is this attached?"),
+                 "Content-Type: message/rfc822\n\nSubject: x\n\nIs this attached?\n",
+                 "Content-Type: multipart/related; boundary=bb\n\n--bb\n" + plain("Is this nested?") + "--bb--\n"}),
+            "Is this nested?");
+  EXPECT_EQ(questionOfParts(
+                {plain("Shall we meet then?"), "Content-Type: text/calendar; method=REQUEST\n\nBEGIN:VCALENDAR\n"}),
+            std::nullopt)
+      << "an invitation";
+  EXPECT_EQ(questionOfParts({"\nIs this bare?\n"}), "Is this bare?");
+}
+
+TEST(Bodies, OfHtmlGiveWhatTheirReaderSees) {
+  EXPECT_EQ(questionOfParts({html(
+                "<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
+                "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")}),
+            "Hi Zoë, d'you come too?");
+  EXPECT_EQ(
+      questionOfParts({html("<p>No.</p><blockquote>Is this <blockquote>and this</blockquote> quoted?</blockquote>")}),
+      std::nullopt);
+  EXPECT_EQ(questionOfParts({html("Is it 1 &lt; 2 & 3 < 4?<br")}), "Is it 1 < 2 & 3 < 4?");
+}
+
+TEST(Bodies, AreDecodedWhateverTheirCharset) {
+  const auto question = [](const std::string& fields, const std::string& body) {
+    return message(fields, body).question;
+  };
+  EXPECT_EQ(question("Content-Transfer-Encoding: quoted-printable\nContent-Type: text/plain; charset=utf-8\n",
+                     "Gehen wir nach Z=C3=BCr=\nich?\n"),
+            "Gehen wir nach Zürich?");
+  EXPECT_EQ(question("Content-Transfer-Encoding: BASE64\n", "QXJlIHlv\ndSB0aGVy\nZT8=\n"), "Are you there?");
+  EXPECT_EQ(question("Content-Type: text/plain; charset=\"ISO-8859-1\"\n", "Nach Z\xfcrich \x93heute\x94?\n"),
+            "Nach Zürich “heute”?");
+  EXPECT_EQ(question("Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xba\xc3\xc2\xf0\xa3\xbf"), "你好吗？");
+  EXPECT_EQ(question("Content-Type: text/plain; charset=no-such\n", "Nach Z\xfcrich?\n"), "Nach Zürich?");
+  EXPECT_EQ(question("Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n"), "Nach Z\uFFFDrich?");
+  EXPECT_EQ(question("", std::string("Are\0 you there?\n", 16)), "Are you there?");
+}
+
+TEST(Bodies, NestedWithoutEndAreGivenUp) {
+  std::string body;
+  for (int depth = 0; depth < 5000; ++depth) {
+    const auto boundary = "b" + std::to_string(depth);
+    body.append("Content-Type: multipart/mixed; boundary=").append(boundary);
+    body.append("\n\n--").append(boundary).append("\n");
+  }
+  EXPECT_EQ(questionOfParts({body + plain("Is this deep?")}), std::nullopt);
+  EXPECT_EQ(questionOfParts({body, plain("Is this after it?")}), "Is this after it?");
+  EXPECT_EQ(message("Content-Type: multipart/mixed\n", plain("Is there no boundary?")).question, std::nullopt);
+}
+
+} // namespace
+} // namespace orvan
