@@ -1,0 +1,117 @@
+#include "application/import/calendar/attendee_list.h"
+
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+#include <utility>
+
+#include "OrvanPlatform/white_space.h"
+
+namespace orvan {
+namespace {
+
+std::string lowerCase(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+const char* addressValue(icalproperty* property) {
+  return icalproperty_isa(property) == ICAL_ORGANIZER_PROPERTY ? icalproperty_get_organizer(property)
+                                                               : icalproperty_get_attendee(property);
+}
+
+/// The address itself, or the one in the EMAIL parameter where the value is some other kind of identifier.
+std::string mailAddress(icalproperty* property) {
+  constexpr std::string_view scheme = "mailto:";
+  std::string address = lowerCase(displayText(addressValue(property)));
+  if (address.starts_with(scheme)) {
+    address.erase(0, scheme.size());
+  }
+  if (!address.contains('@')) {
+    icalparameter* email = icalproperty_get_first_parameter(property, ICAL_EMAIL_PARAMETER);
+    address = email == nullptr ? std::string{} : lowerCase(displayText(icalparameter_get_email(email)));
+  }
+  return address.contains('@') ? address : std::string{};
+}
+
+/// Undoes the circumflex escapes of parameter values (RFC 6868), which the parser leaves as they are.
+std::string withoutCircumflexes(std::string_view text) {
+  std::string plain;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const char escaped = text[at] == '^' && at + 1 < text.size() ? text[at + 1] : '\0';
+    if (escaped == 'n' || escaped == '\'' || escaped == '^') {
+      plain += escaped == 'n' ? ' ' : escaped == '\'' ? '"' : '^';
+      ++at;
+    } else {
+      plain += text[at];
+    }
+  }
+  return plain;
+}
+
+/// Some calendars repeat the address where they know no name.
+std::string displayName(icalproperty* property, const std::string& address) {
+  icalparameter* parameter = icalproperty_get_first_parameter(property, ICAL_CN_PARAMETER);
+  if (parameter == nullptr) {
+    return {};
+  }
+  auto name = displayText(withoutCircumflexes(displayText(icalparameter_get_cn(parameter))).c_str());
+  return lowerCase(name) == address ? std::string{} : name;
+}
+
+bool isPerson(icalproperty* property) {
+  icalparameter* type = icalproperty_get_first_parameter(property, ICAL_CUTYPE_PARAMETER);
+  const auto kind = type == nullptr ? ICAL_CUTYPE_INDIVIDUAL : icalparameter_get_cutype(type);
+  return kind != ICAL_CUTYPE_ROOM && kind != ICAL_CUTYPE_RESOURCE && kind != ICAL_CUTYPE_GROUP;
+}
+
+bool hasDeclined(icalproperty* property) {
+  icalparameter* status = icalproperty_get_first_parameter(property, ICAL_PARTSTAT_PARAMETER);
+  return status != nullptr && icalparameter_get_partstat(status) == ICAL_PARTSTAT_DECLINED;
+}
+
+} // namespace
+
+void AttendeeList::add(icalproperty* organizerOrAttendee) {
+  const auto address = mailAddress(organizerOrAttendee);
+  if (address.empty() || !isPerson(organizerOrAttendee)) {
+    return;
+  }
+  if (hasDeclined(organizerOrAttendee)) {
+    const bool isUser = ownAddresses_.contains(address);
+    declinedByUser_ |= isUser;
+    if (!isUser) {
+      declined_.insert(address);
+    }
+  }
+  merge({.displayName = displayName(organizerOrAttendee, address), .address = address});
+}
+
+void AttendeeList::merge(CalendarAttendee attendee) {
+  const auto known = std::ranges::find(listed_, attendee.address, &CalendarAttendee::address);
+  if (known == listed_.end()) {
+    listed_.push_back(std::move(attendee));
+  } else if (known->displayName.empty()) {
+    known->displayName = std::move(attendee.displayName);
+  }
+}
+
+std::vector<CalendarAttendee> AttendeeList::people() const {
+  auto people = listed_;
+  std::erase_if(people, [this](const CalendarAttendee& attendee) { return declined_.contains(attendee.address); });
+  return people;
+}
+
+std::string displayText(const char* text) {
+  if (text == nullptr) {
+    return {};
+  }
+  std::string shown;
+  icu::UnicodeString::fromUTF8(text).toUTF8String(shown); // Puts U+FFFD in place of what is not UTF-8.
+  std::ranges::replace_if(shown, [](unsigned char c) { return c < 0x20 || c == 0x7f; }, ' ');
+  return std::string{trimmed(shown)};
+}
+
+} // namespace orvan
