@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "OrvanPlatform/instant.h"
+#include "OrvanStore/database_queue.h"
+#include "application/import/ledger/source_progress.h"
+#include "application/import/mail/mail_source.h"
+
+namespace orvan {
+
+/// What an import found. Everything read is counted once: read == imported + known + automated + notes + skipped.
+struct MailReport {
+  std::int64_t read = 0;
+  std::int64_t imported = 0;
+  /// Imported before, from this file or another.
+  std::int64_t known = 0;
+  /// Written by a machine; remembered, and kept out of everybody's history.
+  std::int64_t automated = 0;
+  /// Mails that the user wrote to nobody else.
+  std::int64_t notes = 0;
+  std::map<MailSkipReason, std::int64_t> skipped;
+};
+
+/// Told after every batch; may be empty.
+using MailProgress = std::function<void(const MailReport& soFar, std::uint64_t bytesRead, std::uint64_t bytesTotal)>;
+
+/// Who the user is and when the import takes place.
+struct ImportContext {
+  /// The user's addresses in lower case; at least one, which the caller sees to. The first names the source account.
+  std::vector<std::string> ownAddresses;
+  Instant now;
+};
+
+/// Brings mail into the canonical tables. Each batch is one write transaction: an import that is cut short leaves whole
+/// batches and can be run again. After each batch the write-ahead log is moved into the store file as far as readers
+/// allow, so that it stays no larger than one batch makes it.
+///
+/// Memory holds two batches, one being read and one being written, and the connection's page cache.
+class MailImporter {
+ public:
+  /// Large enough that a batch, written in the order of the keys, visits the pages of a large store few times.
+  static constexpr std::size_t usualMailsPerBatch = std::size_t{48} * 1024;
+
+  /// `store` must outlive the importer. A batch ends early when its mails are large.
+  MailImporter(DatabaseQueue& store, ImportContext context, std::size_t mailsPerBatch = usualMailsPerBatch);
+
+  /// Reads `source` to its end. Parsing runs on a thread of its own beside the writing. When the source fails part of
+  /// the way, what came before is kept and the source's error is thrown; a fault of the store is thrown as StoreError.
+  MailReport import(MailSource& source, const MailProgress& progress = {});
+
+ private:
+  DatabaseQueue& store_;
+  ImportContext context_;
+  std::size_t mailsPerBatch_;
+};
+
+} // namespace orvan

@@ -1,0 +1,215 @@
+#include "application/import/ledger/meeting_importer.h"
+
+#include <algorithm>
+#include <exception>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "OrvanPlatform/internet_date_time.h"
+#include "application/import/ledger/bounded_text.h"
+#include "application/import/ledger/history_rows.h"
+#include "application/import/ledger/import_tables.h"
+#include "application/import/ledger/own_addresses.h"
+#include "application/import/ledger/people_ledger.h"
+#include "application/import/ledger/stable_id.h"
+
+namespace orvan {
+namespace {
+
+constexpr std::int64_t daysBefore = std::int64_t{2} * 365;
+constexpr std::int64_t daysAfter = 365;
+constexpr std::size_t meetingsPerBatch = 4096;
+constexpr std::size_t calendarNameLength = 13;
+constexpr std::size_t mostParticipants = 200;
+
+std::int64_t numberOfThisImport(const std::string& calendar, Connection& connection) {
+  return connection
+             .fetchOptionalInteger("SELECT COALESCE(MAX(seen_in), 0) FROM calendar_entry WHERE calendar = ?", calendar)
+             .value_or(0) +
+         1;
+}
+
+struct MeetingBatch {
+  std::vector<CalendarMeeting> meetings;
+  /// Set when the source failed after these.
+  std::exception_ptr failure;
+};
+
+MeetingBatch readBatch(CalendarSource& source) {
+  MeetingBatch batch;
+  try {
+    while (batch.meetings.size() < meetingsPerBatch) {
+      auto meeting = source.next();
+      if (!meeting) {
+        break;
+      }
+      batch.meetings.push_back(std::move(*meeting));
+    }
+  } catch (...) {
+    batch.failure = std::current_exception();
+  }
+  return batch;
+}
+
+InteractionRow rowOf(const CalendarMeeting& meeting, std::vector<std::string> participants) {
+  const auto& principal = participants.front();
+  auto threadID = clusteredID(principal, meeting.uid);
+  // A line break parts the two texts: neither can hold one.
+  auto id = clusteredID(principal, meeting.uid + "\n" + meeting.recurrenceID);
+  const bool isGroup = participants.size() > 1;
+  return {std::move(id),
+          std::move(threadID),
+          std::nullopt,
+          "mutual",
+          "meeting",
+          isGroup ? "group" : "direct",
+          formatInternetDateTime(meeting.startsAt),
+          std::move(participants)};
+}
+
+/// Marks the meeting as seen in this import; whether it was there before.
+bool markSeen(const std::string& interactionID, const std::string& calendar, std::int64_t import,
+              Connection& connection) {
+  const bool isKnown =
+      connection.fetchOptionalInteger("SELECT 1 FROM calendar_entry WHERE interaction_id = ?", interactionID)
+          .has_value();
+  connection.execute(R"sql(
+INSERT INTO calendar_entry (interaction_id, calendar, seen_in)
+VALUES (?, ?, ?)
+ON CONFLICT(interaction_id) DO UPDATE SET calendar = excluded.calendar, seen_in = excluded.seen_in
+)sql",
+                     interactionID, calendar, import);
+  return isKnown;
+}
+
+std::vector<std::string> notSeenIn(std::int64_t import, const std::string& calendar, CalendarWindow window,
+                                   Connection& connection) {
+  std::vector<std::string> gone;
+  auto rows =
+      connection.query(R"sql(
+SELECT entry.interaction_id
+FROM calendar_entry entry
+JOIN interaction meeting ON meeting.id = entry.interaction_id
+WHERE entry.calendar = ? AND entry.seen_in < ? AND meeting.occurred_at >= ? AND meeting.occurred_at < ?
+)sql",
+                       calendar, import, formatInternetDateTime(window.from), formatInternetDateTime(window.to));
+  while (rows.next()) {
+    gone.emplace_back(rows.text(Column{0}));
+  }
+  return gone;
+}
+
+void deleteParticipants(const std::string& interactionID, Connection& connection) {
+  connection.execute(R"sql(
+DELETE FROM interaction_participant
+WHERE interaction_id = ?1 AND source_identity_id IN (
+  SELECT tp.source_identity_id
+  FROM interaction meeting
+  JOIN thread_participant tp ON tp.thread_id = meeting.thread_id
+  WHERE meeting.id = ?1
+)
+)sql",
+                     interactionID);
+}
+
+void withdraw(const std::string& interactionID, Connection& connection) {
+  deleteParticipants(interactionID, connection);
+  connection.execute("DELETE FROM interaction WHERE id = ?", interactionID);
+  connection.execute("DELETE FROM source_event WHERE id = ?", interactionID);
+  connection.execute("DELETE FROM calendar_entry WHERE interaction_id = ?", interactionID);
+}
+
+/// One import of one calendar, from its start to its end.
+class CalendarImport {
+ public:
+  CalendarImport(SourceAccount account, std::string calendar, std::string now)
+      : account_(std::move(account)), calendar_(std::move(calendar)), now_(std::move(now)) {}
+
+  void begin(const std::vector<std::string>& ownAddresses, Connection& connection) {
+    createImportTables(connection);
+    recordImportStarted(account_, now_, connection);
+    ownAddresses_ = rememberOwnAddresses(ownAddresses, now_, connection);
+    number_ = numberOfThisImport(calendar_, connection);
+  }
+
+  void write(const std::vector<CalendarMeeting>& meetings, MeetingReport& report, Connection& connection) {
+    PeopleLedger people;
+    HistoryRows rows;
+    for (const auto& meeting : meetings) {
+      auto participants = noteParticipants(meeting, people);
+      if (participants.empty()) {
+        continue;
+      }
+      auto row = rowOf(meeting, std::move(participants));
+      const bool isKnown = markSeen(row.id, calendar_, number_, connection);
+      if (isKnown) {
+        // Whoever is still invited is written again.
+        deleteParticipants(row.id, connection);
+      }
+      ++report.meetings;
+      ++(isKnown ? report.known : report.imported);
+      rows.addThread(row.threadID, "calendar", leadingCharacters(meeting.summary, mostSubjectCharacters));
+      rows.add(std::move(row));
+    }
+    people.write(connection, now_);
+    rows.write(account_.id, now_, connection);
+  }
+
+  void end(CalendarWindow window, MeetingReport& report, Connection& connection) {
+    for (const auto& interactionID : notSeenIn(number_, calendar_, window, connection)) {
+      withdraw(interactionID, connection);
+      ++report.withdrawn;
+    }
+    recordImportSucceeded(account_, now_, connection);
+  }
+
+ private:
+  std::vector<std::string> noteParticipants(const CalendarMeeting& meeting, PeopleLedger& people) const {
+    std::vector<std::string> participants;
+    for (const auto& person : meeting.people) {
+      if (participants.size() < mostParticipants && !ownAddresses_.contains(person.address)) {
+        participants.push_back(people.note(person.address, person.displayName, NameSource::others));
+      }
+    }
+    return participants;
+  }
+
+  SourceAccount account_;
+  std::string calendar_;
+  std::string now_;
+  std::set<std::string> ownAddresses_;
+  std::int64_t number_ = 0;
+};
+
+} // namespace
+
+CalendarWindow importWindow(Instant now) {
+  return {instantByAddingDays(now, -daysBefore), instantByAddingDays(now, daysAfter)};
+}
+
+MeetingImporter::MeetingImporter(DatabaseQueue& store, ImportContext context, const std::filesystem::path& file)
+    : store_(store),
+      context_(std::move(context)),
+      calendar_(stableID(std::filesystem::weakly_canonical(file).native(), calendarNameLength)) {}
+
+MeetingReport MeetingImporter::import(CalendarSource& source) {
+  CalendarImport import(calendarAccountOf(context_.ownAddresses.front()), calendar_,
+                        formatInternetDateTime(context_.now));
+  store_.write([&](Connection& connection) { import.begin(context_.ownAddresses, connection); });
+
+  MeetingReport report;
+  for (auto batch = readBatch(source); !batch.meetings.empty() || batch.failure; batch = readBatch(source)) {
+    store_.write([&](Connection& connection) { import.write(batch.meetings, report, connection); });
+    if (batch.failure) {
+      std::rethrow_exception(batch.failure);
+    }
+  }
+  store_.write([&](Connection& connection) { import.end(importWindow(context_.now), report, connection); });
+  report.events = static_cast<std::int64_t>(source.eventCount());
+  report.skipped = source.skipped();
+  report.notices = source.notices();
+  return report;
+}
+
+} // namespace orvan

@@ -1,0 +1,71 @@
+#include "application/import/ledger/people_ledger.h"
+
+#include "OrvanStore/repeated_statement.h"
+#include "application/import/ledger/bounded_text.h"
+#include "application/import/ledger/stable_id.h"
+
+namespace orvan {
+namespace {
+
+constexpr const char* upsertIdentity = R"sql(
+INSERT INTO source_identity (id, address, display_name, name_rank)
+VALUES (?, ?, ?, ?)
+ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name, name_rank = excluded.name_rank
+WHERE excluded.name_rank > name_rank
+)sql";
+
+/// A membership that the user ended or gave to someone else stays as the user left it.
+constexpr const char* insertMembership = R"sql(
+INSERT INTO identity_membership (id, source_identity_id, canonical_person_id, state, ended_at)
+VALUES (?1, ?1, ?2, 'high_conf', NULL)
+ON CONFLICT(id) DO NOTHING
+)sql";
+
+constexpr const char* upsertPerson = R"sql(
+INSERT INTO person (id, display_name, created_at)
+VALUES (?, ?, ?)
+ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name
+)sql";
+
+} // namespace
+
+std::string PeopleLedger::note(std::string_view address, std::string_view displayName, NameSource nameSource) {
+  auto identityID = identityIDOf(address);
+  auto& identity = identities_[identityID];
+  if (identity.address.empty()) {
+    identity.address = leadingCharacters(std::string{address}, mostNameCharacters);
+  }
+  if (!displayName.empty() && nameSource > identity.nameSource) {
+    identity.displayName = leadingCharacters(std::string{displayName}, mostNameCharacters);
+    identity.nameSource = nameSource;
+  }
+  return identityID;
+}
+
+void PeopleLedger::keepOnly(const std::set<std::string_view>& identityIDs) {
+  std::erase_if(identities_, [&](const auto& identity) { return !identityIDs.contains(identity.first); });
+}
+
+void PeopleLedger::write(Connection& connection, std::string_view now) {
+  RepeatedStatement upsertName(connection, upsertIdentity);
+  for (const auto& [identityID, identity] : identities_) {
+    const std::string& name = identity.displayName.empty() ? identity.address : identity.displayName;
+    upsertName.execute(identityID, identity.address, name, static_cast<int>(identity.nameSource));
+    if (connection.changes() == 0) {
+      continue;
+    }
+    const auto personID = personIDOf(identityID);
+    connection.execute(insertMembership, identityID, personID);
+    connection.execute(upsertPerson, personID, name, now);
+  }
+  identities_.clear();
+}
+
+std::optional<std::string> personOfIdentity(std::string_view identityID, Connection& connection) {
+  return connection.fetchOptionalText(
+      "SELECT canonical_person_id FROM identity_membership "
+      "WHERE source_identity_id = ? AND ended_at IS NULL AND state IN ('high_conf', 'confirmed')",
+      identityID);
+}
+
+} // namespace orvan

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "OrvanStore/connection.h"
+
+namespace orvan {
+
+/// Who has told us a name: the more a source should know, the greater the value.
+enum class NameSource {
+  /// Nobody; the address stands in.
+  none,
+  /// Somebody who wrote to the person, or a calendar.
+  others,
+  /// The person's own mail.
+  themselves,
+};
+
+/// Gathers the addresses that a batch of mails or meetings mentions and writes them as identities, each with a person
+/// of its own until the user says otherwise. Kept in order of the identities, so that the store is written in order.
+class PeopleLedger {
+ public:
+  /// Notes that somebody took part, and gives the identity's id. A blank name tells nothing.
+  std::string note(std::string_view address, std::string_view displayName, NameSource nameSource);
+
+  /// Forgets whoever is not among `identityIDs`.
+  void keepOnly(const std::set<std::string_view>& identityIDs);
+
+  /// Writes what was noted within the caller's transaction and forgets it. A person keeps the best name ever told.
+  void write(Connection& connection, std::string_view now);
+
+ private:
+  struct Identity {
+    std::string address;
+    std::string displayName;
+    NameSource nameSource = NameSource::none;
+  };
+
+  std::map<std::string, Identity, std::less<>> identities_;
+};
+
+/// The person whom an identity belongs to now; nothing when it belongs to nobody.
+std::optional<std::string> personOfIdentity(std::string_view identityID, Connection& connection);
+
+} // namespace orvan

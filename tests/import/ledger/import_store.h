@@ -1,0 +1,189 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "OrvanObservatory/store_projection_reader.h"
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanSpineCore/canonical_schema.h"
+#include "OrvanStore/database_queue.h"
+#include "application/import/ledger/mail_importer.h"
+#include "application/import/ledger/stable_id.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+
+using Texts = std::vector<std::string>;
+
+inline constexpr const char* me = "mira@home.example";
+inline constexpr const char* zoe = "zoe@out.example";
+
+inline Instant instantOf(std::string_view text) {
+  return parseInternetDateTime(text).value();
+}
+
+/// A mail as a test tells it.
+struct TestMail {
+  std::string id;
+  std::string at = "2026-03-01T10:00:00Z";
+  std::string from = zoe;
+  Texts to = {me};
+  Texts references = {};
+  std::string subject = "Hello";
+  std::string fromName = {};
+  std::optional<std::string> question = {};
+  bool isList = false;
+  bool isAutomated = false;
+
+  MailItem item() const {
+    MailMessage message{.messageID = id,
+                        .references = references,
+                        .sentAt = instantOf(at),
+                        .from = {{fromName, from}},
+                        .to = {},
+                        .cc = {},
+                        .subject = subject,
+                        .isListMail = isList,
+                        .isAutomated = isAutomated,
+                        .question = question};
+    for (const auto& address : to) {
+      message.to.push_back({"", address});
+    }
+    return message;
+  }
+};
+
+/// Gives the mails in their order and then ends, or fails.
+class TestMailbox final : public MailSource {
+ public:
+  explicit TestMailbox(std::span<const TestMail> mails, bool failsAtTheEnd = false) : failsAtTheEnd_(failsAtTheEnd) {
+    for (const auto& mail : mails) {
+      items_.push_back(mail.item());
+    }
+  }
+  explicit TestMailbox(std::vector<MailItem> items) : items_(std::move(items)) {}
+
+  std::optional<MailItem> next() override {
+    if (given_ == items_.size() && failsAtTheEnd_) {
+      throw std::runtime_error("the mailbox cannot be read on");
+    }
+    return given_ < items_.size() ? std::optional{items_[given_++]} : std::nullopt;
+  }
+  std::uint64_t bytesRead() const noexcept override { return given_; }
+  std::uint64_t bytesTotal() const noexcept override { return items_.size(); }
+
+ private:
+  std::vector<MailItem> items_;
+  std::size_t given_ = 0;
+  bool failsAtTheEnd_ = false;
+};
+
+/// An encrypted store to import into, and what the library then tells of it on 5 March 2026.
+class ImportStore {
+  template <typename Fetch, typename... Arguments>
+  auto read(Fetch fetch, std::string_view address, const Arguments&... arguments) {
+    const EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
+    const auto personKey = personIDOf(identityIDOf(address));
+    return store_.read([&](Connection& connection) { return (queries.*fetch)(personKey, arguments..., connection); });
+  }
+
+ public:
+  ImportStore() : store_(file(), configuration()) { store_.write(createCanonicalSchema); }
+
+  std::filesystem::path file() const { return folder_.path() / "store.db"; }
+  std::filesystem::path folder() const { return folder_.path(); }
+  DatabaseQueue& queue() noexcept { return store_; }
+  static ImportContext context(Texts own = {me}) { return {std::move(own), asOf()}; }
+  static ConnectionConfiguration configuration() {
+    ConnectionConfiguration configuration;
+    configuration.busyTimeout = std::chrono::milliseconds{0};
+    configuration.prepare = [](Connection& connection) {
+      // Sixty-four digits are taken as the key itself: deriving one would take longer than the tests.
+      const std::string key = "x'" + std::string(64, '7') + "'";
+      connection.key(std::vector<unsigned char>(key.begin(), key.end()));
+      connection.executeScript("PRAGMA journal_mode = WAL; PRAGMA wal_autocheckpoint = 0; PRAGMA synchronous = OFF");
+    };
+    return configuration;
+  }
+
+  static Instant asOf() { return instantOf("2026-03-05T12:00:00Z"); }
+
+  MailReport import(std::span<const TestMail> mails, std::size_t mailsPerBatch = 100, Texts own = {me}) {
+    TestMailbox mailbox(mails);
+    return MailImporter(store_, context(std::move(own)), mailsPerBatch).import(mailbox);
+  }
+
+  /// The first column of every row.
+  Texts texts(std::string_view sql) {
+    return store_.read([&](Connection& connection) {
+      Texts found;
+      auto rows = connection.query(sql);
+      while (rows.next()) {
+        found.emplace_back(rows.optionalText(Column{0}).value_or("NULL"));
+      }
+      return found;
+    });
+  }
+  void run(std::string_view sql) {
+    store_.write([&](Connection& connection) { connection.execute(sql); });
+  }
+
+  /// The names of the people whom the user ever dealt with.
+  Texts people() {
+    return store_.read([&](Connection& connection) {
+      Texts names;
+      for (const auto& person : StoreProjectionReader::project(1, connection).people()) {
+        names.push_back(person.displayName());
+      }
+      return names;
+    });
+  }
+  /// When each mail that waits for the user's reply came.
+  Texts waiting(std::string_view address = zoe) {
+    Texts times;
+    for (const auto& thread : read(&EvidenceQueries::fetchOpenThreads, address, asOf())) {
+      times.push_back(thread.lastInboundOccurredAt());
+    }
+    return times;
+  }
+  Texts upcoming(std::string_view address = zoe) {
+    Texts times;
+    for (const auto& meeting : read(&EvidenceQueries::fetchUpcomingInteractions, address, asOf())) {
+      times.push_back(meeting.occurredAt());
+    }
+    return times;
+  }
+  /// The kinds of what is open between the user and the person.
+  Texts commitments(std::string_view address = zoe) {
+    Texts kinds;
+    for (const auto& commitment : read(&EvidenceQueries::fetchCommitments, address)) {
+      kinds.push_back(commitment.kind());
+    }
+    return kinds;
+  }
+  /// Each thread as the times of what happened in it.
+  Texts threads() {
+    return texts(
+        "SELECT group_concat(occurred_at, ' ') AS times "
+        "FROM (SELECT thread_id, occurred_at FROM interaction ORDER BY thread_id, occurred_at) "
+        "GROUP BY thread_id ORDER BY times");
+  }
+  std::string freshness() { return texts("SELECT freshness_state FROM source_progress_projection").at(0); }
+
+ private:
+  ScratchFolder folder_;
+  DatabaseQueue store_;
+};
+
+} // namespace orvan
