@@ -1,0 +1,72 @@
+#include <algorithm>
+
+#include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
+#include "application/cli/commands.h"
+#include "application/cli/human_output.h"
+#include "application/cli/json_output.h"
+
+namespace orvan {
+namespace {
+
+std::string nameOf(Workspace& workspace, const std::string& personKey) {
+  const auto& people = workspace.people();
+  const auto person = std::ranges::find(people, personKey, &ProjectedPerson::personKey);
+  return person == people.end() ? "Somebody unknown" : person->displayName();
+}
+
+} // namespace
+
+void runPeople(const CommandContext& context) {
+  const auto& people = context.workspace.people();
+  if (context.output == OutputForm::json) {
+    printJson(toJson(people));
+  } else {
+    HumanOutput{}.people(people);
+  }
+}
+
+void runBundle(const CommandContext& context, const std::string& person) {
+  context.workspace.openForReading();
+  const auto bundle = context.workspace.bundle(context.workspace.personKeyOf(person));
+  if (context.output == OutputForm::json) {
+    printJson(toJson(bundle));
+  } else {
+    HumanOutput{}.bundle(bundle, nameOf(context.workspace, bundle.personKey()));
+  }
+}
+
+void runBundles(const CommandContext& context) {
+  const auto bundles = context.workspace.bundles();
+  if (context.output == OutputForm::json) {
+    printJson(toJson(bundles));
+    return;
+  }
+  const HumanOutput output;
+  for (const auto& bundle : bundles) {
+    output.bundle(bundle, nameOf(context.workspace, bundle.personKey()));
+  }
+}
+
+void runWhy(const CommandContext& context, const std::string& person) {
+  context.workspace.openForReading();
+  const auto bundle = context.workspace.bundle(context.workspace.personKeyOf(person));
+  const auto item = AttentionWhyNowSelector::select(bundle);
+  if (context.output == OutputForm::json) {
+    printJson(item ? toJson(*item) : Json(nullptr));
+  } else if (item) {
+    HumanOutput{}.whyNow(*item);
+  } else {
+    HumanOutput{}.line("There is no reason to get in touch now.");
+  }
+}
+
+void runCatchUp(const CommandContext& context, Explanation explanation) {
+  const auto list = makeCatchUpList(context.workspace, explanation);
+  if (context.output == OutputForm::json) {
+    printJson(toJson(list, explanation));
+  } else {
+    HumanOutput{}.catchUpList(list, context.workspace.settings().asOf);
+  }
+}
+
+} // namespace orvan

@@ -1,0 +1,116 @@
+#include "application/cli/command_failure.h"
+
+#include <sqlite3.h>
+
+#include <exception>
+#include <new>
+
+#include "OrvanPlatform/error.h"
+#include "OrvanRelationshipAttention/disposition_store/attention_disposition_store_error.h"
+#include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
+#include "OrvanSpineCore/credential_vault.h"
+#include "OrvanStore/store_error.h"
+#include "application/import/calendar/calendar_source.h"
+#include "application/import/mail/mail_source_error.h"
+#include "application/store/application_store_error.h"
+
+namespace orvan {
+namespace {
+
+template <typename Enumeration>
+bool isOf(const std::error_code& code) {
+  return code.category() == make_error_code(Enumeration{}).category();
+}
+
+std::string sentenceOf(CredentialVaultError error) {
+  switch (error) {
+    case CredentialVaultError::keyMissing:
+      return "There is no store key; make key and store with 'orvan init', or name the key with --key-file.";
+    case CredentialVaultError::vaultLocked:
+      return "The desktop keyring is locked; unlock it and try again.";
+    case CredentialVaultError::vaultUnavailable:
+      return "There is no desktop keyring to ask for the store key; use a key file with --key-file.";
+    case CredentialVaultError::accessFailed:
+      return "The store key could not be read or written; check that its folder exists and that the file is yours.";
+    case CredentialVaultError::keyFileNotPrivate:
+      return "Others than you can read the key file, or it is not yours; take that away with 'chmod 600' and try "
+             "again.";
+    case CredentialVaultError::keyExists:
+      return "There is a key already; it was left as it is.";
+  }
+  return "The store key could not be loaded.";
+}
+
+std::string sentenceOf(const StoreError& error) {
+  switch (error.extendedCode() & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return "Another program kept the store busy for too long; try again.";
+    case SQLITE_FULL:
+      return "The disk is full; make room and try again: nothing was lost.";
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      return "The store is damaged; restore it from a backup ('orvan doctor' tells more).";
+    case SQLITE_READONLY:
+      return "The store cannot be written; check that the file and its folder are yours.";
+    default:
+      return "The store could not be read or written (" + error.code().message() + "); 'orvan doctor' tells more.";
+  }
+}
+
+ExitCode codeOf(CredentialVaultError error) {
+  return error == CredentialVaultError::keyExists ? ExitCode::failed : ExitCode::cannotOpen;
+}
+
+CommandFailure failureOf(ApplicationStoreError error) {
+  const bool isOpening = error != ApplicationStoreError::storeExists && error != ApplicationStoreError::cannotCreate;
+  return {isOpening ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
+}
+
+CommandFailure failureOf(const Error& error) {
+  const auto& code = error.code();
+  if (isOf<ApplicationStoreError>(code)) {
+    return failureOf(static_cast<ApplicationStoreError>(code.value()));
+  }
+  if (isOf<CredentialVaultError>(code)) {
+    const auto vaultError = static_cast<CredentialVaultError>(code.value());
+    return {codeOf(vaultError), sentenceOf(vaultError)};
+  }
+  if (code == AttentionEvidenceCompilerError::plaintextDatabaseRejected ||
+      code == AttentionDispositionStoreError::plaintextDatabaseRejected) {
+    return failureOf(ApplicationStoreError::plaintextStore);
+  }
+  if (code == AttentionDispositionStoreError::canonicalSchemaUnavailable) {
+    return failureOf(ApplicationStoreError::schemaMissing);
+  }
+  if (code == AttentionDispositionStoreError::invalidKeyLength) {
+    return failureOf(ApplicationStoreError::keyMalformed);
+  }
+  if (isOf<AttentionEvidenceCompilerError>(code) || isOf<AttentionDispositionStoreError>(code)) {
+    return failureOf(ApplicationStoreError::cannotDecrypt);
+  }
+  if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
+    return {ExitCode::failed, code.message()};
+  }
+  return {ExitCode::cannotOpen, "The store file cannot be read (" + code.message() + ")."};
+}
+
+} // namespace
+
+CommandFailure failureOfCurrentException() {
+  try {
+    throw;
+  } catch (const CommandFailure& failure) {
+    return failure;
+  } catch (const StoreError& error) {
+    return {ExitCode::failed, sentenceOf(error)};
+  } catch (const Error& error) {
+    return failureOf(error);
+  } catch (const std::bad_alloc&) {
+    return {ExitCode::failed, "There is not enough memory for this."};
+  } catch (const std::exception&) {
+    return {ExitCode::failed, "Something unexpected went wrong; 'orvan doctor' may tell what."};
+  }
+}
+
+} // namespace orvan

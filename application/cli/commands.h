@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "application/cli/catch_up_list.h"
+#include "application/cli/workspace.h"
+
+namespace orvan {
+
+/// Whether a command writes for people or one JSON document.
+enum class OutputForm { human, json };
+
+/// What a command is given beside its own arguments.
+struct CommandContext {
+  Workspace& workspace;
+  OutputForm output;
+};
+
+struct ImportArguments {
+  std::vector<std::string> ownAddresses;
+  std::vector<std::filesystem::path> mboxes;
+  std::vector<std::filesystem::path> maildirs;
+  std::vector<std::filesystem::path> calendars;
+};
+
+enum class ItemCommand { snooze, dismiss, resolve };
+
+// Each runs one command and writes its output. What fails is thrown: a CommandFailure, or an exception of the library.
+
+void runInit(const CommandContext& context);
+void runImport(const CommandContext& context, const ImportArguments& arguments);
+void runPeople(const CommandContext& context);
+void runBundle(const CommandContext& context, const std::string& person);
+void runBundles(const CommandContext& context);
+void runWhy(const CommandContext& context, const std::string& person);
+void runCatchUp(const CommandContext& context, Explanation explanation);
+/// `until` is what the user wrote; only a snooze has it.
+void runItemCommand(const CommandContext& context, ItemCommand command, const std::string& item,
+                    const std::string& until);
+void runRecords(const CommandContext& context, const std::string& person);
+void runCheckpoint(const CommandContext& context);
+void runDoctor(const CommandContext& context);
+
+} // namespace orvan

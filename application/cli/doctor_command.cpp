@@ -1,0 +1,130 @@
+#include <sys/stat.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "OrvanPlatform/error.h"
+#include "OrvanSpineCore/key_file.h"
+#include "application/cli/command_failure.h"
+#include "application/cli/commands.h"
+#include "application/cli/human_output.h"
+#include "application/cli/json_output.h"
+#include "application/store/application_store.h"
+
+namespace orvan {
+namespace {
+
+/// What one look at the installation found. `detail` says what to do when it is not fine.
+struct Finding {
+  std::string name;
+  bool isFine;
+  std::string detail;
+};
+
+Finding lookAt(const std::string& name, const std::function<std::string()>& look) {
+  try {
+    return {name, true, look()};
+  } catch (...) {
+    return {name, false, failureOfCurrentException().what()};
+  }
+}
+
+bool othersMayEnter(const std::filesystem::path& folder) {
+  constexpr auto everyoneElse = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
+  std::error_code ignored;
+  return (std::filesystem::status(folder, ignored).permissions() & everyoneElse) != std::filesystem::perms::none;
+}
+
+std::string lookAtKey(const WorkspaceSettings& settings) {
+  const auto key = KeyFile(settings.keyFile).loadLocalStoreKey();
+  if (!key) {
+    throw CommandFailure(ExitCode::cannotOpen,
+                         "There is no key file; 'orvan init' makes one, or name yours with --key-file.");
+  }
+  if (key->size() != KeyFile::keyLength) {
+    throw Error(ApplicationStoreError::keyMalformed, "looking at the key");
+  }
+  return "32 bytes, readable by you alone";
+}
+
+std::string lookAtFolder(const WorkspaceSettings& settings) {
+  const auto folder = std::filesystem::absolute(settings.store).parent_path();
+  if (othersMayEnter(folder)) {
+    throw CommandFailure(ExitCode::failed,
+                         "Others can look into the store's folder; take that away with 'chmod 700'. The files in it "
+                         "are private all the same.");
+  }
+  return "open to you alone";
+}
+
+std::string lookAtStore(DatabaseQueue& store) {
+  return store.read([](Connection& connection) {
+    const auto version = connection.fetchOptionalText("PRAGMA cipher_version").value_or("unknown");
+    const auto people = connection.fetchOptionalInteger("SELECT count(*) FROM person").value_or(0);
+    return "opens with the key, SQLCipher " + version + ", " + std::to_string(people) + " people";
+  });
+}
+
+/// Every page carries a code that tells whether it is as it was written.
+std::string lookAtPages(DatabaseQueue& store) {
+  return store.withoutTransaction([](Connection& connection) {
+    auto faults = connection.query("PRAGMA cipher_integrity_check");
+    if (faults.next()) {
+      throw CommandFailure(ExitCode::failed, "Pages of the store are damaged; restore it from a backup.");
+    }
+    const auto structure = connection.fetchOptionalText("PRAGMA quick_check").value_or("");
+    if (structure != "ok") {
+      throw CommandFailure(ExitCode::failed, "The store's tables are damaged; restore it from a backup.");
+    }
+    return std::string{"no damage found"};
+  });
+}
+
+std::string lookAtLog(const WorkspaceSettings& settings) {
+  const auto size = ApplicationStore::logSize(settings.store);
+  constexpr std::uintmax_t tooLarge = std::uintmax_t{256} * 1024 * 1024;
+  if (size > tooLarge) {
+    throw CommandFailure(ExitCode::failed, "The write-ahead log is large; 'orvan checkpoint' empties it.");
+  }
+  return std::to_string(size) + " bytes";
+}
+
+std::vector<Finding> examine(const WorkspaceSettings& settings, const CredentialVault& vault) {
+  std::vector<Finding> findings;
+  findings.push_back(lookAt("key", [&] { return lookAtKey(settings); }));
+  findings.push_back(lookAt("folder", [&] { return lookAtFolder(settings); }));
+  std::shared_ptr<DatabaseQueue> store;
+  findings.push_back(lookAt("store", [&] {
+    store = ApplicationStore::open(settings.store, vault, ApplicationStore::Access::read);
+    return lookAtStore(*store);
+  }));
+  if (store != nullptr) {
+    findings.push_back(lookAt("pages", [&] { return lookAtPages(*store); }));
+    findings.push_back(lookAt("log", [&] { return lookAtLog(settings); }));
+  }
+  return findings;
+}
+
+} // namespace
+
+void runDoctor(const CommandContext& context) {
+  const auto findings = examine(context.workspace.settings(), context.workspace.vault());
+  bool allFine = true;
+  Json checks = Json::array();
+  for (const auto& finding : findings) {
+    allFine = allFine && finding.isFine;
+    checks.push_back({{"name", finding.name}, {"isFine", finding.isFine}, {"detail", finding.detail}});
+    if (context.output == OutputForm::human) {
+      HumanOutput{}.check(finding.isFine, finding.name, finding.detail);
+    }
+  }
+  if (context.output == OutputForm::json) {
+    printJson({{"isFine", allFine}, {"checks", checks}});
+  }
+  if (!allFine) {
+    throw CommandFailure(ExitCode::failed, "Something needs your attention; see above.");
+  }
+}
+
+} // namespace orvan

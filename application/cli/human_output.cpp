@@ -1,0 +1,197 @@
+#include "application/cli/human_output.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iomanip>
+#include <iostream>
+#include <optional>
+
+#include "OrvanPlatform/human_date.h"
+#include "OrvanPlatform/internet_date_time.h"
+
+namespace orvan {
+namespace {
+
+/// The date of a stored timestamp, or the text itself when it is none.
+std::string dateOf(std::string_view timestamp) {
+  const auto instant = parseInternetDateTime(timestamp);
+  return instant ? humanDateText(*instant) : printable(timestamp);
+}
+
+std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
+  return std::to_string(count) + " " + std::string{count == 1 ? one : many};
+}
+
+std::string sentenceFor(const NotShown& person) {
+  switch (person.reason) {
+    case NotShownReason::noEvidence:
+      return "nothing is waiting";
+    case NotShownReason::noValidReason:
+      return "what the store holds gives no valid reason";
+    case NotShownReason::noItemKey:
+      return "the reason rests on nothing that can be named";
+    case NotShownReason::snoozed:
+      return "snoozed until " + (person.until ? humanDateText(*person.until) : std::string{"later"});
+    case NotShownReason::dismissed:
+      return "dismissed";
+    case NotShownReason::resolved:
+      return "resolved";
+    case NotShownReason::beyondTheCap:
+      return "not looked at: beyond the cap (see --max-people)";
+  }
+  return "";
+}
+
+bool standardOutputTakesColour() {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment of this program.
+  const char* refused = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
+}
+
+} // namespace
+
+std::string printable(std::string_view text) {
+  std::string safe{text};
+  for (auto& byte : safe) {
+    const auto value = static_cast<unsigned char>(byte);
+    constexpr unsigned char firstVisible = 0x20;
+    constexpr unsigned char deleteCharacter = 0x7f;
+    if (value < firstVisible || value == deleteCharacter) {
+      byte = ' ';
+    }
+  }
+  return safe;
+}
+
+HumanOutput::HumanOutput() : usesColour_(standardOutputTakesColour()) {}
+
+std::string HumanOutput::bold(std::string_view text) const {
+  return usesColour_ ? "\033[1m" + std::string{text} + "\033[0m" : std::string{text};
+}
+
+std::string HumanOutput::faint(std::string_view text) const {
+  return usesColour_ ? "\033[2m" + std::string{text} + "\033[0m" : std::string{text};
+}
+
+void HumanOutput::line(std::string_view text) const {
+  std::cout << text << '\n';
+}
+
+void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
+  for (const auto& person : people) {
+    std::cout << person.personKey() << "  " << printable(person.displayName()) << '\n';
+  }
+  if (people.empty()) {
+    line("Nobody yet: 'orvan import' brings in mail and calendars.");
+  }
+}
+
+void HumanOutput::bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName) const {
+  std::cout << bold(printable(displayName)) << faint("  " + printable(bundle.personKey())) << '\n';
+  if (bundle.isEmpty()) {
+    line("  Nothing is waiting.");
+  }
+  for (const auto& thread : bundle.openThreads()) {
+    line("  Waiting for your reply since " + dateOf(thread.lastInboundOccurredAt()));
+  }
+  for (const auto& meeting : bundle.upcomingInteractions()) {
+    line("  Meeting on " + dateOf(meeting.occurredAt()));
+  }
+  if (const auto& context = bundle.changedContext()) {
+    line("  Back in touch since " + dateOf(context->resumedAt()) + " after quiet since " +
+         dateOf(context->quietSinceAt()));
+  }
+  for (const auto& commitment : bundle.commitments()) {
+    line("  Still open since " + dateOf(commitment.detectedAt()) + " (" + printable(commitment.kind()) + ")");
+  }
+  for (const auto& freshness : bundle.sourceFreshness()) {
+    const auto& syncedAt = freshness.lastSuccessfulSyncAt();
+    line(faint("  " + printable(freshness.sourceAccountID()) + " is " + freshness.freshnessState() + ", last read " +
+               (syncedAt ? dateOf(*syncedAt) : "never")));
+  }
+}
+
+void HumanOutput::whyNow(const AttentionWhyNowItem& item) const {
+  line(item.headline());
+  for (const auto& evidence : item.evidenceLines()) {
+    line(faint("  " + printable(evidence)));
+  }
+}
+
+void HumanOutput::item(const AttentionCatchUpItem& item) const {
+  std::cout << '\n' << bold(printable(item.displayName())) << faint("  " + printable(item.personKey())) << '\n';
+  line("  " + item.whyNow().headline());
+  for (const auto& evidence : item.whyNow().evidenceLines()) {
+    line(faint("  " + printable(evidence)));
+  }
+}
+
+void HumanOutput::notShown(const NotShown& person) const {
+  line(printable(person.displayName) + faint("  " + printable(person.personKey)) + "  " + sentenceFor(person));
+}
+
+void HumanOutput::catchUpList(const CatchUpList& list, Instant asOf) const {
+  if (list.items.empty()) {
+    line("Nobody is waiting for you as of " + humanDateText(asOf) + ".");
+  } else {
+    line(counted(static_cast<std::int64_t>(list.items.size()), "person", "people") + " to get back in touch with, " +
+         humanDateText(asOf));
+  }
+  for (const auto& shown : list.items) {
+    item(shown);
+  }
+  if (!list.notShown.empty()) {
+    line("\n" + bold("Not shown"));
+  }
+  for (const auto& person : list.notShown) {
+    notShown(person);
+  }
+  if (list.beyondTheCap > 0 && list.notShown.empty()) {
+    line("\n" + counted(static_cast<std::int64_t>(list.beyondTheCap), "further person was", "further people were") +
+         " not looked at; --max-people raises the number.");
+  }
+}
+
+void HumanOutput::record(const AttentionItemDispositionRecord& record) const {
+  std::string text{caseName(record.state().kind())};
+  if (const auto until = record.state().until()) {
+    text += " until " + humanDateText(*until) + " (" + formatInternetDateTime(*until) + ")";
+  }
+  line(text + faint("  " + printable(record.itemKey())));
+}
+
+void HumanOutput::mailReport(std::string_view source, const MailReport& report) const {
+  line(bold(printable(source)) + ": " + counted(report.read, "message", "messages") + " read, " +
+       std::to_string(report.imported) + " new, " + std::to_string(report.known) + " known");
+  if (report.automated > 0) {
+    line("  " + std::to_string(report.automated) + " written by machines or sent to lists, kept out of histories");
+  }
+  if (report.notes > 0) {
+    line("  " + std::to_string(report.notes) + " from you to nobody else");
+  }
+  for (const auto& [reason, count] : report.skipped) {
+    line("  " + std::to_string(count) + " skipped: " + std::string{description(reason)});
+  }
+}
+
+void HumanOutput::meetingReport(std::string_view source, const MeetingReport& report) const {
+  line(bold(printable(source)) + ": " + counted(report.events, "event", "events") + ", " +
+       counted(report.meetings, "meeting", "meetings") + " read, " + std::to_string(report.imported) + " new, " +
+       std::to_string(report.known) + " known");
+  if (report.withdrawn > 0) {
+    line("  " + std::to_string(report.withdrawn) + " withdrawn: no longer in the calendar");
+  }
+  for (const auto& [reason, count] : report.skipped) {
+    line("  " + std::to_string(count) + " skipped: " + describe(reason));
+  }
+  for (const auto& [notice, count] : report.notices) {
+    line("  " + std::to_string(count) + " read with an assumption: " + describe(notice));
+  }
+}
+
+void HumanOutput::check(bool isFine, std::string_view name, std::string_view detail) const {
+  std::cout << (isFine ? "ok       " : bold("problem  ")) << std::left << std::setw(14) << name << detail << '\n';
+}
+
+} // namespace orvan

@@ -1,0 +1,157 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <iostream>
+#include <set>
+
+#include "OrvanPlatform/human_date.h"
+#include "OrvanPlatform/white_space.h"
+#include "application/cli/command_failure.h"
+#include "application/cli/commands.h"
+#include "application/cli/human_output.h"
+#include "application/cli/json_output.h"
+#include "application/import/ledger/import_tables.h"
+#include "application/import/ledger/own_addresses.h"
+#include "application/import/mail/maildir_source.h"
+#include "application/import/mail/mbox_source.h"
+#include "application/store/application_store.h"
+
+namespace orvan {
+namespace {
+
+/// One line on the terminal that is written over; nothing when standard error is no terminal.
+class ProgressLine {
+ public:
+  ~ProgressLine() { clear(); }
+
+  void show(const MailReport& report, std::uint64_t bytesRead, std::uint64_t bytesTotal) {
+    if (!isTerminal_) {
+      return;
+    }
+    const auto percent = bytesTotal == 0 ? 100 : std::min<std::uint64_t>(bytesRead * 100 / bytesTotal, 100);
+    std::cerr << "\r\033[K" << report.read << " messages, " << percent << " %" << std::flush;
+    isShown_ = true;
+  }
+
+  void clear() {
+    if (isShown_) {
+      std::cerr << "\r\033[K" << std::flush;
+      isShown_ = false;
+    }
+  }
+
+ private:
+  bool isTerminal_ = isatty(STDERR_FILENO) != 0;
+  bool isShown_ = false;
+};
+
+/// Addresses are compared in lower case; only ASCII has case in one.
+std::string normalizedAddress(const std::string& written) {
+  std::string address{trimmed(written)};
+  std::ranges::transform(address, address.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  });
+  const auto at = address.find('@');
+  if (at == std::string::npos || at == 0 || at + 1 == address.size()) {
+    throw CommandFailure(ExitCode::wrongCommandLine, "--me takes mail addresses, such as robin@example.org.");
+  }
+  return address;
+}
+
+/// Those given, or those that an earlier import was told.
+std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, DatabaseQueue& store) {
+  std::vector<std::string> addresses;
+  addresses.reserve(arguments.ownAddresses.size());
+  for (const auto& written : arguments.ownAddresses) {
+    addresses.push_back(normalizedAddress(written));
+  }
+  if (addresses.empty()) {
+    const auto known = store.write([](Connection& connection) {
+      createImportTables(connection);
+      return ownAddresses(connection);
+    });
+    addresses.assign(known.begin(), known.end());
+  }
+  if (addresses.empty()) {
+    throw CommandFailure(ExitCode::wrongCommandLine, "Say which addresses are yours: --me ADDRESS...");
+  }
+  return addresses;
+}
+
+/// Imports one source after the other and tells of each.
+class ImportRun {
+ public:
+  ImportRun(const CommandContext& context, DatabaseQueue& store, std::vector<std::string> ownAddresses)
+      : context_(context), store_(store), import_{std::move(ownAddresses), context.workspace.settings().asOf} {}
+
+  void mail(MailSource& source, const std::filesystem::path& path) {
+    ProgressLine progress;
+    MailImporter importer(store_, import_);
+    const auto report =
+        importer.import(source, [&](const MailReport& soFar, std::uint64_t bytesRead, std::uint64_t bytesTotal) {
+          progress.show(soFar, bytesRead, bytesTotal);
+          ApplicationStore::checkpointIfLarge(context_.workspace.settings().store, store_);
+        });
+    progress.clear();
+    if (context_.output == OutputForm::human) {
+      HumanOutput{}.mailReport(path.string(), report);
+    }
+    mail_.push_back(sourced(path, toJson(report)));
+  }
+
+  void calendar(const std::filesystem::path& path) {
+    const std::set<std::string> own{import_.ownAddresses.begin(), import_.ownAddresses.end()};
+    CalendarSource source(path, importWindow(import_.now), own, userTimeZoneName());
+    MeetingImporter importer(store_, import_, path);
+    const auto report = importer.import(source);
+    if (context_.output == OutputForm::human) {
+      HumanOutput{}.meetingReport(path.string(), report);
+    }
+    calendars_.push_back(sourced(path, toJson(report)));
+  }
+
+  void finish() const {
+    ApplicationStore::checkpoint(context_.workspace.settings().store, store_);
+    if (context_.output == OutputForm::json) {
+      printJson({{"mail", mail_}, {"calendars", calendars_}});
+    }
+  }
+
+ private:
+  static Json sourced(const std::filesystem::path& path, const Json& report) {
+    Json json{{"source", path.string()}};
+    json.update(report);
+    return json;
+  }
+
+  const CommandContext& context_;
+  DatabaseQueue& store_;
+  ImportContext import_;
+  Json mail_ = Json::array();
+  Json calendars_ = Json::array();
+};
+
+} // namespace
+
+void runImport(const CommandContext& context, const ImportArguments& arguments) {
+  if (arguments.mboxes.empty() && arguments.maildirs.empty() && arguments.calendars.empty()) {
+    throw CommandFailure(ExitCode::wrongCommandLine,
+                         "Say what to import: --mbox FILE, --maildir FOLDER or --ics FILE.");
+  }
+  auto& store = context.workspace.writableStore();
+  ImportRun run(context, store, ownAddressesFor(arguments, store));
+  for (const auto& path : arguments.mboxes) {
+    MboxSource source(path);
+    run.mail(source, path);
+  }
+  for (const auto& path : arguments.maildirs) {
+    MaildirSource source(path);
+    run.mail(source, path);
+  }
+  for (const auto& path : arguments.calendars) {
+    run.calendar(path);
+  }
+  run.finish();
+}
+
+} // namespace orvan

@@ -1,0 +1,254 @@
+#include "application/cli/json_output.h"
+
+#include <iostream>
+#include <optional>
+
+#include "OrvanPlatform/internet_date_time.h"
+
+namespace orvan {
+namespace {
+
+template <typename Value>
+Json nullable(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json nullable(const std::optional<Instant>& instant) {
+  return instant ? Json(formatInternetDateTime(*instant)) : Json(nullptr);
+}
+
+Json toJson(const OpenThreadEvidence& thread) {
+  return {{"threadID", thread.threadID()},
+          {"sourceType", thread.sourceType()},
+          {"lastInboundInteractionID", thread.lastInboundInteractionID()},
+          {"lastInboundSourceEventID", thread.lastInboundSourceEventID()},
+          {"lastInboundOccurredAt", thread.lastInboundOccurredAt()}};
+}
+
+Json toJson(const UpcomingInteractionEvidence& meeting) {
+  return {{"interactionID", meeting.interactionID()},
+          {"threadID", meeting.threadID()},
+          {"sourceEventID", meeting.sourceEventID()},
+          {"sourceType", meeting.sourceType()},
+          {"occurredAt", meeting.occurredAt()}};
+}
+
+Json toJson(const ChangedContextEvidence& context) {
+  return {{"quietPeriodDays", context.quietPeriodDays()},
+          {"quietSinceAt", context.quietSinceAt()},
+          {"resumedAt", context.resumedAt()},
+          {"resumedInteractionIDs", context.resumedInteractionIDs()},
+          {"resumedInteractionCount", context.resumedInteractionCount()}};
+}
+
+Json toJson(const CommitmentEvidence& commitment) {
+  return {{"openLoopID", commitment.openLoopID()},
+          {"kind", commitment.kind()},
+          {"detectedAt", commitment.detectedAt()},
+          {"evidenceRef", nullable(commitment.evidenceRef())}};
+}
+
+Json toJson(const SourceFreshnessEvidence& freshness) {
+  return {{"sourceAccountID", freshness.sourceAccountID()},
+          {"operation", freshness.operation()},
+          {"freshnessState", freshness.freshnessState()},
+          {"lastSuccessfulSyncAt", nullable(freshness.lastSuccessfulSyncAt())}};
+}
+
+Json toJson(const AttentionWhyNowEvidenceReference& reference) {
+  return {{"kind", reference.keyName()}, {"id", reference.identifier()}};
+}
+
+Json toJson(const ProjectedPerson& person) {
+  return {{"personKey", person.personKey()}, {"displayName", person.displayName()}};
+}
+
+Json toJson(const NotShown& person) {
+  return {{"personKey", person.personKey},
+          {"displayName", person.displayName},
+          {"reason", caseName(person.reason)},
+          {"itemKey", nullable(person.itemKey)},
+          {"until", nullable(person.until)}};
+}
+
+/// Stands behind the conversions above, so that it finds them.
+template <typename Values>
+Json arrayOf(const Values& values) {
+  auto array = Json::array();
+  for (const auto& value : values) {
+    array.push_back(toJson(value));
+  }
+  return array;
+}
+
+Json toJson(const AttentionRouteRequest& request) {
+  return {{"itemKey", request.itemKey()},
+          {"personKey", request.personKey()},
+          {"evidenceReferences", arrayOf(request.evidenceReferences())},
+          {"kind", caseName(request.kind())}};
+}
+
+template <typename Counts>
+Json countsByName(const Counts& counts) {
+  auto object = Json::object();
+  for (const auto& [reason, count] : counts) {
+    object[std::string{caseName(reason)}] = count;
+  }
+  return object;
+}
+
+} // namespace
+
+Json toJson(const AttentionEvidenceBundle& bundle) {
+  const auto& changedContext = bundle.changedContext();
+  return {{"personKey", bundle.personKey()},
+          {"generatedAt", bundle.generatedAt()},
+          {"windowDays", bundle.windowDays()},
+          {"openThreads", arrayOf(bundle.openThreads())},
+          {"upcomingInteractions", arrayOf(bundle.upcomingInteractions())},
+          {"changedContext", changedContext ? toJson(*changedContext) : Json(nullptr)},
+          {"commitments", arrayOf(bundle.commitments())},
+          {"sourceFreshness", arrayOf(bundle.sourceFreshness())},
+          {"lastUserCorrectionAt", nullable(bundle.lastUserCorrectionAt())},
+          {"userCorrectionCountInWindow", bundle.userCorrectionCountInWindow()}};
+}
+
+Json toJson(const std::vector<AttentionEvidenceBundle>& bundles) {
+  return arrayOf(bundles);
+}
+
+Json toJson(const AttentionWhyNowItem& item) {
+  return {{"kind", caseName(item.kind())},
+          {"definingEventTimestamp", item.definingEventTimestamp()},
+          {"headline", item.headline()},
+          {"evidenceLines", item.evidenceLines()},
+          {"evidenceReferences", arrayOf(item.evidenceReferences())}};
+}
+
+Json toJson(const AttentionCatchUpItem& item) {
+  return {{"itemKey", item.itemKey()},
+          {"personKey", item.personKey()},
+          {"displayName", item.displayName()},
+          {"whyNow", toJson(item.whyNow())},
+          {"routeRequest", toJson(item.routeRequest())}};
+}
+
+Json toJson(const AttentionItemDispositionRecord& record) {
+  Json json{{"itemKey", record.itemKey()}, {"state", caseName(record.state().kind())}};
+  if (const auto until = record.state().until()) {
+    json["until"] = formatInternetDateTime(*until);
+  }
+  return json;
+}
+
+Json toJson(const std::vector<AttentionItemDispositionRecord>& records) {
+  return arrayOf(records);
+}
+
+Json toJson(const std::vector<ProjectedPerson>& people) {
+  return arrayOf(people);
+}
+
+Json toJson(const CatchUpList& list, Explanation explanation) {
+  Json json{{"items", arrayOf(list.items)}};
+  if (explanation == Explanation::everyone) {
+    json["notShown"] = arrayOf(list.notShown);
+  }
+  return json;
+}
+
+Json toJson(const MailReport& report) {
+  return {{"read", report.read},           {"new", report.imported}, {"known", report.known},
+          {"automated", report.automated}, {"notes", report.notes},  {"skipped", countsByName(report.skipped)}};
+}
+
+Json toJson(const MeetingReport& report) {
+  return {{"events", report.events},
+          {"read", report.meetings},
+          {"new", report.imported},
+          {"known", report.known},
+          {"withdrawn", report.withdrawn},
+          {"skipped", countsByName(report.skipped)},
+          {"notices", countsByName(report.notices)}};
+}
+
+std::string_view caseName(NotShownReason reason) noexcept {
+  switch (reason) {
+    case NotShownReason::noEvidence:
+      return "noEvidence";
+    case NotShownReason::noValidReason:
+      return "noValidReason";
+    case NotShownReason::noItemKey:
+      return "noItemKey";
+    case NotShownReason::snoozed:
+      return "snoozed";
+    case NotShownReason::dismissed:
+      return "dismissed";
+    case NotShownReason::resolved:
+      return "resolved";
+    case NotShownReason::beyondTheCap:
+      return "beyondTheCap";
+  }
+  return "unknown";
+}
+
+std::string_view caseName(MailSkipReason reason) noexcept {
+  switch (reason) {
+    case MailSkipReason::undated:
+      return "undated";
+    case MailSkipReason::noSender:
+      return "noSender";
+    case MailSkipReason::notAMailbox:
+      return "notAMailbox";
+    case MailSkipReason::draft:
+      return "draft";
+    case MailSkipReason::trashed:
+      return "trashed";
+    case MailSkipReason::unreadable:
+      return "unreadable";
+  }
+  return "unknown";
+}
+
+std::string_view caseName(CalendarSkip reason) noexcept {
+  switch (reason) {
+    case CalendarSkip::nobodyElse:
+      return "nobodyElse";
+    case CalendarSkip::cancelled:
+      return "cancelled";
+    case CalendarSkip::declined:
+      return "declined";
+    case CalendarSkip::outsideWindow:
+      return "outsideWindow";
+    case CalendarSkip::superseded:
+      return "superseded";
+    case CalendarSkip::missingIdentifier:
+      return "missingIdentifier";
+    case CalendarSkip::missingStart:
+      return "missingStart";
+    case CalendarSkip::repeatsTooOften:
+      return "repeatsTooOften";
+    case CalendarSkip::tooLarge:
+      return "tooLarge";
+    case CalendarSkip::unreadable:
+      return "unreadable";
+  }
+  return "unknown";
+}
+
+std::string_view caseName(CalendarNotice notice) noexcept {
+  switch (notice) {
+    case CalendarNotice::unknownTimeZone:
+      return "unknownTimeZone";
+    case CalendarNotice::unreadableRecurrence:
+      return "unreadableRecurrence";
+  }
+  return "unknown";
+}
+
+void printJson(const Json& document) {
+  constexpr int indentation = 2;
+  std::cout << document.dump(indentation, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+} // namespace orvan

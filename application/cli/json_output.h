@@ -1,0 +1,39 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <vector>
+
+#include "OrvanObservatory/projection_reader.h"
+#include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
+#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "application/cli/catch_up_list.h"
+#include "application/import/ledger/mail_importer.h"
+#include "application/import/ledger/meeting_importer.h"
+
+namespace orvan {
+
+/// JSON with its names in the order they are written. Names are the fields' names, absent values are null, enumerations
+/// are their case names, instants are RFC 3339 text in UTC.
+using Json = nlohmann::ordered_json;
+
+Json toJson(const AttentionEvidenceBundle& bundle);
+Json toJson(const std::vector<AttentionEvidenceBundle>& bundles);
+Json toJson(const AttentionWhyNowItem& item);
+Json toJson(const AttentionCatchUpItem& item);
+Json toJson(const AttentionItemDispositionRecord& record);
+Json toJson(const std::vector<AttentionItemDispositionRecord>& records);
+Json toJson(const std::vector<ProjectedPerson>& people);
+Json toJson(const CatchUpList& list, Explanation explanation);
+Json toJson(const MailReport& report);
+Json toJson(const MeetingReport& report);
+
+std::string_view caseName(NotShownReason reason) noexcept;
+std::string_view caseName(MailSkipReason reason) noexcept;
+std::string_view caseName(CalendarSkip reason) noexcept;
+std::string_view caseName(CalendarNotice notice) noexcept;
+
+/// Writes the document and a line break to standard output. Bytes that are not UTF-8 are replaced.
+void printJson(const Json& document);
+
+} // namespace orvan

@@ -1,0 +1,7 @@
+#include "application/cli/command_line.h"
+#include "application/cli/process_privacy.h"
+
+int main(int argc, char** argv) {
+  orvan::keepMemoryOutOfCrashDumps();
+  return orvan::runCommandLine(argc, argv);
+}

@@ -1,0 +1,71 @@
+#include "OrvanPlatform/error.h"
+#include "OrvanSpineCore/key_file.h"
+#include "application/cli/command_failure.h"
+#include "application/cli/commands.h"
+#include "application/cli/human_output.h"
+#include "application/cli/json_output.h"
+#include "application/store/application_store.h"
+
+namespace orvan {
+namespace {
+
+void createPrivateFolder(const std::filesystem::path& file) {
+  const auto folder = file.parent_path();
+  if (folder.empty() || std::filesystem::exists(folder)) {
+    return;
+  }
+  std::error_code failure;
+  std::filesystem::create_directories(folder, failure);
+  if (failure) {
+    throw CommandFailure(ExitCode::failed, "The folder for the store could not be made; choose another with --store.");
+  }
+}
+
+/// Whether a key had to be made. Never while there is a store: the new key could not open it.
+bool ensureKey(const Workspace& workspace) {
+  const KeyFile keyFile(workspace.settings().keyFile);
+  if (keyFile.loadLocalStoreKey()) {
+    return false;
+  }
+  keyFile.create();
+  return true;
+}
+
+} // namespace
+
+void runInit(const CommandContext& context) {
+  const auto& settings = context.workspace.settings();
+  if (std::filesystem::exists(settings.store)) {
+    const bool hasKey = std::filesystem::exists(settings.keyFile);
+    throw Error(hasKey ? ApplicationStoreError::storeExists : ApplicationStoreError::keyMissingForStore,
+                "making a store");
+  }
+  createPrivateFolder(settings.store);
+  createPrivateFolder(settings.keyFile);
+  const bool madeKey = ensureKey(context.workspace);
+  ApplicationStore::create(settings.store, context.workspace.vault());
+  if (context.output == OutputForm::json) {
+    printJson({{"store", settings.store.string()}, {"keyFile", settings.keyFile.string()}, {"madeKey", madeKey}});
+    return;
+  }
+  const HumanOutput output;
+  output.line("The store is ready: " + printable(settings.store.string()));
+  output.line(madeKey ? "Its key is new; keep a copy of it, because without it the store cannot be read: " +
+                            printable(settings.keyFile.string())
+                      : "It uses the key that was there.");
+}
+
+void runCheckpoint(const CommandContext& context) {
+  const auto& file = context.workspace.settings().store;
+  auto& store = context.workspace.writableStore();
+  const auto before = ApplicationStore::logSize(file);
+  const auto after = ApplicationStore::checkpoint(file, store);
+  if (context.output == OutputForm::json) {
+    printJson({{"logBytesBefore", before}, {"logBytesAfter", after}});
+  } else {
+    HumanOutput{}.line("The write-ahead log had " + std::to_string(before) + " bytes and has " + std::to_string(after) +
+                       " now.");
+  }
+}
+
+} // namespace orvan
