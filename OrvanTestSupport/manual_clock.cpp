@@ -69,6 +69,12 @@ void ManualClock::setWallClock(Instant now) {
   elapsedAtWallStart_ = elapsed_;
 }
 
+void ManualClock::dropTimers() {
+  std::multimap<MonotonicInstant, std::shared_ptr<Waiting>> dropped;
+  const MutexLock lock{mutex_};
+  dropped.swap(timers_);
+}
+
 std::size_t ManualClock::timerCount() const {
   const MutexLock lock{mutex_};
   return timers_.size();

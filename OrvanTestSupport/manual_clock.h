@@ -14,8 +14,8 @@ namespace orvan {
 /// A clock that stands still until a test moves it. It drives the wall clock, the monotonic clock and every timer
 /// started on it; nothing of it depends on the machine's time. All operations may be called from any thread.
 ///
-/// A timer that comes due hands its wake-up to its executor: the test then lets that executor run. Wake-ups that are
-/// still waiting when the clock is destroyed never come.
+/// A timer that comes due hands its wake-up to its executor: the test then lets that executor run. Until then the clock
+/// holds whoever sleeps on it, and a sleeper usually holds the clock: a test that ends under sleepers drops their timers.
 class ManualClock final : public Clock, public std::enable_shared_from_this<ManualClock> {
  public:
   explicit ManualClock(Instant start);
@@ -25,6 +25,10 @@ class ManualClock final : public Clock, public std::enable_shared_from_this<Manu
   void advance(std::chrono::nanoseconds duration);
   /// Sets the wall clock, as a user does: the monotonic clock and the timers do not notice.
   void setWallClock(Instant now);
+
+  /// Forgets every wake-up that is waiting; it never comes. What slept on one is destroyed here, before its executor's
+  /// event loop goes.
+  void dropTimers();
 
   /// How many wake-ups are waiting, and when the earliest one is due.
   std::size_t timerCount() const;

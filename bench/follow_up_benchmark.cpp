@@ -81,6 +81,7 @@ class Bench {
     scheduler.stopAuthorizationRecovery();
     NotificationCenter::setCurrent(nullptr);
     center->dropHeld();
+    clock->dropTimers();
     settle();
   }
   Bench(const Bench&) = delete;

@@ -88,6 +88,7 @@ class Road {
   ~Road() {
     scheduler_.stopAuthorizationRecovery();
     NotificationCenter::setCurrent(nullptr);
+    clock_->dropTimers();
     settle();
   }
   Road(const Road&) = delete;

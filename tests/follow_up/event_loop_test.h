@@ -27,6 +27,7 @@ class EventLoopTest : public testing::Test {
   ~EventLoopTest() override {
     NotificationCenter::setCurrent(nullptr);
     center->dropHeld();
+    clock->dropTimers();
   }
 
   /// Runs everything that can run; gives the number of turns that took.

@@ -124,6 +124,10 @@ TEST_F(Clocks, AnEventLoopDoesNotEndUnderASleeper) {
   loop.restart();
   loop.poll();
   EXPECT_FALSE(loop.stopped()) << "a parked sleeper counts as work";
+  clock->dropTimers();
+  loop.poll();
+  EXPECT_TRUE(loop.stopped()) << "and no longer once its timer is dropped";
+  EXPECT_EQ(ends.size(), 1U);
 }
 
 } // namespace
