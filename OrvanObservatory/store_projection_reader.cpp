@@ -11,7 +11,7 @@ SELECT p.id AS id, p.display_name AS display_name
 FROM person p
 WHERE (
     SELECT count(*) FROM (
-      SELECT 1
+      SELECT DISTINCT ip.interaction_id
       FROM identity_membership im
       JOIN interaction_participant ip ON ip.source_identity_id = im.source_identity_id
       WHERE im.canonical_person_id = p.id

@@ -1,6 +1,7 @@
 #include "OrvanPlatform/instant.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace orvan {
 
@@ -11,6 +12,11 @@ Instant instantByAddingDays(Instant instant, std::int64_t days) noexcept {
   const Days bounded{std::clamp(days, -allDays, allDays)};
   const Instant start = std::clamp(instant, earliestInstant, latestInstant);
   return std::clamp(start + bounded, earliestInstant, latestInstant);
+}
+
+Instant instantBySubtractingDays(Instant instant, std::int64_t days) noexcept {
+  // The smallest number has no opposite, and its neighbour's reaches past the end just as well.
+  return instantByAddingDays(instant, -std::max(days, -std::numeric_limits<std::int64_t>::max()));
 }
 
 } // namespace orvan

@@ -14,8 +14,9 @@ inline constexpr Instant earliestInstant = std::chrono::sys_days{std::chrono::ye
 inline constexpr Instant latestInstant =
     std::chrono::sys_days{std::chrono::year{10000} / 1 / 1} - std::chrono::microseconds{1};
 
-/// `instant` moved by `days` days of 86400 seconds, held between earliestInstant and latestInstant: any number of days
-/// is accepted, and the result always has a four-digit year.
+/// `instant` moved on, or back, by `days` days of 86400 seconds, held between earliestInstant and latestInstant: any
+/// number of days is accepted, and the result always has a four-digit year.
 Instant instantByAddingDays(Instant instant, std::int64_t days) noexcept;
+Instant instantBySubtractingDays(Instant instant, std::int64_t days) noexcept;
 
 } // namespace orvan

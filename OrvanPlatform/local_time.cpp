@@ -1,19 +1,14 @@
 #include "OrvanPlatform/local_time.h"
 
 #include <unicode/basictz.h>
-#include <unicode/timezone.h>
 
-#include <memory>
+#include "OrvanPlatform/user_time_zone.h"
 
 namespace orvan {
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-
-std::unique_ptr<icu::TimeZone> userZone() {
-  return std::unique_ptr<icu::TimeZone>{icu::TimeZone::detectHostTimeZone()};
-}
 
 UDate asDate(seconds sinceEpoch) {
   return static_cast<UDate>(milliseconds{sinceEpoch}.count());
@@ -26,13 +21,13 @@ std::chrono::local_seconds localTimeOf(Instant instant) {
   std::int32_t standard = 0;
   std::int32_t daylight = 0;
   UErrorCode status = U_ZERO_ERROR;
-  userZone()->getOffset(asDate(sinceEpoch), 0, standard, daylight, status);
+  userTimeZone()->getOffset(asDate(sinceEpoch), 0, standard, daylight, status);
   return std::chrono::local_seconds{sinceEpoch +
                                     std::chrono::duration_cast<seconds>(milliseconds{standard + daylight})};
 }
 
 Instant instantOfLocalTime(std::chrono::local_seconds time) {
-  const auto zone = userZone();
+  const auto zone = userTimeZone();
   std::int32_t standard = 0;
   std::int32_t daylight = 0;
   UErrorCode status = U_ZERO_ERROR;

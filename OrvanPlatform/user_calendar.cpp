@@ -1,18 +1,18 @@
 #include "OrvanPlatform/user_calendar.h"
 
 #include <unicode/calendar.h>
-#include <unicode/timezone.h>
 
 #include <memory>
 
 #include "OrvanPlatform/user_locale.h"
+#include "OrvanPlatform/user_time_zone.h"
 
 namespace orvan {
 namespace {
 
 std::unique_ptr<icu::Calendar> userCalendar(UErrorCode& error) {
   return std::unique_ptr<icu::Calendar>{
-      icu::Calendar::createInstance(icu::TimeZone::detectHostTimeZone(), userLocale(userLocaleName()), error)};
+      icu::Calendar::createInstance(userTimeZone().release(), userLocale(userLocaleName()), error)};
 }
 
 } // namespace

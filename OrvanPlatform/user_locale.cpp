@@ -1,8 +1,18 @@
 #include "OrvanPlatform/user_locale.h"
 
+#include <array>
 #include <cstdlib>
+#include <string_view>
+#include <utility>
 
 namespace orvan {
+namespace {
+
+/// How the system's locale names say that a language is written in the less usual of its scripts.
+constexpr std::array<std::pair<std::string_view, const char*>, 3> scripts{
+    {{"@latin", "Latn"}, {"@cyrillic", "Cyrl"}, {"@devanagari", "Deva"}}};
+
+} // namespace
 
 std::string userLocaleName() {
   // The order that POSIX gives the variables.
@@ -20,7 +30,14 @@ icu::Locale userLocale(const std::string& name) {
   if (language == "C" || language == "POSIX") {
     return icu::Locale::getUS();
   }
-  return icu::Locale::createFromName(language.c_str());
+  const auto locale = icu::Locale::createFromName(language.c_str());
+  for (const auto& [modifier, script] : scripts) {
+    if (name.ends_with(modifier)) {
+      return icu::Locale::createFromName(
+          (std::string{locale.getLanguage()} + '_' + script + '_' + locale.getCountry()).c_str());
+    }
+  }
+  return locale;
 }
 
 } // namespace orvan

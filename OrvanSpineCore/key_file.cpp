@@ -118,9 +118,14 @@ void KeyFile::create() const {
     fail(errno == EEXIST ? CredentialVaultError::keyExists : CredentialVaultError::accessFailed,
          "creating the key file");
   }
-  writeAll(file.number(), key.bytes());
-  if (fsync(file.number()) != 0) {
-    fail(CredentialVaultError::accessFailed, "syncing the key file");
+  try {
+    writeAll(file.number(), key.bytes());
+    if (fsync(file.number()) != 0) {
+      fail(CredentialVaultError::accessFailed, "syncing the key file");
+    }
+  } catch (...) { // Half a key would pass for one from now on.
+    unlink(path_.c_str());
+    throw;
   }
   syncDirectory(path_.has_parent_path() ? path_.parent_path() : ".");
 }

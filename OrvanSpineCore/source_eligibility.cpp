@@ -55,7 +55,7 @@ std::string SourceEligibility::interactionPredicateSQL(Policy policy, std::strin
   if (policy == Policy::everything) {
     return "1";
   }
-  std::string sql = notDeleted("interaction", interactionIDColumn);
+  std::string sql = "(" + notDeleted("interaction", interactionIDColumn);
   sql += "\n  AND " + notDeleted("thread", threadIDColumn);
   sql += "\n  AND " + notDeleted("source_event", sourceEventIDColumn);
   sql += "\n  AND " + notDeleted("person", personIDColumn);
@@ -65,6 +65,7 @@ std::string SourceEligibility::interactionPredicateSQL(Policy policy, std::strin
     sql += "\n  AND " + notExcluded("person", personIDColumn);
     sql += "\n  AND " + accountNotExcluded(sourceEventIDColumn);
   }
+  sql += ")";
   return sql;
 }
 

@@ -81,8 +81,12 @@ Connection::Connection(const std::filesystem::path& file, const ConnectionConfig
     busyTimeout_ = std::chrono::milliseconds{fetchOptionalInteger("PRAGMA busy_timeout").value_or(0)};
   }
   if (configuration.pageCacheCeilingKiB > 0) {
-    executeScript("PRAGMA cache_size = -" + std::to_string(configuration.pageCacheCeilingKiB));
+    setPageCacheCeiling(configuration.pageCacheCeilingKiB);
   }
+}
+
+void Connection::setPageCacheCeiling(std::int64_t kiB) {
+  executeScript("PRAGMA cache_size = -" + std::to_string(kiB));
 }
 
 void Connection::key(std::span<const unsigned char> bytes) {

@@ -42,8 +42,9 @@ struct ConnectionConfiguration {
   /// write-ahead log waits instead of failing. `prepare` may set another one.
   std::chrono::milliseconds busyTimeout{5000};
 
-  /// How much memory the connection's page cache may take, set after `prepare`. SQLite's own 2 MB would have most pages
-  /// of a person's history read and decrypted several times over. 0 leaves SQLite's setting.
+  /// How much memory the connection's page cache may take, set after `prepare`; that reads the store's schema, and so
+  /// fails under a wrong key. SQLite's own 2 MB would have most pages of a person's history read and decrypted several
+  /// times over. 0 leaves SQLite's setting.
   std::int64_t pageCacheCeilingKiB = std::int64_t{64} * 1024;
 
   /// How many compiled statements a connection keeps.
@@ -60,6 +61,9 @@ class Connection {
   /// Hands the bytes to SQLCipher as this connection's key. Must come before any statement. The caller zeroes its
   /// bytes.
   void key(std::span<const unsigned char> bytes);
+
+  /// How much memory the page cache may take from now on. Reads the store's schema.
+  void setPageCacheCeiling(std::int64_t kiB);
 
   /// Starts a statement with its positional arguments: text, integers, std::nullopt or optional text for NULL.
   template <typename... Arguments>

@@ -249,7 +249,7 @@ std::optional<std::string> EvidenceFloor::lastCorrection(const std::string& pers
 AttentionEvidenceBundle EvidenceFloor::compile(const std::string& personKey, Instant asOf) {
   const auto now = formatInternetDateTime(asOf);
   const auto windowEnd = formatInternetDateTime(instantByAddingDays(asOf, options.upcomingInteractionWindowDays()));
-  const auto windowStart = formatInternetDateTime(instantByAddingDays(asOf, -options.recentWindowDays()));
+  const auto windowStart = formatInternetDateTime(instantBySubtractingDays(asOf, options.recentWindowDays()));
   if (!hasTables()) {
     return {personKey, now, options.recentWindowDays(), {}, {}, {}, {}, {}, {}, 0};
   }

@@ -8,7 +8,7 @@ set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/OrvanRelationshipAttention"
 # Headers that only the library's own sources include.
 string(JOIN "|" internal_headers
   "_internal"
-  "OrvanPlatform/user_locale"
+  "OrvanPlatform/user_(locale|time_zone)"
   "evidence/evidence_queries"
   "disposition_store/disposition_rows"
   "follow_up/attention_resolution"

@@ -49,14 +49,21 @@ void verifyEncryption(Connection& connection) {
   connection.execute("SELECT count(*) FROM sqlite_master");
 }
 
+/// The ceiling waits for the verification, because setting it reads the schema.
+void verifyThenGrowPageCache(Connection& connection) {
+  verifyEncryption(connection);
+  connection.setPageCacheCeiling(ConnectionConfiguration{}.pageCacheCeilingKiB);
+}
+
 std::unique_ptr<DatabaseQueue> openReadOnlyQueue(const std::filesystem::path& file, StoreKeyProvider keyProvider) {
   ConnectionConfiguration configuration;
   configuration.mode = OpenMode::readOnly;
+  configuration.pageCacheCeilingKiB = 0;
   configuration.prepare = [keyProvider = std::move(keyProvider)](Connection& connection) {
     prepareConnection(connection, keyProvider);
   };
   auto queue = std::make_unique<DatabaseQueue>(file, configuration);
-  queue->read(verifyEncryption);
+  queue->read(verifyThenGrowPageCache);
   return queue;
 }
 
@@ -93,7 +100,8 @@ class AttentionEvidenceCompiler::Desk {
   Desk(const std::filesystem::path& databaseURL, CredentialVault credentialVault,
        std::shared_ptr<ProjectionReader> observatory, const AttentionEvidenceCompilerOptions& options,
        const Executor& executor)
-      : database_(openStoreIfThere(databaseURL, std::move(credentialVault))),
+      : databaseURL_(databaseURL),
+        database_(openStoreIfThere(databaseURL_, std::move(credentialVault))),
         observatory_(std::move(observatory)),
         options_(options),
         queries_(options),
@@ -122,6 +130,7 @@ class AttentionEvidenceCompiler::Desk {
   std::vector<AttentionEvidenceBundle> compilePeople(const Projection& projection, Instant asOf);
   std::vector<std::string> keysWithinCap(const Projection& projection) const;
 
+  const std::filesystem::path databaseURL_;
   std::unique_ptr<DatabaseQueue> database_;
   std::shared_ptr<ProjectionReader> observatory_;
   AttentionEvidenceCompilerOptions options_;

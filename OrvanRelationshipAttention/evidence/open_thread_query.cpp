@@ -31,8 +31,7 @@ constexpr std::string_view untilEnd = R"sql(
       AND later.occurred_at > latest.occurred_at
   )
 ORDER BY occurred_at DESC, latest.id ASC
-LIMIT ?
-)sql";
+LIMIT ?)sql";
 
 } // namespace
 

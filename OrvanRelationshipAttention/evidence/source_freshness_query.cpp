@@ -64,8 +64,8 @@ std::vector<SourceFreshnessEvidence> EvidenceQueries::fetchSourceFreshness(std::
     const auto account = rows.optionalText(accountColumn);
     const auto operation = rows.optionalText(operationColumn);
     const auto state = rows.optionalText(stateColumn);
-    const auto syncedAt = rows.optionalText(syncedAtColumn);
     if (account && operation && state) {
+      const auto syncedAt = rows.optionalText(syncedAtColumn);
       freshness.emplace_back(std::string{*account}, std::string{*operation}, normalizedState(*state),
                              syncedAt ? std::optional<std::string>{*syncedAt} : std::nullopt);
     }

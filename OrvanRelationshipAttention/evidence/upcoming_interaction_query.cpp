@@ -20,8 +20,7 @@ WHERE im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
 
 constexpr std::string_view untilEnd = R"sql(
 ORDER BY occurred_at ASC, i.id ASC
-LIMIT ?
-)sql";
+LIMIT ?)sql";
 
 } // namespace
 

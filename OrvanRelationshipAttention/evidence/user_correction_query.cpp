@@ -24,7 +24,7 @@ constexpr std::string_view ofTheirMemberships =
 
 EvidenceQueries::UserCorrections EvidenceQueries::fetchUserCorrections(std::string_view personKey, Instant asOf,
                                                                        Connection& connection) const {
-  const auto windowStart = formatInternetDateTime(instantByAddingDays(asOf, -options_.recentWindowDays()));
+  const auto windowStart = formatInternetDateTime(instantBySubtractingDays(asOf, options_.recentWindowDays()));
   UserCorrections corrections;
   for (const auto statement : {ofThePerson, ofTheirClaims, ofTheirMemberships}) {
     auto rows = connection.query(statement, personKey);

@@ -26,6 +26,8 @@ TEST_F(HumanDate, FollowsTheSettingsOfTheMomentItIsAsked) {
   EXPECT_EQ(dateOf("2026-03-04T23:30:00Z"), "Mar 5, 2026");
   useSettings("de_DE.UTF-8", "Asia/Tokyo");
   EXPECT_EQ(dateOf("2026-03-04T23:30:00Z"), "05.03.2026");
+  useSettings("sr_RS.UTF-8@latin", "Asia/Tokyo");
+  EXPECT_EQ(dateOf("2026-03-04T23:30:00Z"), "5. 3. 2026.");
   useSettings("C", "America/New_York");
   EXPECT_EQ(dateOf("2026-03-05T03:00:00+01:00"), "Mar 4, 2026");
 }

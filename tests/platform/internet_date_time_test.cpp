@@ -63,12 +63,14 @@ TEST(InternetDateTime, WritesWholeSecondsThatSortAsTheInstantsDo) {
   EXPECT_EQ(formatInternetDateTime(latestInstant + 1s), "9999-12-31T23:59:59Z");
 }
 
-TEST(Instants, AddingDaysStopsAtTheEndsOfTheCalendar) {
+TEST(Instants, MovingByDaysStopsAtTheEndsOfTheCalendar) {
   const Instant moment = sys_days{year{2026} / 3 / 5} + 14h;
   EXPECT_EQ(instantByAddingDays(moment, 14), moment + 14 * 86400s);
   EXPECT_EQ(instantByAddingDays(moment, -30), moment - 30 * 86400s);
   EXPECT_EQ(instantByAddingDays(moment, std::numeric_limits<std::int64_t>::max()), latestInstant);
   EXPECT_EQ(instantByAddingDays(moment, std::numeric_limits<std::int64_t>::min()), earliestInstant);
+  EXPECT_EQ(instantBySubtractingDays(moment, 30), moment - 30 * 86400s);
+  EXPECT_EQ(instantBySubtractingDays(moment, std::numeric_limits<std::int64_t>::min()), latestInstant);
 }
 
 } // namespace

@@ -185,7 +185,7 @@ class CalendarImport {
 } // namespace
 
 CalendarWindow importWindow(Instant now) {
-  return {instantByAddingDays(now, -daysBefore), instantByAddingDays(now, daysAfter)};
+  return {instantBySubtractingDays(now, daysBefore), instantByAddingDays(now, daysAfter)};
 }
 
 MeetingImporter::MeetingImporter(DatabaseQueue& store, ImportContext context, const std::filesystem::path& file)
