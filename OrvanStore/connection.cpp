@@ -74,6 +74,7 @@ Connection::Connection(const std::filesystem::path& file, const ConnectionConfig
   if (code != SQLITE_OK) {
     throw StoreError({code, sqliteCategory()}, "opening the store file");
   }
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, configuration.checkpointsOnClose ? 0 : 1, nullptr);
   sqlite3_busy_timeout(opened, static_cast<int>(busyTimeout_.count()));
   statements_ = std::make_unique<StatementCache>(opened, configuration.statementCacheCapacity);
   if (configuration.prepare) {

@@ -47,6 +47,9 @@ struct ConnectionConfiguration {
   /// times over. 0 leaves SQLite's setting.
   std::int64_t pageCacheCeilingKiB = std::int64_t{64} * 1024;
 
+  /// Whether the last connection to close moves the write-ahead log into the store file, as SQLite does by itself.
+  bool checkpointsOnClose = true;
+
   /// How many compiled statements a connection keeps.
   std::size_t statementCacheCapacity = 128;
 };

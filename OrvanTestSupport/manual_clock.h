@@ -15,7 +15,8 @@ namespace orvan {
 /// started on it; nothing of it depends on the machine's time. All operations may be called from any thread.
 ///
 /// A timer that comes due hands its wake-up to its executor: the test then lets that executor run. Until then the clock
-/// holds whoever sleeps on it, and a sleeper usually holds the clock: a test that ends under sleepers drops their timers.
+/// holds whoever sleeps on it, and a sleeper usually holds the clock: a test that ends under sleepers drops their
+/// timers.
 class ManualClock final : public Clock, public std::enable_shared_from_this<ManualClock> {
  public:
   explicit ManualClock(Instant start);

@@ -59,6 +59,7 @@ void verifyRequiredTablesPresent(Connection& connection) {
 std::unique_ptr<DatabasePool> openDatabasePool(const std::filesystem::path& file, StoreKeyProvider keyProvider) {
   DatabasePool::Configuration configuration;
   configuration.mostReaders = mostReaders;
+  configuration.connection.checkpointsOnClose = false;
   configuration.connection.prepare = [keyProvider = std::move(keyProvider)](Connection& connection) {
     prepareConnection(connection, keyProvider);
   };

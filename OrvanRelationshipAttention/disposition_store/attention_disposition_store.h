@@ -21,8 +21,8 @@ namespace orvan {
 ///
 /// A store holds a writing connection from construction and a reading one from the first records() on; the key is
 /// fetched once for each and never kept. Both are released with the store. Other programs may use the file at the same
-/// time: an operation waits at most five seconds for their locks. The write-ahead log is never checkpointed while the
-/// store is open; the application does that.
+/// time: an operation waits at most five seconds for their locks. The write-ahead log is never checkpointed,
+/// not even when the store is released; the application does that.
 ///
 /// Operations are asynchronous and run one at a time on the store's executor, where they block; a caller on any
 /// executor awaits its turn and is resumed on its own. The store must outlive the operations awaited on it. Programs
