@@ -30,7 +30,7 @@ icu::Locale userLocale(const std::string& name) {
   if (language == "C" || language == "POSIX") {
     return icu::Locale::getUS();
   }
-  const auto locale = icu::Locale::createFromName(language.c_str());
+  auto locale = icu::Locale::createFromName(language.c_str());
   for (const auto& [modifier, script] : scripts) {
     if (name.ends_with(modifier)) {
       return icu::Locale::createFromName(
