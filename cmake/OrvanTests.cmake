@@ -4,6 +4,8 @@ include(GoogleTest)
 function(orvan_test)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;LINKS" ${ARGN})
   orvan_program(NAME ${ARG_NAME} SOURCES ${ARG_SOURCES} LINKS ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  # A test spends its time in the libraries, which keep their optimisation; its own files compile in half the time.
+  target_compile_options(${ARG_NAME} PRIVATE -O0)
   gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60 PROPERTIES
     TIMEOUT 300
     ENVIRONMENT "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/checks/tsan-suppressions")
