@@ -13,8 +13,15 @@ using Transition = AttentionItemDispositionTransition;
 
 const Instant now = std::chrono::sys_days{std::chrono::year{2026} / 3 / 5} + 14h;
 
-State stateOf(State stored, Instant asOf = now) {
-  return Transition::state("key", Record{"key", stored}, asOf);
+TEST(ItemState, IsThatOfItsOwnRecordUntilTheSnoozeEnds) {
+  const auto stateOf = [](State stored) { return Transition::state("key", Record{"key", stored}, now); };
+  EXPECT_EQ(stateOf(State::dismissed()), State::dismissed());
+  EXPECT_EQ(stateOf(State::resolved()), State::resolved());
+  EXPECT_EQ(stateOf(State::snoozed(now + 1us)), State::snoozed(now + 1us));
+  EXPECT_EQ(stateOf(State::snoozed(now)), State::active());
+  EXPECT_EQ(stateOf(State::snoozed(now - 1us)), State::active());
+  EXPECT_EQ(Transition::state("a", std::nullopt, now), State::active());
+  EXPECT_EQ(Transition::state("a", Record("b", State::dismissed()), now), State::active());
 }
 
 State after(Action action, State current) {
@@ -23,34 +30,18 @@ State after(Action action, State current) {
   return record.state();
 }
 
-TEST(ItemState, IsActiveWithoutARecordOfItsOwn) {
-  EXPECT_EQ(Transition::state("a", std::nullopt, now), State::active());
-  EXPECT_EQ(Transition::state("a", Record("b", State::dismissed()), now), State::active());
-  EXPECT_EQ(stateOf(State::dismissed()), State::dismissed());
-  EXPECT_EQ(stateOf(State::resolved()), State::resolved());
-}
-
-TEST(ItemState, IsActiveAgainExactlyWhenTheSnoozeEnds) {
-  EXPECT_EQ(stateOf(State::snoozed(now), now - 1us), State::snoozed(now));
-  EXPECT_EQ(stateOf(State::snoozed(now), now), State::active());
-  EXPECT_EQ(stateOf(State::snoozed(now), now + 1us), State::active());
-}
-
-TEST(Actions, OnAnActiveItem) {
+TEST(Actions, OnAnActiveOrSnoozedItem) {
   EXPECT_EQ(after(Action::snooze(now + 1us), State::active()), State::snoozed(now + 1us));
   EXPECT_EQ(after(Action::snooze(now), State::active()), State::active());
-  EXPECT_EQ(after(Action::dismiss(), State::active()), State::dismissed());
-  EXPECT_EQ(after(Action::resolve(), State::active()), State::resolved());
   EXPECT_EQ(after(Action::snooze(now), State::snoozed(now)), State::active()) << "the old snooze is over";
-}
-
-TEST(Actions, OnASnoozedItem) {
   const auto running = State::snoozed(now + 2h);
   EXPECT_EQ(after(Action::snooze(now + 1h), running), State::snoozed(now + 1h));
   EXPECT_EQ(after(Action::snooze(now + 3h), running), State::snoozed(now + 3h));
   EXPECT_EQ(after(Action::snooze(now - 1h), running), running);
-  EXPECT_EQ(after(Action::dismiss(), running), State::dismissed());
-  EXPECT_EQ(after(Action::resolve(), running), State::resolved());
+  for (const auto& current : {State::active(), running}) {
+    EXPECT_EQ(after(Action::dismiss(), current), State::dismissed());
+    EXPECT_EQ(after(Action::resolve(), current), State::resolved());
+  }
 }
 
 TEST(Actions, ChangeNothingOnceAnItemIsDismissedOrResolved) {

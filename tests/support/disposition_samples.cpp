@@ -1,5 +1,6 @@
 #include "tests/support/disposition_samples.h"
 
+#include <array>
 #include <chrono>
 #include <utility>
 
@@ -12,12 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using Kind = AttentionWhyNowItem::Kind;
 using Reference = AttentionWhyNowEvidenceReference;
-
-constexpr int people = 7;
-
-Instant numberedEnd(int number) {
-  return actionTime + number * 60s + 24h;
-}
 
 } // namespace
 
@@ -38,29 +33,18 @@ AttentionCatchUpItem numberedItem(int number) {
 }
 
 AttentionItemAction numberedAction(int number) {
-  switch (number % 3) {
-    case 0:
-      return AttentionItemAction::snooze(numberedEnd(number));
-    case 1:
-      return AttentionItemAction::dismiss();
-    default:
-      return AttentionItemAction::resolve();
-  }
+  const std::array actions{AttentionItemAction::snooze(actionTime + number * 60s + 24h), AttentionItemAction::dismiss(),
+                           AttentionItemAction::resolve()};
+  return actions.at(static_cast<std::size_t>(number % 3));
 }
 
 AttentionItemState numberedState(int number) {
-  switch (number % 3) {
-    case 0:
-      return AttentionItemState::snoozed(numberedEnd(number));
-    case 1:
-      return AttentionItemState::dismissed();
-    default:
-      return AttentionItemState::resolved();
-  }
+  return AttentionItemDispositionTransition::apply(numberedAction(number), AttentionItemState::active(), "", actionTime)
+      .state();
 }
 
 std::string numberedPerson(int number) {
-  return "person-" + std::to_string(number % people);
+  return "person-" + std::to_string(number % 7);
 }
 
 AttentionCatchUpItem contestedItem(int place) {

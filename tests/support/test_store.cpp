@@ -1,5 +1,6 @@
 #include "tests/support/test_store.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <optional>
@@ -7,18 +8,11 @@
 #include <system_error>
 
 #include "OrvanSpineCore/canonical_schema.h"
+#include "OrvanStore/transaction.h"
+#include "tests/support/encrypted_store.h"
 
 namespace orvan {
 namespace {
-
-std::unique_ptr<Connection> openForWriting(const std::filesystem::path& file, const KeyInMemory& key) {
-  ConnectionConfiguration configuration;
-  configuration.prepare = [&key](Connection& connection) {
-    connection.key(key.bytes().bytes());
-    connection.executeScript("PRAGMA cipher_page_size = 4096; PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF");
-  };
-  return std::make_unique<Connection>(file, configuration);
-}
 
 std::string named(std::string_view prefix, std::string_view id) {
   return std::string{prefix} + std::string{id};
@@ -46,17 +40,13 @@ std::optional<SecretBytes> KeyInMemory::loadLocalStoreKey() const {
 
 SecretBytes KeyInMemory::bytes() const {
   SecretBytes key(length_);
-  for (auto& byte : key.bytes()) {
-    byte = everyByte_;
-  }
+  std::ranges::fill(key.bytes(), everyByte_);
   return key;
 }
 
-TestStore::TestStore() : key_(std::make_shared<KeyInMemory>()) {
-  connection_ = openForWriting(file(), *key_);
-  connection_->executeScript("BEGIN");
-  createCanonicalSchema(*connection_);
-  connection_->executeScript("COMMIT");
+TestStore::TestStore() : connection_(file(), keyedConfiguration()) {
+  connection_.executeScript("PRAGMA foreign_keys = OFF; PRAGMA synchronous = OFF");
+  inTransaction(connection_, TransactionKind::write, createCanonicalSchema);
 }
 
 void TestStore::addPerson(std::string_view key) {

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <memory>
 #include <string_view>
 
 #include "OrvanSpineCore/credential_vault.h"
@@ -65,17 +64,14 @@ struct TestOpenLoop {
   std::string_view event = "event-of-evidence";
 };
 
-/// An encrypted store with the canonical tables in a folder of its own, open for writing as the application has it: in
-/// write-ahead-log mode, so that other connections read beside it.
+/// An encrypted store with the canonical tables in a folder of its own, open for writing so that other connections read
+/// beside it. Rows may refer to rows that are not there.
 class TestStore {
  public:
   TestStore();
 
   std::filesystem::path file() const { return folder_.path() / "store.db"; }
-  /// Where the store's key is kept; the vault asks it.
-  const KeyInMemory& key() const noexcept { return *key_; }
-  CredentialVault vault() const { return CredentialVault{key_}; }
-  Connection& connection() noexcept { return *connection_; }
+  Connection& connection() noexcept { return connection_; }
 
   /// A person with one identity ("<key>-identity") under a confirmed membership ("<key>-membership").
   void addPerson(std::string_view key);
@@ -84,13 +80,12 @@ class TestStore {
 
   template <typename... Arguments>
   void run(std::string_view sql, const Arguments&... arguments) {
-    connection_->execute(sql, arguments...);
+    connection_.execute(sql, arguments...);
   }
 
  private:
   ScratchFolder folder_;
-  std::shared_ptr<KeyInMemory> key_;
-  std::unique_ptr<Connection> connection_;
+  Connection connection_;
 };
 
 } // namespace orvan

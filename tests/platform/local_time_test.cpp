@@ -1,0 +1,60 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "OrvanPlatform/human_date.h"
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanPlatform/user_calendar.h"
+
+namespace orvan {
+namespace {
+
+void useSettings(const char* locale, const char* zone) {
+  setenv("LC_ALL", locale, 1);
+  setenv("TZ", zone, 1);
+}
+
+Instant instantOf(const char* timestamp) {
+  return *parseInternetDateTime(timestamp);
+}
+
+TEST(HumanDate, FollowsTheSettingsOfTheMomentItIsAsked) {
+  const Instant instant = instantOf("2026-03-04T23:30:00Z");
+  for (const auto& [locale, zone, date] : {std::tuple{"en_US.UTF-8", "UTC", "Mar 4, 2026"},
+                                           {"en_US.UTF-8", "Asia/Tokyo", "Mar 5, 2026"},
+                                           {"de_DE.UTF-8", "Asia/Tokyo", "05.03.2026"},
+                                           {"sr_RS.UTF-8@latin", "Asia/Tokyo", "5. 3. 2026."},
+                                           {"C", "America/New_York", "Mar 4, 2026"}}) {
+    useSettings(locale, zone);
+    EXPECT_EQ(humanDateText(instant), date) << locale << ' ' << zone;
+  }
+}
+
+TEST(UserCalendar, NamesAnInstantInTheUsersZoneAndCalendarWithoutItsFraction) {
+  using namespace std::chrono_literals;
+  useSettings("en_US.UTF-8", "Asia/Tokyo");
+  EXPECT_EQ(userCalendarComponents(instantOf("2026-12-31T16:41:59Z") + 900ms),
+            (CalendarComponents{2027, 1, 1, 1, 41, 59}));
+  useSettings("th_TH.UTF-8", "UTC");
+  EXPECT_EQ(userCalendarComponents(instantOf("2026-03-04T09:15:00Z")), (CalendarComponents{2569, 3, 4, 9, 15, 0}));
+}
+
+TEST(UserCalendar, ReadsBackWhatItNamed) {
+  const Instant instant = instantOf("2028-02-29T23:59:58Z");
+  for (const char* zone : {"UTC", "America/New_York", "Asia/Kathmandu"}) {
+    for (const char* locale : {"en_US.UTF-8", "th_TH.UTF-8", "ja_JP.UTF-8", "fa_IR.UTF-8"}) {
+      useSettings(locale, zone);
+      EXPECT_EQ(userCalendarInstant(userCalendarComponents(instant)), instant) << zone << " " << locale;
+    }
+  }
+}
+
+TEST(UserCalendar, ReadsTimesThatAChangeOfTheClocksSkipsOrRepeats) {
+  useSettings("en_US.UTF-8", "America/New_York");
+  EXPECT_EQ(userCalendarInstant({2026, 3, 8, 2, 30, 0}), instantOf("2026-03-08T07:30:00Z"));
+  EXPECT_EQ(userCalendarInstant({2026, 11, 1, 1, 30, 0}), instantOf("2026-11-01T06:30:00Z"));
+  EXPECT_FALSE(userCalendarInstant({2026, 2, 30, 9, 0, 0}).has_value());
+}
+
+} // namespace
+} // namespace orvan
