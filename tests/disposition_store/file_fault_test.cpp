@@ -1,12 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <memory>
-#include <optional>
-#include <ostream>
-#include <string>
-#include <tuple>
-
-#include "OrvanPlatform/error.h"
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "tests/support/disposition_samples.h"
 #include "tests/support/encrypted_store.h"
@@ -16,44 +9,43 @@
 namespace orvan {
 namespace {
 
-using Action = AttentionItemAction;
 using Record = AttentionItemDispositionRecord;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-CredentialVault vault() {
-  return CredentialVault{std::make_shared<KeyInMemory>()};
-}
-
-/// A store with two items, whose content lies partly in the log: releasing the store leaves it there.
+/// A store with two items, whose content lies partly in a log that was not checkpointed.
 class StoreInUse {
  public:
   StoreInUse() {
-    createStore(working_.path() / "store.db");
-    {
-      AttentionDispositionStore store(working_.path() / "store.db", vault());
-      for (int number = 0; number < 2; ++number) {
-        waitFor(store.executor(), store.apply(numberedItem(number), numberedAction(number), actionTime));
-      }
+    createStore(file());
+    const auto store = open();
+    for (int number = 0; number < 2; ++number) {
+      apply(*store, number);
     }
-    copyInto(kept_.path());
+    copyFiles(working_.path(), kept_.path());
   }
 
   std::filesystem::path file() const { return working_.path() / "store.db"; }
+
+  std::unique_ptr<AttentionDispositionStore> open() const {
+    return std::make_unique<AttentionDispositionStore>(file(), CredentialVault{std::make_shared<KeyInMemory>()});
+  }
+
+  static void apply(AttentionDispositionStore& store, int number) {
+    waitFor(store.executor(), store.apply(numberedItem(number), numberedAction(number), actionTime));
+  }
 
   /// Puts the files back as they were in the midst of use.
   void restore() const {
     std::filesystem::remove_all(working_.path());
     std::filesystem::create_directory(working_.path());
-    for (const char* name : {"store.db", "store.db-wal"}) {
-      std::filesystem::copy_file(kept_.path() / name, working_.path() / name);
-    }
+    copyFiles(kept_.path(), working_.path());
   }
 
  private:
-  void copyInto(const std::filesystem::path& folder) const {
+  static void copyFiles(const std::filesystem::path& from, const std::filesystem::path& to) {
     for (const char* name : {"store.db", "store.db-wal"}) {
-      std::filesystem::copy_file(working_.path() / name, folder / name);
+      std::filesystem::copy_file(from / name, to / name);
     }
   }
 
@@ -67,24 +59,24 @@ struct Fault {
   const char* name;
 };
 
-std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-  return stream << fault.name;
+void PrintTo(const Fault& fault, std::ostream* out) {
+  *out << fault.name;
 }
 
 class FileFaults : public testing::TestWithParam<std::tuple<Fault, FaultSpan>> {
  protected:
   static void SetUpTestSuite() { deriveKeysQuickly(); }
 
-  /// Opens the store and applies an action whose traces are many. Tells whether the caller was given a record, and
-  /// whether there had been a fault by then.
+  /// Whether the caller was given a record, and whether there had been a fault by then.
   struct Outcome {
     bool acknowledged;
     bool faultBefore;
   };
+  /// Opens the store, applies an action whose traces are many, and closes it.
   Outcome applyUnderFaults() const {
     try {
-      AttentionDispositionStore store(store_.file(), vault());
-      waitFor(store.executor(), store.apply(numberedItem(4), numberedAction(4), actionTime));
+      const auto store = store_.open();
+      StoreInUse::apply(*store, 4);
       return {true, files_.hasFailed()};
     } catch (const Error&) {
       return {false, files_.hasFailed()};
@@ -102,10 +94,10 @@ class FileFaults : public testing::TestWithParam<std::tuple<Fault, FaultSpan>> {
   }
 
   bool isApplied() const {
-    AttentionDispositionStore store(store_.file(), vault());
-    EXPECT_THAT(waitFor(store.executor(), store.records(numberedPerson(1))),
+    const auto store = store_.open();
+    EXPECT_THAT(waitFor(store->executor(), store->records(numberedPerson(1))),
                 ElementsAre(Record{numberedItem(1).itemKey(), numberedState(1)}));
-    return !waitFor(store.executor(), store.records(numberedPerson(4))).empty();
+    return !waitFor(store->executor(), store->records(numberedPerson(4))).empty();
   }
 
   void expectAllOrNothing(bool isApplied) const {
@@ -139,32 +131,33 @@ TEST_P(FileFaults, AreErrorsToTheCallerAndLeaveTheStateBeforeOrAfter) {
     EXPECT_TRUE(applied || !outcome.acknowledged) << "an acknowledged action is lost";
     expectAllOrNothing(applied);
   }
-  RecordProperty("faults", ordinal - 2);
   EXPECT_GT(ordinal, 2) << "there never was a fault";
 }
 
+const std::vector<Fault> faults{
+    {FileCall::open, SQLITE_CANTOPEN, "Open"},        {FileCall::read, SQLITE_IOERR_READ, "Read"},
+    {FileCall::write, SQLITE_IOERR_WRITE, "Write"},   {FileCall::write, SQLITE_FULL, "OutOfSpace"},
+    {FileCall::sync, SQLITE_IOERR_FSYNC, "Sync"},     {FileCall::truncate, SQLITE_IOERR_TRUNCATE, "Truncate"},
+    {FileCall::remove, SQLITE_IOERR_DELETE, "Remove"}};
+
+std::string nameOf(const testing::TestParamInfo<std::tuple<Fault, FaultSpan>>& info) {
+  const auto& [fault, span] = info.param;
+  return std::string{fault.name} + (span == FaultSpan::once ? "Once" : "FromThenOn");
+}
+
 INSTANTIATE_TEST_SUITE_P(Every, FileFaults,
-                         testing::Combine(testing::Values(Fault{FileCall::open, SQLITE_CANTOPEN, "Open"},
-                                                          Fault{FileCall::read, SQLITE_IOERR_READ, "Read"},
-                                                          Fault{FileCall::write, SQLITE_IOERR_WRITE, "Write"},
-                                                          Fault{FileCall::write, SQLITE_FULL, "OutOfSpace"},
-                                                          Fault{FileCall::sync, SQLITE_IOERR_FSYNC, "Sync"},
-                                                          Fault{FileCall::truncate, SQLITE_IOERR_TRUNCATE, "Truncate"},
-                                                          Fault{FileCall::remove, SQLITE_IOERR_DELETE, "Remove"}),
+                         testing::Combine(testing::ValuesIn(faults),
                                           testing::Values(FaultSpan::once, FaultSpan::fromThenOn)),
-                         [](const auto& info) {
-                           return std::string{std::get<0>(info.param).name} +
-                                  (std::get<1>(info.param) == FaultSpan::once ? "Once" : "FromThenOn");
-                         });
+                         nameOf);
 
 TEST(PowerCuts, LoseNothingThatWasAcknowledged) {
   deriveKeysQuickly();
   const StoreInUse used;
   FaultingVfs files;
   files.rememberSyncs(used.file().parent_path());
-  AttentionDispositionStore store(used.file(), vault());
+  const auto store = used.open();
   for (int number = 2; number < 12; ++number) {
-    waitFor(store.executor(), store.apply(numberedItem(number), numberedAction(number), actionTime));
+    StoreInUse::apply(*store, number);
     const ScratchFolder afterwards;
     files.copySyncedFiles(afterwards.path());
     Connection connection(afterwards.path() / "store.db", keyedConfiguration(OpenMode::readWrite));

@@ -87,55 +87,6 @@ AttentionEvidenceBundle emptyBundle(const char* person) {
   return {person, "2026-03-05T14:07:09Z", 30, {}, {}, {}, {}, {}, {}, 0};
 }
 
-std::error_code openingFault(const std::filesystem::path& file, std::shared_ptr<const CredentialSource> key) {
-  try {
-    const auto compiler = makeCompiler(file, std::move(key));
-  } catch (const Error& error) {
-    return error.code();
-  }
-  return {};
-}
-
-TEST(OpeningTheStore, RefusesAPlaintextStoreBeforeTheVaultIsAsked) {
-  const ScratchFolder folder;
-  const auto key = std::make_shared<KeyInMemory>();
-  std::ofstream(folder.path() / "plain.db") << "SQLite format 3" << std::string(4081, '\0');
-  EXPECT_EQ(openingFault(folder.path() / "plain.db", key), AttentionEvidenceCompilerError::plaintextDatabaseRejected);
-  EXPECT_EQ(key->timesAsked(), 0);
-  std::ofstream(folder.path() / "short.db") << "SQLite format ";
-  EXPECT_EQ(openingFault(folder.path() / "short.db", key), AttentionEvidenceCompilerError::cannotOpenEncryptedStore);
-  EXPECT_EQ(key->timesAsked(), 1) << "a file too short to tell passes for an encrypted one";
-}
-
-TEST(OpeningTheStore, ReportsWhyAFileCannotBeRead) {
-  const ScratchFolder folder;
-  EXPECT_EQ(openingFault(folder.path(), std::make_shared<KeyInMemory>()),
-            std::error_code(EISDIR, std::generic_category()));
-}
-
-class NoKey final : public CredentialSource {
- public:
-  std::optional<SecretBytes> loadLocalStoreKey() const override { return std::nullopt; }
-};
-
-class LockedVault final : public CredentialSource {
- public:
-  std::optional<SecretBytes> loadLocalStoreKey() const override {
-    throw Error(CredentialVaultError::vaultLocked, "loading the store key");
-  }
-};
-
-TEST(OpeningTheStore, HasOneErrorForEveryKeyThatDoesNotOpenIt) {
-  const TestStore store;
-  const auto refused = AttentionEvidenceCompilerError::cannotOpenEncryptedStore;
-  EXPECT_EQ(openingFault(store.file(), std::make_shared<KeyInMemory>(31)), refused);
-  EXPECT_EQ(openingFault(store.file(), std::make_shared<KeyInMemory>(33)), refused);
-  EXPECT_EQ(openingFault(store.file(), std::make_shared<KeyInMemory>(32, '\x08')), refused);
-  EXPECT_EQ(openingFault(store.file(), std::make_shared<NoKey>()), refused);
-  EXPECT_EQ(openingFault(store.file(), std::make_shared<LockedVault>()), refused);
-  EXPECT_EQ(openingFault(store.file(), std::make_shared<KeyInMemory>()), std::error_code{});
-}
-
 TEST(OpeningTheStore, CompilerMadeBeforeThereIsAStoreNeverLooksAgain) {
   TestStore store;
   store.run("INSERT INTO user_correction VALUES ('uc', 'person', 'ana', '2026-03-01T10:00:00Z')");

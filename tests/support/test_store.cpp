@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
-#include <system_error>
 
 #include "OrvanSpineCore/canonical_schema.h"
 #include "OrvanStore/transaction.h"

@@ -3,7 +3,9 @@
 #include <atomic>
 #include <filesystem>
 #include <string_view>
+#include <system_error>
 
+#include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/connection.h"
 
@@ -22,6 +24,17 @@ class ScratchFolder {
  private:
   std::filesystem::path path_;
 };
+
+/// The code of the Error that `attempt` throws; none when it throws no Error.
+template <typename Attempt>
+std::error_code faultOf(Attempt attempt) {
+  try {
+    static_cast<void>(attempt());
+  } catch (const Error& error) {
+    return error.code();
+  }
+  return {};
+}
 
 /// A store key in memory that counts how often it was asked for.
 class KeyInMemory final : public CredentialSource {

@@ -1,7 +1,6 @@
 #include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 
@@ -10,6 +9,7 @@
 namespace orvan {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::Optional;
 using testing::Property;
@@ -43,40 +43,42 @@ struct Evidence {
 };
 
 std::optional<AttentionWhyNowItem> select(const Evidence& evidence) {
-  return AttentionWhyNowSelector::select({"p",
-                                          "2026-03-05T00:00:00Z",
-                                          30,
-                                          evidence.threads,
-                                          evidence.meetings,
-                                          evidence.resumption,
-                                          evidence.commitments,
-                                          {{"account", "sync", "stale", std::nullopt}},
-                                          "2026-03-04T00:00:00Z",
-                                          3});
+  const std::vector<SourceFreshnessEvidence> freshness{{"account", "sync", "stale", std::nullopt}};
+  return AttentionWhyNowSelector::select({"p", later, 30, evidence.threads, evidence.meetings, evidence.resumption,
+                                          evidence.commitments, freshness, later, 3});
 }
 
 auto isReason(Kind kind, const std::string& timestamp) {
-  return Optional(testing::AllOf(Property(&AttentionWhyNowItem::kind, kind),
-                                 Property(&AttentionWhyNowItem::definingEventTimestamp, timestamp)));
+  return Optional(AllOf(Property(&AttentionWhyNowItem::kind, kind),
+                        Property(&AttentionWhyNowItem::definingEventTimestamp, timestamp)));
 }
 
-TEST(Reason, IsTheOneWithTheLatestEvent) {
+TEST(Reason, IsTheLatestAmongTheFirstOfEachListComparedAsText) {
+  const std::string ahead = "2026-03-01T10:00:00+02:00";
+  struct Case {
+    Evidence evidence;
+    Kind kind;
+    std::string timestamp;
+  };
+  for (const auto& [evidence, kind, timestamp] : std::vector<Case>{
+           {{.threads = {threadAt(later)}, .commitments = {commitmentAt(first)}}, Kind::openThread, later},
+           {{.threads = {threadAt(first)}, .commitments = {commitmentAt(later)}}, Kind::commitment, later},
+           {{.resumption = resumptionAt(later), .meetings = {meetingAt(first)}}, Kind::changedContext, later},
+           {{.threads = {threadAt(first)}, .resumption = resumptionAt(later, {})}, Kind::changedContext, later},
+           {{.threads = {threadAt(ahead)}, .meetings = {meetingAt("2026-03-01T09:30:00Z")}}, Kind::openThread, ahead},
+           {{.threads = {threadAt(first), threadAt(later)}}, Kind::openThread, first},
+           {{.commitments = {commitmentAt(first), commitmentAt(later)}}, Kind::commitment, first},
+           {{.meetings = {meetingAt(first), meetingAt(later)}}, Kind::upcomingInteraction, first},
+           // Unusable evidence is passed over.
+           {{.threads = {threadAt(later, "")}, .commitments = {commitmentAt(first)}}, Kind::commitment, first},
+           {{.resumption = resumptionAt(first), .meetings = {meetingAt(later + ' ')}}, Kind::changedContext, first},
+           {{.resumption = resumptionAt(later, {"i5", " "}), .meetings = {meetingAt(first)}},
+            Kind::upcomingInteraction,
+            first}}) {
+    EXPECT_THAT(select(evidence), isReason(kind, timestamp));
+  }
   EXPECT_FALSE(select({})) << "freshness and corrections are no reason";
-  EXPECT_THAT(select({.threads = {threadAt(later)}, .commitments = {commitmentAt(first)}}),
-              isReason(Kind::openThread, later));
-  EXPECT_THAT(select({.threads = {threadAt(first)}, .commitments = {commitmentAt(later)}}),
-              isReason(Kind::commitment, later));
-  EXPECT_THAT(select({.resumption = resumptionAt(later), .meetings = {meetingAt(first)}}),
-              isReason(Kind::changedContext, later));
-  EXPECT_THAT(select({.threads = {threadAt(first)}, .resumption = resumptionAt(later, {})}),
-              isReason(Kind::changedContext, later))
-      << "a resumption that names no interaction competes";
-}
-
-TEST(Reason, ComparesTimestampsAsTextAndNotAsInstants) {
-  EXPECT_THAT(
-      select({.threads = {threadAt("2026-03-01T10:00:00+02:00")}, .meetings = {meetingAt("2026-03-01T09:30:00Z")}}),
-      isReason(Kind::openThread, "2026-03-01T10:00:00+02:00"));
+  EXPECT_FALSE(select({.threads = {threadAt(first, ""), threadAt(later)}}));
 }
 
 TEST(Reason, FollowsTheOrderOfKindsOnEqualTimestamps) {
@@ -88,22 +90,6 @@ TEST(Reason, FollowsTheOrderOfKindsOnEqualTimestamps) {
   EXPECT_THAT(select(evidence), isReason(Kind::commitment, first));
 }
 
-TEST(Reason, LooksAtTheFirstOfEachListOnly) {
-  EXPECT_THAT(select({.threads = {threadAt(first), threadAt(later)}}), isReason(Kind::openThread, first));
-  EXPECT_THAT(select({.commitments = {commitmentAt(first), commitmentAt(later)}}), isReason(Kind::commitment, first));
-  EXPECT_THAT(select({.meetings = {meetingAt(first), meetingAt(later)}}), isReason(Kind::upcomingInteraction, first));
-  EXPECT_FALSE(select({.threads = {threadAt(first, ""), threadAt(later)}}));
-}
-
-TEST(Reason, PassesOverUnusableEvidenceAndTakesTheNextBest) {
-  EXPECT_THAT(select({.threads = {threadAt(later, "")}, .commitments = {commitmentAt(first)}}),
-              isReason(Kind::commitment, first));
-  EXPECT_THAT(select({.resumption = resumptionAt(first), .meetings = {meetingAt("2026-03-09T10:00:00.250Z")}}),
-              isReason(Kind::changedContext, first));
-  EXPECT_THAT(select({.resumption = resumptionAt(later, {"i5", " "}), .meetings = {meetingAt(first)}}),
-              isReason(Kind::upcomingInteraction, first));
-}
-
 class Wording : public testing::Test {
  protected:
   Wording() {
@@ -112,55 +98,47 @@ class Wording : public testing::Test {
   }
 };
 
-TEST_F(Wording, OfAnOpenThread) {
-  const auto item = internal::makeOpenThreadItem(threadAt(later));
-  EXPECT_EQ(item.headline(), "A conversation with them is waiting on your reply.");
-  EXPECT_THAT(item.evidenceLines(), ElementsAre("Last message received Mar 5, 2026."));
-  EXPECT_THAT(item.evidenceReferences(),
-              ElementsAre(Reference::interaction("i1"), Reference::sourceEvent("se1"), Reference::thread("t1")));
+auto reads(const std::string& headline, const std::vector<std::string>& lines,
+           const std::vector<Reference>& references) {
+  return AllOf(Property("headline", &AttentionWhyNowItem::headline, headline),
+               Property("lines", &AttentionWhyNowItem::evidenceLines, lines),
+               Property("references", &AttentionWhyNowItem::evidenceReferences, references));
+}
+
+TEST_F(Wording, OfAConversationAndAMeeting) {
+  EXPECT_THAT(internal::makeOpenThreadItem(threadAt(later)),
+              reads("A conversation with them is waiting on your reply.", {"Last message received Mar 5, 2026."},
+                    {Reference::interaction("i1"), Reference::sourceEvent("se1"), Reference::thread("t1")}));
+  EXPECT_THAT(internal::makeUpcomingInteractionItem(meetingAt(first)),
+              reads("You have an upcoming meeting with them.", {"Scheduled for Mar 1, 2026."},
+                    {Reference::interaction("i9"), Reference::sourceEvent("se9"), Reference::thread("t9")}));
+  const auto unreadable = internal::makeOpenThreadItem(threadAt(" 2026-03-04T10:00:00Z"));
+  EXPECT_THAT(unreadable.evidenceLines(), ElementsAre("Last message received  2026-03-04T10:00:00Z."));
+  EXPECT_EQ(unreadable.definingEventTimestamp(), " 2026-03-04T10:00:00Z");
 }
 
 TEST_F(Wording, OfAResumption) {
-  const auto item = internal::makeChangedContextItem(resumptionAt(first, {"i7", "i5", "i7"}));
-  EXPECT_EQ(item.headline(), "You reconnected after a quiet stretch.");
-  EXPECT_THAT(item.evidenceLines(),
-              ElementsAre("Quiet since Jan 1, 2026.", "Back in touch since Mar 1, 2026.", "2 messages since."));
-  EXPECT_THAT(item.evidenceReferences(), ElementsAre(Reference::interaction("i5"), Reference::interaction("i7")));
-  const auto countLine = [](std::int64_t count) {
-    const ChangedContextEvidence evidence{21, "2026-01-01T10:00:00Z", first, {"i5", "i6"}, count};
-    return internal::makeChangedContextItem(evidence).evidenceLines().back();
-  };
-  EXPECT_EQ(countLine(0), "0 messages since.");
-  EXPECT_EQ(countLine(1), "1 message since.");
+  for (const auto& [count, line] :
+       {std::pair{0, "0 messages since."}, {1, "1 message since."}, {2, "2 messages since."}}) {
+    const ChangedContextEvidence evidence{21, "2026-01-01T10:00:00Z", first, {"i7", "i5", "i7"}, count};
+    EXPECT_THAT(internal::makeChangedContextItem(evidence),
+                reads("You reconnected after a quiet stretch.",
+                      {"Quiet since Jan 1, 2026.", "Back in touch since Mar 1, 2026.", line},
+                      {Reference::interaction("i5"), Reference::interaction("i7")}));
+  }
 }
 
 TEST_F(Wording, OfACommitmentFollowsItsExactKind) {
-  const auto headline = [](const char* kind) {
-    return internal::makeCommitmentItem(commitmentAt(first, kind)).headline();
-  };
-  EXPECT_EQ(headline("unanswered_question"), "There's a question still waiting on an answer.");
-  EXPECT_EQ(headline("promise"), "You have something you said you'd follow up on.");
-  EXPECT_EQ(headline("scheduled_followup"), "A follow-up with them is coming due.");
-  EXPECT_EQ(headline("Promise"), "There's something still open with them.");
-  const auto item = internal::makeCommitmentItem(commitmentAt(first));
-  EXPECT_THAT(item.evidenceLines(), ElementsAre("Noticed Mar 1, 2026."));
-  EXPECT_THAT(item.evidenceReferences(), ElementsAre(Reference::claimEvidence("c1"), Reference::openLoop("o1")));
+  for (const auto& [kind, headline] :
+       {std::pair{"unanswered_question", "There's a question still waiting on an answer."},
+        {"promise", "You have something you said you'd follow up on."},
+        {"scheduled_followup", "A follow-up with them is coming due."},
+        {"Promise", "There's something still open with them."}}) {
+    EXPECT_THAT(internal::makeCommitmentItem(commitmentAt(first, kind)),
+                reads(headline, {"Noticed Mar 1, 2026."}, {Reference::claimEvidence("c1"), Reference::openLoop("o1")}));
+  }
   const auto unproven = internal::makeCommitmentItem({"o1", "promise", first, std::nullopt});
   EXPECT_THAT(unproven.evidenceReferences(), ElementsAre(Reference::openLoop("o1")));
-}
-
-TEST_F(Wording, OfAMeeting) {
-  const auto item = internal::makeUpcomingInteractionItem(meetingAt(first));
-  EXPECT_EQ(item.headline(), "You have an upcoming meeting with them.");
-  EXPECT_THAT(item.evidenceLines(), ElementsAre("Scheduled for Mar 1, 2026."));
-  EXPECT_THAT(item.evidenceReferences(),
-              ElementsAre(Reference::interaction("i9"), Reference::sourceEvent("se9"), Reference::thread("t9")));
-}
-
-TEST_F(Wording, ShowsATimestampItCannotReadAsItIs) {
-  const auto item = internal::makeOpenThreadItem(threadAt(" 2026-03-04T10:00:00Z"));
-  EXPECT_THAT(item.evidenceLines(), ElementsAre("Last message received  2026-03-04T10:00:00Z."));
-  EXPECT_EQ(item.definingEventTimestamp(), " 2026-03-04T10:00:00Z");
 }
 
 } // namespace
