@@ -1,18 +1,13 @@
 #include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <limits>
-#include <string>
-#include <vector>
 
 namespace orvan {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::Eq;
-using testing::Optional;
 using Times = std::vector<std::string>;
 
 Instant noon(int month, int day) {
@@ -33,9 +28,14 @@ std::optional<ChangedContextEvidence> detect(const Times& times, Instant asOf) {
   return ChangedContextDetector::detectResumption(history(times), asOf, 21, 30, 5);
 }
 
-TEST(Resumption, IsReportedWithTheTimesAroundTheGap) {
-  const ChangedContextEvidence expected{21, "2026-01-01T13:00:00+01:00", "2026-03-01T12:00:00Z", {"i1"}, 1};
-  EXPECT_THAT(detect({"2026-01-01T13:00:00+01:00", "2026-03-01"}, noon(3, 10)), Optional(Eq(expected)));
+auto isResumption(const char* quietSince, const char* resumedAt, std::vector<std::string> ids, std::int64_t count) {
+  return testing::Optional(ChangedContextEvidence{21, quietSince, resumedAt, std::move(ids), count});
+}
+
+TEST(Resumption, FollowsTheLatestGapOnlyAndKeepsTheTimesAroundItAsTheyAre) {
+  const Times times{"2026-01-01", "2026-01-31", "2026-02-01T13:00:00+01:00", "2026-02-26"};
+  EXPECT_THAT(detect(times, noon(3, 5)), isResumption("2026-02-01T13:00:00+01:00", "2026-02-26T12:00:00Z", {"i3"}, 1));
+  EXPECT_FALSE(detect(times, noon(2, 10))) << "the gap before 31 January would qualify";
 }
 
 TEST(Resumption, NeedsAGapOfTheWholeThreshold) {
@@ -53,26 +53,18 @@ TEST(Resumption, MayBeExactlyAsOldAsTheWindowAndNotLieAhead) {
   EXPECT_FALSE(detect(times, noon(3, 1) + 30 * 86400s + 1us));
 }
 
-TEST(Resumption, FollowsTheLatestGapOnly) {
-  const Times times{"2026-01-01", "2026-01-31", "2026-02-01", "2026-02-26"};
-  const ChangedContextEvidence expected{21, "2026-02-01T12:00:00Z", "2026-02-26T12:00:00Z", {"i3"}, 1};
-  EXPECT_THAT(detect(times, noon(3, 5)), Optional(Eq(expected)));
-  EXPECT_FALSE(detect(times, noon(2, 10))) << "the gap before 31 January would qualify";
-}
-
 TEST(Resumption, CountsEveryInteractionButNamesTheFirstFew) {
   Times times{"2026-01-01"};
   times.insert(times.end(), 8, "2026-03-01");
-  const ChangedContextEvidence expected{
-      21, "2026-01-01T12:00:00Z", "2026-03-01T12:00:00Z", {"i1", "i2", "i3", "i4", "i5"}, 8};
-  EXPECT_THAT(detect(times, noon(3, 4)), Optional(Eq(expected)));
+  EXPECT_THAT(detect(times, noon(3, 4)),
+              isResumption("2026-01-01T12:00:00Z", "2026-03-01T12:00:00Z", {"i1", "i2", "i3", "i4", "i5"}, 8));
+  EXPECT_DEATH(ChangedContextDetector::detectResumption(history(times), noon(3, 4), 21, 30, -1),
+               "must not be negative");
 }
 
 TEST(Resumption, IsAbsentWhenAnyTimestampCannotBeRead) {
-  for (const char* unreadable : {"2025-01-01T12:00:00.500Z", "2025-01-01T12:00:00"}) {
-    EXPECT_FALSE(detect({unreadable, "2026-01-01", "2026-03-01"}, noon(3, 10))) << unreadable;
-    EXPECT_FALSE(detect({"2026-01-01", "2026-03-01", unreadable}, noon(3, 10))) << unreadable;
-  }
+  EXPECT_FALSE(detect({"2025-01-01T12:00:00.500Z", "2026-01-01", "2026-03-01"}, noon(3, 10)));
+  EXPECT_FALSE(detect({"2026-01-01", "2026-03-01", "2026-03-02T12:00:00"}, noon(3, 10)));
 }
 
 TEST(Resumption, TakesThresholdsOfAnySize) {
@@ -80,11 +72,6 @@ TEST(Resumption, TakesThresholdsOfAnySize) {
   const auto interactions = history({"2026-03-01", "2026-03-01"});
   EXPECT_FALSE(ChangedContextDetector::detectResumption(interactions, noon(3, 10), most, most, 5));
   EXPECT_TRUE(ChangedContextDetector::detectResumption(interactions, Instant::max(), -most, most, 5));
-}
-
-TEST(ResumptionDeathTest, EndsTheProgramForANegativeNumberOfIDs) {
-  const auto interactions = history({"2026-01-01", "2026-03-01"});
-  EXPECT_DEATH(ChangedContextDetector::detectResumption(interactions, noon(3, 10), 21, 30, -1), "must not be negative");
 }
 
 } // namespace
