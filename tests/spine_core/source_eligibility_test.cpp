@@ -18,11 +18,8 @@ class SourceEligibilityTest : public testing::Test {
   }
 
   bool letsThrough(Policy policy) {
-    return holds(SourceEligibility::interactionPredicateSQL(policy, "i.id", "i.thread_id", "i.source_event_id", "'ana'",
-                                                            store.connection()));
-  }
-
-  bool holds(const std::string& predicate) {
+    const auto predicate = SourceEligibility::interactionPredicateSQL(policy, "i.id", "i.thread_id",
+                                                                      "i.source_event_id", "'ana'", store.connection());
     return store.connection().fetchOptionalInteger("SELECT 1 FROM interaction i WHERE " + predicate).has_value();
   }
 

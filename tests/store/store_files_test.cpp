@@ -5,7 +5,6 @@
 
 #include <array>
 #include <fstream>
-#include <string>
 
 #include "OrvanStore/connection.h"
 #include "OrvanStore/store_error.h"
@@ -33,9 +32,13 @@ int exitCodeOfOpener(const std::filesystem::path& file, std::string environment)
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-TEST(StoreFiles, AreReadableByTheirOwnerAloneWhateverTheProcessAllows) {
+class StoreFiles : public testing::Test {
+ protected:
   const ScratchFolder folder;
-  const auto file = folder.path() / "store.db";
+  const std::filesystem::path file = folder.path() / "store.db";
+};
+
+TEST_F(StoreFiles, AreReadableByTheirOwnerAloneWhateverTheProcessAllows) {
   const mode_t previous = umask(0);
   Connection connection(file, {});
   connection.executeScript("PRAGMA journal_mode = WAL; CREATE TABLE note (text)");
@@ -45,17 +48,13 @@ TEST(StoreFiles, AreReadableByTheirOwnerAloneWhateverTheProcessAllows) {
   }
 }
 
-TEST(StoreFiles, AreNotTouchedByAnEngineThatCannotEncrypt) {
-  const ScratchFolder folder;
-  const auto file = folder.path() / "store.db";
+TEST_F(StoreFiles, AreNotTouchedByAnEngineThatCannotEncrypt) {
   EXPECT_EQ(exitCodeOfOpener(file, "LD_PRELOAD=libsqlite3.so.0"), 3);
   EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_EQ(exitCodeOfOpener(file, "LD_PRELOAD="), 0) << "the same program works with the engine it was linked to";
 }
 
-TEST(StoreFiles, ThatDoNotDecryptAreReportedToTheCallerAlone) {
-  const ScratchFolder folder;
-  const auto file = folder.path() / "store.db";
+TEST_F(StoreFiles, ThatDoNotDecryptAreReportedToTheCallerAlone) {
   std::ofstream(file) << std::string(8192, 'x');
   testing::internal::CaptureStderr();
   EXPECT_THROW(Connection(file, keyedConfiguration()), StoreError);
