@@ -83,13 +83,13 @@ class Dispositions : public testing::Test {
   void change(const std::string& script) const { Connection(file, keyedConfiguration()).executeScript(script); }
 
   /// Has the canonical table replaced by one that takes any value.
-  void storeAnyDisposition(const std::string& state, const std::string& snoozedUntil) const {
+  void storeAnyDisposition(const std::string& stateAndEnd) const {
     change(
         "PRAGMA foreign_keys = OFF; DROP TABLE relationship_attention_disposition;"
         "CREATE TABLE relationship_attention_disposition (candidate_key PRIMARY KEY, person_id, state, "
         "snoozed_until, created_at, updated_at);"
         "INSERT INTO relationship_attention_disposition VALUES ('key', 'p-1', " +
-        state + ", " + snoozedUntil + ", 'then', 'then')");
+        stateAndEnd + ", 'then', 'then')");
   }
 
   const ScratchFolder folder;
@@ -162,24 +162,18 @@ TEST_F(Dispositions, ASnoozeIntoThePastLeavesNoRowOfAnActiveItemAndARunningSnooz
 }
 
 TEST_F(Dispositions, AnUnreadableRowCountsAsNoneAndIsOverwritten) {
-  for (const auto& [state, until] : {std::pair{"'active'", "NULL"},
-                                     {"NULL", "NULL"},
-                                     {"'Dismissed'", "NULL"},
-                                     {"x'646973'", "NULL"},
-                                     {"7", "NULL"},
-                                     {"'snoozed'", "NULL"},
-                                     {"'snoozed'", "'tomorrow'"},
-                                     {"'snoozed'", "'2026-03-06T14:07:09.5Z'"},
-                                     {"'snoozed'", "1772000000"}}) {
-    storeAnyDisposition(state, until);
-    EXPECT_THAT(records(), IsEmpty()) << state << ' ' << until;
-    EXPECT_EQ(apply(item(), Action::dismiss()), State::dismissed()) << state << ' ' << until;
+  for (const char* stateAndEnd :
+       {"'active', NULL", "NULL, NULL", "'Dismissed', NULL", "x'646973', NULL", "7, NULL", "'snoozed', NULL",
+        "'snoozed', 'tomorrow'", "'snoozed', 1772000000", "'snoozed', '2026-03-06T14:07:09.5Z'"}) {
+    storeAnyDisposition(stateAndEnd);
+    EXPECT_THAT(records(), IsEmpty()) << stateAndEnd;
+    EXPECT_EQ(apply(item(), Action::dismiss()), State::dismissed()) << stateAndEnd;
     EXPECT_THAT(records(), ElementsAre(Record{"key", State::dismissed()}));
   }
 }
 
 TEST_F(Dispositions, RecordsAreThePersonsOwnWithoutTheUnreadable) {
-  storeAnyDisposition("'resolved'", "NULL");
+  storeAnyDisposition("'resolved', NULL");
   change(
       "INSERT INTO relationship_attention_disposition VALUES "
       "(NULL, 'p-1', 'resolved', NULL, '', ''), ('over', 'p-1', 'snoozed', '2020-01-01T01:00:00+01:00', '', ''), "

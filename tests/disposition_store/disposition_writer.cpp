@@ -1,10 +1,5 @@
-#include <unistd.h>
-
 #include <cstdlib>
-#include <exception>
 #include <iostream>
-#include <memory>
-#include <string>
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "tests/support/disposition_samples.h"
@@ -14,13 +9,6 @@
 namespace orvan {
 namespace {
 
-/// One line in one call, and nothing held back: what was not acknowledged when the process is killed never was.
-void acknowledge(const std::string& line) {
-  if (write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
-    std::exit(EXIT_FAILURE);
-  }
-}
-
 /// Applies the actions of `count` numbered items from `first` on, acknowledging each by its number. With a rival action
 /// each is followed by that action on the contested item of the same place, acknowledged with the state that holds.
 void applyNumbered(const char* file, int first, int count, const std::string& rival) {
@@ -29,15 +17,15 @@ void applyNumbered(const char* file, int first, int count, const std::string& ri
     return waitFor(store.executor(), store.apply(item, action, actionTime)).state();
   };
   for (int place = 0; place < count; ++place) {
-    apply(numberedItem(first + place), numberedAction(first + place));
-    std::string line = std::to_string(first + place);
+    const int number = first + place;
+    apply(numberedItem(number), numberedAction(number));
+    std::cout << number;
     if (rival != "none") {
       const auto action = rival == "dismiss" ? AttentionItemAction::dismiss() : AttentionItemAction::resolve();
-      const auto state = apply(contestedItem(place), action);
-      line += ' ';
-      line += caseName(state.kind());
+      std::cout << ' ' << caseName(apply(contestedItem(place), action).kind());
     }
-    acknowledge(line + '\n');
+    // Nothing is held back: what was not acknowledged when the process is killed never was.
+    std::cout << std::endl;
   }
 }
 

@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <memory>
 #include <new>
-#include <string>
+#include <string_view>
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler.h"
@@ -17,13 +15,9 @@
 
 namespace {
 
-/// The test key's bytes; enough of them in a row that nothing else looks alike.
+/// So many of the test key's bytes in a row that nothing else looks alike.
+constexpr std::string_view trace = "\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7\7";
 constexpr unsigned char keyByte = 7;
-constexpr std::array<unsigned char, 16> trace = [] {
-  std::array<unsigned char, 16> bytes{};
-  bytes.fill(keyByte);
-  return bytes;
-}();
 
 std::atomic<int> tracesFreed = 0;
 

@@ -88,12 +88,7 @@ class CompilingOnePerson : public testing::Test {
     store.addPerson("ana");
     store.add(TestInteraction{.id = "old", .at = "2025-12-01T10:00:00Z", .thread = "t1"});
     store.add(TestInteraction{.id = "new", .at = "2026-03-01T10:00:00Z", .thread = "t1"});
-    store.add(TestInteraction{.id = "m",
-                              .at = "2026-03-09T10:00:00Z",
-                              .thread = "t2",
-                              .direction = "mutual",
-                              .kind = "meeting",
-                              .account = "calendar"});
+    store.add(TestInteraction{.id = "m", .at = "2026-03-09T10:00:00Z", .thread = "t2", .kind = "meeting"});
     store.add(TestOpenLoop{.id = "ol", .at = "2026-02-01T10:00:00Z"});
     store.run("INSERT INTO source_progress_projection VALUES ('mail', 'sync', 'stale', NULL)");
     store.run("INSERT INTO user_correction VALUES ('uc', 'person', 'ana', '2026-03-02T10:00:00Z')");
@@ -107,7 +102,7 @@ TEST_F(CompilingOnePerson, PutsEveryKindOfEvidenceInItsPlace) {
   EXPECT_EQ(compile(compiler),
             AttentionEvidenceBundle(
                 "ana", "2026-03-05T14:07:09Z", 30, {{"t1", "mail", "new", "event-new", "2026-03-01T10:00:00Z"}},
-                {{"m", "t2", "event-m", "calendar", "2026-03-09T10:00:00Z"}},
+                {{"m", "t2", "event-m", "mail", "2026-03-09T10:00:00Z"}},
                 ChangedContextEvidence{21, "2025-12-01T10:00:00Z", "2026-03-01T10:00:00Z", {"new", "m"}, 2},
                 {{"ol", "promise", "2026-02-01T10:00:00Z", "evidence-ol"}}, {{"mail", "sync", "stale", std::nullopt}},
                 "2026-03-02T10:00:00Z", 1));

@@ -38,8 +38,8 @@ class EvidenceQueriesTest : public testing::Test {
     return idsOf(queries.fetchOpenThreads(person, asOf, connection), &OpenThreadEvidence::lastInboundInteractionID);
   }
   Texts meetings(const EvidenceQueries& queries = asShipped()) {
-    return idsOf(queries.fetchUpcomingInteractions("ana", asOf, connection),
-                 &UpcomingInteractionEvidence::interactionID);
+    const auto found = queries.fetchUpcomingInteractions("ana", asOf, connection);
+    return idsOf(found, &UpcomingInteractionEvidence::interactionID);
   }
   Texts commitments(const char* person = "ana", const EvidenceQueries& queries = asShipped()) {
     return idsOf(queries.fetchCommitments(person, connection), &CommitmentEvidence::openLoopID);
@@ -108,15 +108,14 @@ TEST_F(OpenThreads, NeedAMessageOfThePersonThatMayBeShownButCloseWithAnyAnswer) 
 
 TEST_F(OpenThreads, CountAnIdentityWhileItsMembershipIsLive) {
   store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
-  for (const auto& [state, ended, isLive] : {std::tuple{"confirmed", false, true},
-                                             {"high_conf", false, true},
-                                             {"low_conf", false, false},
-                                             {"rejected", false, false},
-                                             {"confirmed", true, false}}) {
-    store.run("UPDATE identity_membership SET state = ?, ended_at = ?", state,
-              ended ? std::optional<std::string>{"2026-01-01T00:00:00Z"} : std::nullopt);
-    EXPECT_EQ(openThreads().size(), isLive ? 1U : 0U) << state << ended;
-    EXPECT_EQ(historyLength(), isLive ? 1U : 0U) << state;
+  for (const auto& [membership, messages] : {std::pair{"state = 'confirmed'", 1U},
+                                             {"state = 'high_conf'", 1U},
+                                             {"state = 'low_conf'", 0U},
+                                             {"state = 'rejected'", 0U},
+                                             {"state = 'confirmed', ended_at = '2026-01-01T00:00:00Z'", 0U}}) {
+    store.run(std::string{"UPDATE identity_membership SET "} + membership);
+    EXPECT_EQ(openThreads().size(), messages) << membership;
+    EXPECT_EQ(historyLength(), messages) << membership;
   }
 }
 

@@ -5,8 +5,6 @@
 
 #include <array>
 
-#include "OrvanTestSupport/capturing_log.h"
-
 namespace orvan {
 namespace {
 
@@ -21,16 +19,6 @@ std::string linesOf(Write write) {
   const auto length = read(ends[0], buffer.data(), buffer.size());
   close(ends[0]);
   return {buffer.data(), static_cast<std::size_t>(length)};
-}
-
-TEST(Log, ALineIsItsEventFollowedByItsFields) {
-  const auto log = std::make_shared<CapturingLog>();
-  const LogChannel channel{log, "follow-up-scheduler"};
-  channel.write("watcher started");
-  channel.write("register", {{"key_hash", "abc"}, {"outcome", "added"}});
-  EXPECT_EQ(log->messages(), (std::vector<std::string>{"watcher started", "register key_hash=abc outcome=added"}));
-  EXPECT_EQ(log->entries().front().category, "follow-up-scheduler");
-  EXPECT_EQ(log->entries().front().subsystem, "org.orvan.Orvan");
 }
 
 TEST(Log, WithoutAJournalALineIsOneJsonObjectOrLost) {

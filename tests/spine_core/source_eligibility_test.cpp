@@ -28,31 +28,26 @@ class SourceEligibilityTest : public testing::Test {
 
 TEST_F(SourceEligibilityTest, HidesWhatARuleOrATombstoneNames) {
   enum class Reach { nobody, showable, notDeletedToo };
-  const auto* const rule = "INSERT INTO exclusion_rule (id, created_at, scope, target_id) VALUES ('r', '', ";
-  const auto* const endedRule =
-      "INSERT INTO exclusion_rule (id, created_at, ended_at, scope, target_id) VALUES ('r', '', '2026-01-01', ";
-  const auto* const tombstone = "INSERT INTO deletion_tombstone (deleted_at, object_type, object_id) VALUES ('', ";
-  struct Case {
-    const char* start;
-    const char* rest;
-    Reach hiddenFrom;
-  };
-  for (const auto& [start, rest, hiddenFrom] :
-       {Case{rule, "'person', 'ana')", Reach::showable}, Case{rule, "'thread', 't')", Reach::showable},
-        Case{rule, "'interaction', 'i')", Reach::showable}, Case{rule, "'source_account', 'mail')", Reach::showable},
-        Case{rule, "'source_account', 'calendar')", Reach::nobody}, Case{rule, "'thread', 'i')", Reach::nobody},
-        Case{endedRule, "'person', 'ana')", Reach::nobody}, Case{endedRule, "'source_account', 'mail')", Reach::nobody},
-        Case{tombstone, "'person', 'ana')", Reach::notDeletedToo},
-        Case{tombstone, "'thread', 't')", Reach::notDeletedToo},
-        Case{tombstone, "'interaction', 'i')", Reach::notDeletedToo},
-        Case{tombstone, "'source_event', 'event-i')", Reach::notDeletedToo},
-        Case{tombstone, "'source_event', 'i')", Reach::nobody},
-        Case{tombstone, "'source_object', 'i')", Reach::nobody}}) {
+  for (const auto& [row, hiddenFrom] :
+       {std::pair{"exclusion_rule VALUES ('r', 'person', 'ana', '', NULL)", Reach::showable},
+        {"exclusion_rule VALUES ('r', 'thread', 't', '', NULL)", Reach::showable},
+        {"exclusion_rule VALUES ('r', 'interaction', 'i', '', NULL)", Reach::showable},
+        {"exclusion_rule VALUES ('r', 'source_account', 'mail', '', NULL)", Reach::showable},
+        {"exclusion_rule VALUES ('r', 'source_account', 'calendar', '', NULL)", Reach::nobody},
+        {"exclusion_rule VALUES ('r', 'thread', 'i', '', NULL)", Reach::nobody},
+        {"exclusion_rule VALUES ('ended', 'person', 'ana', '', '2026-01-01')", Reach::nobody},
+        {"exclusion_rule VALUES ('ended', 'source_account', 'mail', '', '2026-01-01')", Reach::nobody},
+        {"deletion_tombstone VALUES ('ana', 'person', '')", Reach::notDeletedToo},
+        {"deletion_tombstone VALUES ('t', 'thread', '')", Reach::notDeletedToo},
+        {"deletion_tombstone VALUES ('i', 'interaction', '')", Reach::notDeletedToo},
+        {"deletion_tombstone VALUES ('event-i', 'source_event', '')", Reach::notDeletedToo},
+        {"deletion_tombstone VALUES ('i', 'source_event', '')", Reach::nobody},
+        {"deletion_tombstone VALUES ('i', 'source_object', '')", Reach::nobody}}) {
     store.run("SAVEPOINT before");
-    store.run(std::string{start} + rest);
-    EXPECT_EQ(letsThrough(Policy::showable), hiddenFrom == Reach::nobody) << start << rest;
-    EXPECT_EQ(letsThrough(Policy::notDeleted), hiddenFrom != Reach::notDeletedToo) << start << rest;
-    EXPECT_TRUE(letsThrough(Policy::everything)) << start << rest;
+    store.run(std::string{"INSERT INTO "} + row);
+    EXPECT_EQ(letsThrough(Policy::showable), hiddenFrom == Reach::nobody) << row;
+    EXPECT_EQ(letsThrough(Policy::notDeleted), hiddenFrom != Reach::notDeletedToo) << row;
+    EXPECT_TRUE(letsThrough(Policy::everything)) << row;
     store.run("ROLLBACK TO before");
     store.run("RELEASE before");
   }
