@@ -29,7 +29,9 @@ class WriterProcess {
     const auto firstText = std::to_string(first);
     const auto countText = std::to_string(count);
     std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0 || (process_ = fork()) < 0) {
+    const bool hasPipe = pipe2(ends.data(), O_CLOEXEC) == 0;
+    process_ = hasPipe ? fork() : -1;
+    if (process_ < 0) {
       throw std::system_error(errno, std::generic_category(), "starting a writer");
     }
     if (process_ == 0) {

@@ -11,6 +11,10 @@
 namespace orvan {
 namespace {
 
+using testing::AllOf;
+using testing::Property;
+using testing::Throws;
+
 Connection notesInMemory(std::size_t statementCacheCapacity = 128) {
   ConnectionConfiguration configuration;
   configuration.mode = OpenMode::readWrite;
@@ -27,17 +31,6 @@ std::vector<sqlite3_stmt*> compiledStatements(Connection& connection) {
     statements.push_back(next);
   }
   return statements;
-}
-
-template <typename Attempt>
-StoreError storeErrorOf(Attempt attempt) {
-  try {
-    attempt();
-  } catch (const StoreError& error) {
-    return error;
-  }
-  ADD_FAILURE() << "no error";
-  return StoreError{StoreFault::rowMissing, ""};
 }
 
 TEST(Statements, AreCompiledOnceForEachTextAndStartFreshEachTime) {
@@ -97,9 +90,7 @@ TEST(Rows, WithAnythingButTextInATextColumnAreDamage) {
     auto rows = connection.query(std::string{"SELECT "} + value);
     ASSERT_TRUE(rows.next());
     EXPECT_FALSE(rows.holdsText(Column{0})) << value;
-    const auto error = storeErrorOf([&] { (void)rows.optionalText(Column{0}); });
-    EXPECT_EQ(error.code(), StoreFault::columnIsNotText) << value;
-    EXPECT_EQ(error.extendedCode(), 0);
+    EXPECT_EQ(faultOf([&] { return rows.optionalText(Column{0}); }), StoreFault::columnIsNotText) << value;
   }
 }
 
@@ -107,11 +98,12 @@ TEST(Faults, CarryTheExtendedCodeAndTheStatementButNoBoundValue) {
   auto connection = notesInMemory();
   const std::string insertion = "INSERT INTO note VALUES (?, ?)";
   connection.execute(insertion, 7, "kept");
-  const auto error = storeErrorOf([&] { connection.execute(insertion, 7, "private words"); });
-  EXPECT_EQ(error.extendedCode(), SQLITE_CONSTRAINT_PRIMARYKEY);
-  EXPECT_EQ(error.statement(), insertion);
-  EXPECT_THAT(error.what(), testing::Not(testing::HasSubstr("private")));
-  EXPECT_EQ(storeErrorOf([&] { connection.execute("SELECT nonsense"); }).statement(), "SELECT nonsense");
+  EXPECT_THAT([&] { connection.execute(insertion, 7, "private words"); },
+              Throws<StoreError>(AllOf(Property(&StoreError::extendedCode, SQLITE_CONSTRAINT_PRIMARYKEY),
+                                       Property(&StoreError::statement, insertion),
+                                       Property(&StoreError::what, testing::Not(testing::HasSubstr("private"))))));
+  EXPECT_THAT([&] { connection.execute("SELECT nonsense"); },
+              Throws<StoreError>(Property(&StoreError::statement, "SELECT nonsense")));
 }
 
 TEST(Transactions, EndAsTheyBeganWhateverIsThrown) {
@@ -141,9 +133,9 @@ TEST(Transactions, WaitForTheWriteLockAsLongAsTheConnectionWasPreparedTo) {
   Connection waiting(folder.path() / "store.db", configuration);
   const Transaction held(holder, TransactionKind::write);
   const auto start = std::chrono::steady_clock::now();
-  const auto error = storeErrorOf([&] { const Transaction vain(waiting, TransactionKind::write); });
+  EXPECT_THAT([&] { const Transaction vain(waiting, TransactionKind::write); },
+              Throws<StoreError>(Property(&StoreError::extendedCode, SQLITE_BUSY)));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds{20});
-  EXPECT_EQ(error.extendedCode(), SQLITE_BUSY);
   EXPECT_EQ(waiting.fetchOptionalInteger("PRAGMA busy_timeout"), 20) << "SQLite's own waiting is back in force";
 }
 

@@ -69,6 +69,12 @@ TEST(Reason, IsTheLatestAmongTheFirstOfEachListComparedAsText) {
            {{.threads = {threadAt(first), threadAt(later)}}, Kind::openThread, first},
            {{.commitments = {commitmentAt(first), commitmentAt(later)}}, Kind::commitment, first},
            {{.meetings = {meetingAt(first), meetingAt(later)}}, Kind::upcomingInteraction, first},
+           // Equal timestamps leave the choice to the order of kinds.
+           {{{threadAt(first)}, resumptionAt(first), {commitmentAt(first)}, {meetingAt(first)}},
+            Kind::openThread,
+            first},
+           {{{}, resumptionAt(first), {commitmentAt(first)}, {meetingAt(first)}}, Kind::changedContext, first},
+           {{{}, {}, {commitmentAt(first)}, {meetingAt(first)}}, Kind::commitment, first},
            // Unusable evidence is passed over.
            {{.threads = {threadAt(later, "")}, .commitments = {commitmentAt(first)}}, Kind::commitment, first},
            {{.resumption = resumptionAt(first), .meetings = {meetingAt(later + ' ')}}, Kind::changedContext, first},
@@ -79,15 +85,6 @@ TEST(Reason, IsTheLatestAmongTheFirstOfEachListComparedAsText) {
   }
   EXPECT_FALSE(select({})) << "freshness and corrections are no reason";
   EXPECT_FALSE(select({.threads = {threadAt(first, ""), threadAt(later)}}));
-}
-
-TEST(Reason, FollowsTheOrderOfKindsOnEqualTimestamps) {
-  Evidence evidence{{threadAt(first)}, resumptionAt(first), {commitmentAt(first)}, {meetingAt(first)}};
-  EXPECT_THAT(select(evidence), isReason(Kind::openThread, first));
-  evidence.threads.clear();
-  EXPECT_THAT(select(evidence), isReason(Kind::changedContext, first));
-  evidence.resumption.reset();
-  EXPECT_THAT(select(evidence), isReason(Kind::commitment, first));
 }
 
 class Wording : public testing::Test {
