@@ -21,7 +21,6 @@
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "hand_written_apply.h"
 #include "tests/support/disposition_samples.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/faulting_vfs.h"
 #include "tests/support/test_store.h"
 

@@ -9,7 +9,6 @@
 
 #include "OrvanStore/store_error.h"
 #include "tests/support/disposition_samples.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {

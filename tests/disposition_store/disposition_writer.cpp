@@ -3,7 +3,6 @@
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "tests/support/disposition_samples.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {

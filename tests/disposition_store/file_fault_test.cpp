@@ -2,7 +2,6 @@
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "tests/support/disposition_samples.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/faulting_vfs.h"
 #include "tests/support/test_store.h"
 
@@ -13,14 +12,13 @@ using Record = AttentionItemDispositionRecord;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A store with two items, whose content lies partly in a log that was not checkpointed.
+/// A store with two items, whose content lies partly in the log: releasing the store leaves it there.
 class StoreInUse {
  public:
   StoreInUse() {
     createStore(file());
-    const auto store = open();
     for (int number = 0; number < 2; ++number) {
-      apply(*store, number);
+      apply(*open(), number);
     }
     copyFiles(working_.path(), kept_.path());
   }
@@ -63,8 +61,7 @@ class FileFaults : public testing::TestWithParam<std::tuple<Fault, FaultSpan>> {
  protected:
   static void SetUpTestSuite() { deriveKeysQuickly(); }
 
-  /// Opens the store, applies an action whose traces are many, and closes it. Tells whether the caller was given a
-  /// record.
+  /// Opens the store and applies an action whose traces are many. Tells whether the caller was given a record.
   bool applyUnderFaults() const {
     try {
       const auto store = store_.open();
@@ -116,6 +113,7 @@ TEST_P(FileFaults, AreErrorsToTheCallerAndLeaveTheStateBeforeOrAfter) {
     store_.restore();
     files_.failAt(fault.call, ordinal, span, fault.code);
     const bool acknowledged = applyUnderFaults();
+    moveLogIntoStore();
     files_.heal();
     hadFault = files_.hasFailed();
     const bool applied = isApplied();

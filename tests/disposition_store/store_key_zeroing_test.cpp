@@ -10,7 +10,6 @@
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/test_store.h"
 
 namespace {

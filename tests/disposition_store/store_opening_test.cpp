@@ -7,7 +7,6 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler.h"
 #include "tests/support/connection_watch.h"
 #include "tests/support/disposition_samples.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {

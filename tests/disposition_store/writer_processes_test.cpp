@@ -15,7 +15,6 @@
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "tests/support/disposition_samples.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -86,7 +85,8 @@ bool isNightly() {
 
 class WriterProcesses : public testing::Test {
  protected:
-  WriterProcesses() {
+  explicit WriterProcesses(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+      : folder(parent) {
     deriveKeysQuickly();
     createStore(file);
   }
@@ -136,15 +136,14 @@ class KilledWriters : public WriterProcesses {
 
   void expectStates(int count) const {
     AttentionDispositionStore store(file, vault);
-    int found = 0;
-    for (int person = 0; person < std::min(count, 7); ++person) {
-      for (const auto& record : waitFor(store.executor(), store.records(numberedPerson(person)))) {
-        const int number = std::stoi(record.itemKey().substr(std::string{"item-"}.size()));
-        EXPECT_EQ(record, AttentionItemDispositionRecord(numberedItem(number).itemKey(), numberedState(number)));
-        ++found;
+    for (int person = 0; person < 7; ++person) {
+      std::vector<AttentionItemDispositionRecord> expected;
+      for (int number = person; number < count; number += 7) {
+        expected.emplace_back(numberedItem(number).itemKey(), numberedState(number));
       }
+      EXPECT_THAT(waitFor(store.executor(), store.records(numberedPerson(person))),
+                  testing::UnorderedElementsAreArray(expected));
     }
-    EXPECT_EQ(found, count);
   }
 
   const unsigned seed = std::random_device{}();
@@ -164,43 +163,38 @@ TEST_F(KilledWriters, LoseNothingTheyAcknowledgedAndLeaveASoundStore) {
   EXPECT_GT(present, 30) << "the writers wrote too little to prove anything";
 }
 
+/// A shared disk may keep a single sync waiting for seconds, and with it everyone else's turn: by day the store lies
+/// in memory, where nothing but the other processes is waited for.
+std::filesystem::path folderForManyWriters() {
+  const std::filesystem::path memory = "/dev/shm";
+  const bool isUsed = !isNightly() && std::filesystem::exists(memory);
+  return isUsed ? memory : std::filesystem::temp_directory_path();
+}
+
 class TenProcesses : public WriterProcesses {
  protected:
+  TenProcesses() : WriterProcesses(folderForManyWriters()) {}
+
   static constexpr int processes = 10;
   static constexpr int actionsEach = 40;
 
-  /// What the processes were told about each contested place.
-  using StatesByPlace = std::map<int, std::set<std::string>>;
-
   /// Has the processes work at the same time on items of their own and on the contested ones, in opposite directions.
-  StatesByPlace runRound(int round) {
+  /// Gives what they were told about each contested item.
+  std::map<std::string, std::set<std::string>> runRound(int round) {
     std::list<WriterProcess> writers;
     for (int process = 0; process < processes; ++process) {
       const int first = (round * processes + process) * actionsEach;
       writers.emplace_back(file, first, actionsEach, process % 2 == 0 ? "dismiss" : "resolve");
     }
-    StatesByPlace told;
+    std::map<std::string, std::set<std::string>> told;
     for (auto& writer : writers) {
       for (int place = 0; const auto acknowledgement = writer.nextAcknowledgement(); ++place) {
-        told[place].insert(acknowledgement->substr(acknowledgement->find(' ') + 1));
+        told[contestedItem(place).itemKey()].insert(acknowledgement->substr(acknowledgement->find(' ') + 1));
         waitFor(reader.executor(), reader.records(numberedPerson(place)));
       }
       EXPECT_TRUE(writer.succeeded()) << "no writer may meet a lock that outlasts its patience";
     }
     return told;
-  }
-
-  /// What the store holds about each contested place.
-  StatesByPlace stored() {
-    std::map<std::string, std::string> states;
-    for (const auto& record : waitFor(reader.executor(), reader.records(contestedItem(0).personKey()))) {
-      states.emplace(record.itemKey(), caseName(record.state().kind()));
-    }
-    StatesByPlace byPlace;
-    for (int place = 0; place < actionsEach; ++place) {
-      byPlace[place] = {states[contestedItem(place).itemKey()]};
-    }
-    return byPlace;
   }
 
   AttentionDispositionStore reader{file, vault};
@@ -211,7 +205,11 @@ TEST_F(TenProcesses, LoseNoActionAndAgreeOnContestedItemsWhileAnotherReads) {
   int rounds = 0;
   do {
     const auto told = runRound(rounds);
-    EXPECT_EQ(told, stored());
+    const auto records = waitFor(reader.executor(), reader.records(contestedItem(0).personKey()));
+    EXPECT_EQ(records.size(), static_cast<std::size_t>(actionsEach));
+    for (const auto& record : records) {
+      EXPECT_THAT(told.at(record.itemKey()), testing::ElementsAre(caseName(record.state().kind())));
+    }
     ++rounds;
   } while (std::chrono::steady_clock::now() < end && !HasFailure());
   Connection connection(file, keyedConfiguration());

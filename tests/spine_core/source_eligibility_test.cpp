@@ -60,9 +60,9 @@ TEST_F(SourceEligibilityTest, InteractionWithoutAThreadIsStillShown) {
   EXPECT_TRUE(letsThrough(Policy::showable));
 }
 
-TEST_F(SourceEligibilityTest, AsOfTakesInItsWholeSecond) {
-  const auto predicate = SourceEligibility::occurredAtAsOfPredicate(
-      *parseInternetDateTime("2026-03-01T10:00:00Z") + std::chrono::milliseconds{999}, "i.occurred_at");
+TEST(OccurredAtAsOf, TakesInItsWholeSecond) {
+  const Instant asOf = *parseInternetDateTime("2026-03-01T10:00:00Z") + std::chrono::milliseconds{999};
+  const auto predicate = SourceEligibility::occurredAtAsOfPredicate(asOf, "i.occurred_at");
   EXPECT_EQ(predicate.sql, "i.occurred_at <= ?");
   EXPECT_EQ(predicate.argument, "2026-03-01T10:00:00Z");
 }
@@ -71,14 +71,10 @@ TEST_F(SourceEligibilityTest, SourceObjectIsGoneWhenMarkedOrNamedByATombstone) {
   store.run(
       "INSERT INTO source_object VALUES ('kept', '', '', NULL), ('marked', '', '', '2026'), ('named', '', '', NULL)");
   store.run("INSERT INTO deletion_tombstone VALUES ('named', 'source_object', ''), ('kept', 'thread', '')");
-  auto rows =
-      store.connection().query("SELECT id FROM source_object so WHERE " +
-                               SourceEligibility::sourceObjectTombstonedSQL("so", store.connection()) + " ORDER BY id");
-  std::vector<std::string> gone;
-  while (rows.next()) {
-    gone.emplace_back(rows.text(Column{0}));
-  }
-  EXPECT_EQ(gone, (std::vector<std::string>{"marked", "named"}));
+  const auto gone = SourceEligibility::sourceObjectTombstonedSQL("so", store.connection());
+  EXPECT_EQ(
+      store.connection().fetchOptionalText("SELECT group_concat(id ORDER BY id) FROM source_object so WHERE " + gone),
+      "marked,named");
 }
 
 } // namespace

@@ -73,20 +73,17 @@ TEST_F(Pool, AReaderThatFailsToOpenTakesNobodysPlace) {
 
 TEST_F(Pool, ReadsAndWritesFromSeveralThreadsTakeTurns) {
   auto pool = makePool(2);
-  constexpr int threads = 4;
-  constexpr int writesEach = 20;
-  {
-    std::vector<std::jthread> working;
-    for (int number = 0; number < threads; ++number) {
-      working.emplace_back([&pool] {
-        for (int times = 0; times < writesEach; ++times) {
-          pool.write(addNote);
-          EXPECT_GT(pool.read(notes), times);
-        }
-      });
-    }
+  std::vector<std::jthread> working;
+  for (int number = 0; number < 4; ++number) {
+    working.emplace_back([&pool] {
+      for (int times = 0; times < 20; ++times) {
+        pool.write(addNote);
+        EXPECT_GT(pool.read(notes), times);
+      }
+    });
   }
-  EXPECT_EQ(pool.read(notes), threads * writesEach);
+  working.clear();
+  EXPECT_EQ(pool.read(notes), 4 * 20);
   EXPECT_LE(opened_, 3);
 }
 

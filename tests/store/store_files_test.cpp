@@ -7,7 +7,6 @@
 
 #include "OrvanStore/connection.h"
 #include "OrvanStore/store_error.h"
-#include "tests/support/encrypted_store.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {

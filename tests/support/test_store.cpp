@@ -8,7 +8,6 @@
 
 #include "OrvanSpineCore/canonical_schema.h"
 #include "OrvanStore/transaction.h"
-#include "tests/support/encrypted_store.h"
 
 namespace orvan {
 namespace {
@@ -43,6 +42,43 @@ SecretBytes KeyInMemory::bytes() const {
   return key;
 }
 
+void deriveKeysQuickly() {
+  // The setting is the process's, whichever connection it is made on.
+  ConnectionConfiguration configuration;
+  configuration.mode = OpenMode::readWrite;
+  Connection anyConnection(":memory:", configuration);
+  anyConnection.executeScript("PRAGMA cipher_default_kdf_iter = 8");
+}
+
+ConnectionConfiguration keyedConfiguration(OpenMode mode) {
+  ConnectionConfiguration configuration;
+  configuration.mode = mode;
+  configuration.prepare = [](Connection& connection) {
+    connection.key(KeyInMemory{}.bytes().bytes());
+    connection.executeScript("PRAGMA foreign_keys = ON; PRAGMA journal_mode = WAL; PRAGMA wal_autocheckpoint = 0");
+  };
+  return configuration;
+}
+
+void createStore(const std::filesystem::path& file) {
+  Connection connection(file, keyedConfiguration());
+  inTransaction(connection, TransactionKind::write, createCanonicalSchema);
+}
+
+std::vector<std::string> damage(Connection& connection) {
+  std::vector<std::string> findings;
+  for (const char* check : {"PRAGMA integrity_check", "PRAGMA cipher_integrity_check", "PRAGMA foreign_key_check"}) {
+    auto rows = connection.query(check);
+    while (rows.next()) {
+      const auto finding = rows.optionalText(Column{0}).value_or("a finding without text");
+      if (finding != "ok") {
+        findings.emplace_back(finding);
+      }
+    }
+  }
+  return findings;
+}
+
 TestStore::TestStore() : connection_(file(), keyedConfiguration()) {
   connection_.executeScript("PRAGMA foreign_keys = OFF; PRAGMA synchronous = OFF");
   inTransaction(connection_, TransactionKind::write, createCanonicalSchema);
@@ -58,16 +94,12 @@ void TestStore::addPerson(std::string_view key) {
 void TestStore::add(const TestInteraction& interaction) {
   const auto identity = named(interaction.person, "-identity");
   const auto event = named("event-", interaction.id);
-  const bool isInbound = interaction.direction == "inbound";
-  const auto thread = interaction.thread.empty() ? std::nullopt : std::optional<std::string_view>{interaction.thread};
-  if (thread) {
-    run("INSERT OR IGNORE INTO thread VALUES (?, ?)", *thread, interaction.account);
-    run("INSERT OR IGNORE INTO thread_participant VALUES (?, ?)", identity, *thread);
-  }
+  const auto writer = interaction.direction == "inbound" ? std::optional{identity} : std::nullopt;
+  run("INSERT OR IGNORE INTO thread VALUES (?, ?)", interaction.thread, interaction.account);
+  run("INSERT OR IGNORE INTO thread_participant VALUES (?, ?)", identity, interaction.thread);
   run("INSERT INTO source_event VALUES (?, ?, ?)", event, interaction.account, interaction.conversation);
-  run("INSERT INTO interaction VALUES (?, ?, ?, ?, ?, ?, ?)", interaction.id, thread, event,
-      isInbound ? std::optional<std::string>{identity} : std::nullopt, interaction.direction, interaction.kind,
-      interaction.at);
+  run("INSERT INTO interaction VALUES (?, ?, ?, ?, ?, ?, ?)", interaction.id, interaction.thread, event, writer,
+      interaction.direction, interaction.kind, interaction.at);
   run("INSERT INTO interaction_participant VALUES (?, ?)", identity, interaction.id);
 }
 

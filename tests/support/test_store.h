@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/credential_vault.h"
@@ -52,13 +54,26 @@ class KeyInMemory final : public CredentialSource {
   mutable std::atomic<int> timesAsked_ = 0;
 };
 
+/// From now on this process derives keys with few rounds: tests that open a store hundreds of times would spend all
+/// their time there. Stores made before cannot be opened any more.
+void deriveKeysQuickly();
+
+/// A connection with the key that KeyInMemory holds by default, in write-ahead-log mode, which leaves
+/// checkpoints to its caller.
+ConnectionConfiguration keyedConfiguration(OpenMode mode = OpenMode::readWriteCreate);
+
+/// Makes an encrypted store with the canonical schema.
+void createStore(const std::filesystem::path& file);
+
+/// What SQLite and SQLCipher find wrong with the store; empty when it is sound.
+std::vector<std::string> damage(Connection& connection);
+
 /// One interaction with a person and all that belongs to it: its source event ("event-<id>"), its thread, and the
 /// person's part in both. The person wrote it when it is inbound; nobody the store knows did otherwise.
 struct TestInteraction {
   std::string_view id;
   std::string_view at;
   std::string_view person = "ana";
-  /// Empty for none.
   std::string_view thread = "thread";
   std::string_view direction = "inbound";
   std::string_view kind = "message";
