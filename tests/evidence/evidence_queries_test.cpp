@@ -73,7 +73,12 @@ class EvidenceQueriesTest : public testing::Test {
   Connection& connection = store.connection();
 };
 
-class OpenThreads : public EvidenceQueriesTest {};
+using OpenThreads = EvidenceQueriesTest;
+using UpcomingInteractions = EvidenceQueriesTest;
+using Commitments = EvidenceQueriesTest;
+using UserCorrections = EvidenceQueriesTest;
+using SourceFreshness = EvidenceQueriesTest;
+using DamagedRows = EvidenceQueriesTest;
 
 TEST_F(OpenThreads, AreThoseWhoseLastMessageByTheMomentOfEvaluationIsThePersons) {
   const auto* const first = "2026-03-01T10:00:00Z";
@@ -130,8 +135,6 @@ TEST_F(OpenThreads, NewestComeFirstUpToTheLimit) {
   EXPECT_THAT(openThreads("ana", limitedTo(0)), IsEmpty());
 }
 
-class UpcomingInteractions : public EvidenceQueriesTest {};
-
 TEST_F(UpcomingInteractions, LieAfterTheMomentOfEvaluationUpToTheEndOfTheWindow) {
   addMeeting("now", "2026-03-05T12:00:00Z");
   addMeeting("soon", "2026-03-05T12:00:01Z");
@@ -153,8 +156,6 @@ TEST_F(UpcomingInteractions, AreListedOnceForAPersonWithTwoIdentities) {
   EXPECT_THAT(meetings(), ElementsAre("m"));
   EXPECT_EQ(historyLength(), 1U);
 }
-
-class Commitments : public EvidenceQueriesTest {};
 
 TEST_F(Commitments, AreOpenLoopsThatRestOnEvidenceAboutThePerson) {
   const auto* const at = "2026-03-01T10:00:00Z";
@@ -183,8 +184,6 @@ TEST_F(Commitments, AreHiddenWithTheThreadOfTheirEvidencesFirstInteraction) {
   EXPECT_THAT(commitments(), IsEmpty());
 }
 
-class UserCorrections : public EvidenceQueriesTest {};
-
 TEST_F(UserCorrections, AreCountedFromTheStartOfTheWindowWithoutAnEnd) {
   using testing::Pair;
   EXPECT_THAT(corrections(), Pair(0, std::nullopt));
@@ -207,8 +206,6 @@ TEST_F(UserCorrections, ConcernThePersonTheirClaimsAndTheirMemberships) {
   EXPECT_THAT(corrections(), testing::Pair(3, "2026-03-03T12:00:00Z"));
 }
 
-class SourceFreshness : public EvidenceQueriesTest {};
-
 TEST_F(SourceFreshness, IsThatOfTheAccountsThePersonIsSeenInByAccountAndOperation) {
   store.run(
       "INSERT INTO source_progress_projection VALUES ('mail', 'sync', 'current', '2026-03-05T11:00:00Z'),"
@@ -222,8 +219,6 @@ TEST_F(SourceFreshness, IsThatOfTheAccountsThePersonIsSeenInByAccountAndOperatio
                                        Freshness("mail", "backfill", "unknown", std::nullopt),
                                        Freshness("mail", "sync", "current", "2026-03-05T11:00:00Z")));
 }
-
-class DamagedRows : public EvidenceQueriesTest {};
 
 TEST_F(DamagedRows, ThatLackAColumnArePassedOverAfterTheLimitWasApplied) {
   for (const char* id : {"1", "2"}) {

@@ -106,10 +106,10 @@ void TestStore::add(const TestInteraction& interaction) {
 void TestStore::add(const TestOpenLoop& loop) {
   const auto claim = named("claim-", loop.id);
   const auto evidence = named("evidence-", loop.id);
-  run("INSERT INTO claim VALUES (?, ?, 'promise', ?)", claim, loop.person, loop.at);
+  run("INSERT INTO claim VALUES (?, 'ana', 'promise', ?)", claim, loop.at);
   run("INSERT INTO claim_evidence VALUES (?, ?, ?)", evidence, claim, loop.event);
-  run("INSERT INTO open_loop VALUES (?, ?, ?, ?, ?, ?, ?)", loop.id, loop.person, loop.kind, evidence, loop.at,
-      loop.state, loop.at);
+  run("INSERT INTO open_loop VALUES (?, 'ana', 'promise', ?, ?, ?, ?)", loop.id, evidence, loop.at, loop.state,
+      loop.at);
 }
 
 } // namespace orvan

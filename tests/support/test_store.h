@@ -81,13 +81,11 @@ struct TestInteraction {
   std::string_view account = "mail";
 };
 
-/// An open loop that rests on evidence ("evidence-<id>") of a claim ("claim-<id>") about the same person.
+/// A promise about "ana" that rests on evidence ("evidence-<id>") of a claim ("claim-<id>") about her.
 struct TestOpenLoop {
   std::string_view id;
   std::string_view at;
-  std::string_view person = "ana";
   std::string_view state = "open";
-  std::string_view kind = "promise";
   /// The source event behind the evidence.
   std::string_view event = "event-of-evidence";
 };
