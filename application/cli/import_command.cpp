@@ -5,6 +5,7 @@
 #include <set>
 
 #include "OrvanPlatform/human_date.h"
+#include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/white_space.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
@@ -14,7 +15,6 @@
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
-#include "application/store/application_store.h"
 
 namespace orvan {
 namespace {
@@ -58,24 +58,21 @@ std::string normalizedAddress(const std::string& written) {
   return address;
 }
 
-/// Those given, or those that an earlier import was told.
-std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, DatabaseQueue& store) {
-  std::vector<std::string> addresses;
-  addresses.reserve(arguments.ownAddresses.size());
+/// Those given and those that earlier imports were told, whichever calendar or mailbox they were told with.
+std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Instant now, DatabaseQueue& store) {
+  std::vector<std::string> given;
+  given.reserve(arguments.ownAddresses.size());
   for (const auto& written : arguments.ownAddresses) {
-    addresses.push_back(normalizedAddress(written));
+    given.push_back(normalizedAddress(written));
   }
-  if (addresses.empty()) {
-    const auto known = store.write([](Connection& connection) {
-      createImportTables(connection);
-      return ownAddresses(connection);
-    });
-    addresses.assign(known.begin(), known.end());
-  }
-  if (addresses.empty()) {
+  const auto all = store.write([&](Connection& connection) {
+    createImportTables(connection);
+    return rememberOwnAddresses(given, formatInternetDateTime(now), connection);
+  });
+  if (all.empty()) {
     throw CommandFailure(ExitCode::wrongCommandLine, "Say which addresses are yours: --me ADDRESS...");
   }
-  return addresses;
+  return {all.begin(), all.end()};
 }
 
 /// Imports one source after the other and tells of each.
@@ -90,7 +87,6 @@ class ImportRun {
     const auto report =
         importer.import(source, [&](const MailReport& soFar, std::uint64_t bytesRead, std::uint64_t bytesTotal) {
           progress.show(soFar, bytesRead, bytesTotal);
-          ApplicationStore::checkpointIfLarge(context_.workspace.settings().store, store_);
         });
     progress.clear();
     if (context_.output == OutputForm::human) {
@@ -111,7 +107,6 @@ class ImportRun {
   }
 
   void finish() const {
-    ApplicationStore::checkpoint(context_.workspace.settings().store, store_);
     if (context_.output == OutputForm::json) {
       printJson({{"mail", mail_}, {"calendars", calendars_}});
     }
@@ -139,7 +134,7 @@ void runImport(const CommandContext& context, const ImportArguments& arguments) 
                          "Say what to import: --mbox FILE, --maildir FOLDER or --ics FILE.");
   }
   auto& store = context.workspace.writableStore();
-  ImportRun run(context, store, ownAddressesFor(arguments, store));
+  ImportRun run(context, store, ownAddressesFor(arguments, context.workspace.settings().asOf, store));
   for (const auto& path : arguments.mboxes) {
     MboxSource source(path);
     run.mail(source, path);

@@ -1,12 +1,11 @@
 #include "application/import/calendar/attendee_list.h"
 
-#include <unicode/unistr.h>
-
 #include <algorithm>
 #include <cctype>
 #include <string_view>
 #include <utility>
 
+#include "OrvanPlatform/printable_text.h"
 #include "OrvanPlatform/white_space.h"
 
 namespace orvan {
@@ -108,10 +107,7 @@ std::string displayText(const char* text) {
   if (text == nullptr) {
     return {};
   }
-  std::string shown;
-  icu::UnicodeString::fromUTF8(text).toUTF8String(shown); // Puts U+FFFD in place of what is not UTF-8.
-  std::ranges::replace_if(shown, [](unsigned char c) { return c < 0x20 || c == 0x7f; }, ' ');
-  return std::string{trimmed(shown)};
+  return std::string{trimmed(printableText(text))};
 }
 
 } // namespace orvan

@@ -22,11 +22,11 @@ class CalendarSourceCategory final : public std::error_category {
   std::string message(int code) const override {
     switch (static_cast<CalendarSourceError>(code)) {
       case CalendarSourceError::cannotRead:
-        return "the file cannot be read";
+        return "The calendar file cannot be read; check that it is there and that you may read it.";
       case CalendarSourceError::notACalendar:
-        return "the file holds no iCalendar data";
+        return "The file holds no calendar; name one in iCalendar form (.ics).";
     }
-    return "unknown calendar error";
+    return "The calendar cannot be read.";
   }
 };
 

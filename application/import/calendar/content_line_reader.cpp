@@ -50,7 +50,12 @@ ContentLineReader::ContentLineReader(const std::filesystem::path& file) {
   }
 }
 
-std::optional<ContentLine> ContentLineReader::next() {
+/// The stream's buffer, which is read directly for speed, throws an exception of its own when the system fails.
+std::optional<ContentLine> ContentLineReader::next() try { return readLine(); } catch (const std::ios_base::failure&) {
+  throw Error(CalendarSourceError::cannotRead, "reading the calendar file");
+}
+
+std::optional<ContentLine> ContentLineReader::readLine() {
   ContentLine line{.offset = position_, .text = {}, .cut = false};
   if (stream_.rdbuf()->sgetc() == endOfFile) {
     return std::nullopt;

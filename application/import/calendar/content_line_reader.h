@@ -35,6 +35,7 @@ class ContentLineReader {
   void seek(std::uint64_t offset);
 
  private:
+  std::optional<ContentLine> readLine();
   void readPhysicalLine(ContentLine& line);
   int take();
 

@@ -33,11 +33,12 @@ CREATE TABLE IF NOT EXISTS pending_question (
 ) STRICT, WITHOUT ROWID;
 CREATE INDEX IF NOT EXISTS pending_question_by_thread ON pending_question (thread_id);
 
--- Which calendar file a meeting came from and at which of its imports it was seen last.
+-- Which calendar files list a meeting and at which import of each it was seen last.
 CREATE TABLE IF NOT EXISTS calendar_entry (
-  interaction_id TEXT NOT NULL PRIMARY KEY,
+  interaction_id TEXT NOT NULL,
   calendar TEXT NOT NULL,
-  seen_in INTEGER NOT NULL
+  seen_in INTEGER NOT NULL,
+  PRIMARY KEY (interaction_id, calendar)
 ) STRICT, WITHOUT ROWID;
 CREATE INDEX IF NOT EXISTS calendar_entry_by_calendar ON calendar_entry (calendar, seen_in);
 )sql");

@@ -220,9 +220,10 @@ MailImporter::MailImporter(DatabaseQueue& store, ImportContext context, std::siz
 
 MailReport MailImporter::import(MailSource& source, const MailProgress& progress) {
   const auto now = formatInternetDateTime(context_.now);
-  const auto account = mailAccountOf(context_.ownAddresses.front());
+  SourceAccount account;
   const auto ownAddresses = store_.write([&](Connection& connection) {
     createImportTables(connection);
+    account = mailAccountOf(context_.ownAddresses.front(), connection);
     recordImportStarted(account, now, connection);
     return rememberOwnAddresses(context_.ownAddresses, now, connection);
   });

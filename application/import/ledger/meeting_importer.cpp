@@ -77,7 +77,7 @@ bool markSeen(const std::string& interactionID, const std::string& calendar, std
   connection.execute(R"sql(
 INSERT INTO calendar_entry (interaction_id, calendar, seen_in)
 VALUES (?, ?, ?)
-ON CONFLICT(interaction_id) DO UPDATE SET calendar = excluded.calendar, seen_in = excluded.seen_in
+ON CONFLICT(interaction_id, calendar) DO UPDATE SET seen_in = excluded.seen_in
 )sql",
                      interactionID, calendar, import);
   return isKnown;
@@ -113,21 +113,26 @@ WHERE interaction_id = ?1 AND source_identity_id IN (
                      interactionID);
 }
 
-void withdraw(const std::string& interactionID, Connection& connection) {
+/// The meeting itself goes with the last calendar that lists it; whether it did.
+bool withdraw(const std::string& interactionID, const std::string& calendar, Connection& connection) {
+  connection.execute("DELETE FROM calendar_entry WHERE interaction_id = ? AND calendar = ?", interactionID, calendar);
+  if (connection.fetchOptionalInteger("SELECT 1 FROM calendar_entry WHERE interaction_id = ?", interactionID)) {
+    return false;
+  }
   deleteParticipants(interactionID, connection);
   connection.execute("DELETE FROM interaction WHERE id = ?", interactionID);
   connection.execute("DELETE FROM source_event WHERE id = ?", interactionID);
-  connection.execute("DELETE FROM calendar_entry WHERE interaction_id = ?", interactionID);
+  return true;
 }
 
 /// One import of one calendar, from its start to its end.
 class CalendarImport {
  public:
-  CalendarImport(SourceAccount account, std::string calendar, std::string now)
-      : account_(std::move(account)), calendar_(std::move(calendar)), now_(std::move(now)) {}
+  CalendarImport(std::string calendar, std::string now) : calendar_(std::move(calendar)), now_(std::move(now)) {}
 
   void begin(const std::vector<std::string>& ownAddresses, Connection& connection) {
     createImportTables(connection);
+    account_ = calendarAccountOf(ownAddresses.front(), connection);
     recordImportStarted(account_, now_, connection);
     ownAddresses_ = rememberOwnAddresses(ownAddresses, now_, connection);
     number_ = numberOfThisImport(calendar_, connection);
@@ -138,7 +143,8 @@ class CalendarImport {
     HistoryRows rows;
     for (const auto& meeting : meetings) {
       auto participants = noteParticipants(meeting, people);
-      if (participants.empty()) {
+      if (participants.empty()) { // The source knew fewer of the user's addresses.
+        ++report.skipped[CalendarSkip::nobodyElse];
         continue;
       }
       auto row = rowOf(meeting, std::move(participants));
@@ -158,8 +164,7 @@ class CalendarImport {
 
   void end(CalendarWindow window, MeetingReport& report, Connection& connection) {
     for (const auto& interactionID : notSeenIn(number_, calendar_, window, connection)) {
-      withdraw(interactionID, connection);
-      ++report.withdrawn;
+      report.withdrawn += withdraw(interactionID, calendar_, connection) ? 1 : 0;
     }
     recordImportSucceeded(account_, now_, connection);
   }
@@ -194,8 +199,7 @@ MeetingImporter::MeetingImporter(DatabaseQueue& store, ImportContext context, co
       calendar_(stableID(std::filesystem::weakly_canonical(file).native(), calendarNameLength)) {}
 
 MeetingReport MeetingImporter::import(CalendarSource& source) {
-  CalendarImport import(calendarAccountOf(context_.ownAddresses.front()), calendar_,
-                        formatInternetDateTime(context_.now));
+  CalendarImport import(calendar_, formatInternetDateTime(context_.now));
   store_.write([&](Connection& connection) { import.begin(context_.ownAddresses, connection); });
 
   MeetingReport report;
@@ -207,7 +211,9 @@ MeetingReport MeetingImporter::import(CalendarSource& source) {
   }
   store_.write([&](Connection& connection) { import.end(importWindow(context_.now), report, connection); });
   report.events = static_cast<std::int64_t>(source.eventCount());
-  report.skipped = source.skipped();
+  for (const auto& [reason, count] : source.skipped()) {
+    report.skipped[reason] += count;
+  }
   report.notices = source.notices();
   return report;
 }

@@ -18,7 +18,7 @@ struct MeetingReport {
   std::int64_t meetings = 0;
   std::int64_t imported = 0;
   std::int64_t known = 0;
-  /// Imported from this calendar before, and no longer in it.
+  /// Imported from this calendar before, and no longer in it or in any other.
   std::int64_t withdrawn = 0;
   std::map<CalendarSkip, std::size_t> skipped;
   std::map<CalendarNotice, std::size_t> notices;
@@ -28,7 +28,8 @@ struct MeetingReport {
 CalendarWindow importWindow(Instant now);
 
 /// Brings meetings into the canonical tables. A calendar can be imported again when it has changed: meetings that moved
-/// take their new time, and those that are gone from it (cancelled, declined or deleted) are withdrawn.
+/// take their new time, and those that are gone from it (cancelled, declined or deleted) are withdrawn unless another
+/// calendar lists them.
 class MeetingImporter {
  public:
   /// `file` only names the calendar, so that its earlier import is found again.

@@ -1,25 +1,46 @@
 #include "application/import/ledger/source_progress.h"
 
+#include <optional>
+#include <utility>
+
 #include "application/import/ledger/stable_id.h"
 
 namespace orvan {
 namespace {
 
+/// Short, because every source event names its account.
 constexpr std::size_t accountLength = 8;
 
-/// Short, because every source event names its account.
-std::string accountID(std::string_view sourceType, std::string_view ownAddress) {
-  return std::string{sourceType} + "-" + stableID(ownAddress, accountLength);
+/// The oldest one that the operation reported on. Accounts that other programs keep are left to them.
+std::optional<std::string> accountOf(std::string_view operation, Connection& connection) {
+  return connection.fetchOptionalText(R"sql(
+SELECT account.id
+FROM source_progress_projection progress
+JOIN source_account account ON account.id = progress.source_account_id
+WHERE progress.operation = ?
+ORDER BY account.created_at, account.id
+LIMIT 1
+)sql",
+                                      operation);
+}
+
+SourceAccount accountFor(std::string sourceType, std::string_view ownAddress, Connection& connection) {
+  auto operation = "import_" + sourceType;
+  auto id = accountOf(operation, connection);
+  if (!id) {
+    id = sourceType + "-" + stableID(ownAddress, accountLength);
+  }
+  return {*std::move(id), std::move(sourceType), std::move(operation)};
 }
 
 } // namespace
 
-SourceAccount mailAccountOf(std::string_view ownAddress) {
-  return {accountID("mail", ownAddress), "mail", "import_mail"};
+SourceAccount mailAccountOf(std::string_view ownAddress, Connection& connection) {
+  return accountFor("mail", ownAddress, connection);
 }
 
-SourceAccount calendarAccountOf(std::string_view ownAddress) {
-  return {accountID("calendar", ownAddress), "calendar", "import_calendar"};
+SourceAccount calendarAccountOf(std::string_view ownAddress, Connection& connection) {
+  return accountFor("calendar", ownAddress, connection);
 }
 
 void recordImportStarted(const SourceAccount& account, std::string_view now, Connection& connection) {

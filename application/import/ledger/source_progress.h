@@ -16,9 +16,10 @@ struct SourceAccount {
   std::string operation;
 };
 
-/// The accounts of the user with this address.
-SourceAccount mailAccountOf(std::string_view ownAddress);
-SourceAccount calendarAccountOf(std::string_view ownAddress);
+/// The account that this store's mail, or calendars, belong to. The first import names it after `ownAddress`; it stays
+/// whichever addresses later imports are told, so that what is known of its freshness holds for all of it.
+SourceAccount mailAccountOf(std::string_view ownAddress, Connection& connection);
+SourceAccount calendarAccountOf(std::string_view ownAddress, Connection& connection);
 
 /// Both run within the caller's transaction. Until an import ends well, what it brought is marked "stale"; then
 /// "current" as of `now`.
