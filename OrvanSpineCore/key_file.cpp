@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <span>
 #include <string>
 #include <utility>
@@ -81,6 +82,35 @@ void writeAll(int descriptor, std::span<const unsigned char> bytes) {
   }
 }
 
+/// A file beside the key's, readable by its owner alone, and gone at the end. Half a key under the key's own name would
+/// pass for one, so the name is given to a file that is whole.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::filesystem::path& beside)
+      : path_(beside.native() + ".XXXXXX"), file_(mkostemp(path_.data(), O_CLOEXEC)) {
+    if (!file_.isOpen()) {
+      fail(CredentialVaultError::accessFailed, "creating the key file");
+    }
+  }
+  ~TemporaryFile() { unlink(path_.c_str()); }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  int descriptor() const noexcept { return file_.number(); }
+
+  /// Gives the file the name `path`, unless that is taken.
+  void appearAs(const std::filesystem::path& path) const {
+    if (link(path_.c_str(), path.c_str()) != 0) {
+      fail(errno == EEXIST ? CredentialVaultError::keyExists : CredentialVaultError::accessFailed,
+           "naming the key file");
+    }
+  }
+
+ private:
+  std::string path_;
+  Descriptor file_;
+};
+
 /// A new file's name survives a crash only once its directory is synced.
 void syncDirectory(const std::filesystem::path& directory) {
   const Descriptor opened{open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
@@ -112,21 +142,12 @@ void KeyFile::create() const {
   if (RAND_priv_bytes(key.bytes().data(), static_cast<int>(key.size())) != 1) {
     fail(CredentialVaultError::accessFailed, "making a random key");
   }
-  constexpr mode_t ownerOnly = 0600;
-  const Descriptor file{open(path_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, ownerOnly)};
-  if (!file.isOpen()) {
-    fail(errno == EEXIST ? CredentialVaultError::keyExists : CredentialVaultError::accessFailed,
-         "creating the key file");
+  const TemporaryFile file(path_);
+  writeAll(file.descriptor(), key.bytes());
+  if (fsync(file.descriptor()) != 0) {
+    fail(CredentialVaultError::accessFailed, "syncing the key file");
   }
-  try {
-    writeAll(file.number(), key.bytes());
-    if (fsync(file.number()) != 0) {
-      fail(CredentialVaultError::accessFailed, "syncing the key file");
-    }
-  } catch (...) { // Half a key would pass for one from now on.
-    unlink(path_.c_str());
-    throw;
-  }
+  file.appearAs(path_);
   syncDirectory(path_.has_parent_path() ? path_.parent_path() : ".");
 }
 

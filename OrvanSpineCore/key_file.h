@@ -20,8 +20,9 @@ class KeyFile final : public CredentialSource {
   /// can read or write, or that belongs to someone else, is refused with keyFileNotPrivate.
   std::optional<SecretBytes> loadLocalStoreKey() const override;
 
-  /// Makes a new random key of keyLength bytes and writes it, synced to disk. Refuses with keyExists when the file is
-  /// there. The caller makes sure that no store exists yet: a store's content is lost with its key.
+  /// Makes a new random key of keyLength bytes and writes it, synced to disk; whatever interrupts it, the file is there
+  /// with the whole key or not at all. Refuses with keyExists when the file is there. The caller makes sure that no
+  /// store exists yet: a store's content is lost with its key.
   void create() const;
 
  private:
