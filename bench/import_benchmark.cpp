@@ -116,7 +116,7 @@ Import importInto(const std::filesystem::path& store, const std::filesystem::pat
   done.report = importer.import(source, [&](const MailReport&, std::uint64_t, std::uint64_t) {
     done.largestLog = std::max(done.largestLog, ApplicationStore::logSize(store));
   });
-  ApplicationStore::checkpoint(store, *queue);
+  ApplicationStore::checkpoint(*queue);
   done.seconds = watch.seconds();
   done.writerSeconds = processorSeconds(RUSAGE_THREAD) - writerBefore;
   done.readerSeconds = processorSeconds(RUSAGE_SELF) - processBefore - done.writerSeconds;

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "OrvanPlatform/white_space.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
 
 namespace orvan {
@@ -13,42 +14,50 @@ namespace {
 
 using Records = std::vector<AttentionItemDispositionRecord>;
 
-NotShownReason reasonFor(AttentionItemState::Kind state) {
+/// What hides an item of that state; nothing hides an active one.
+std::optional<NotShownReason> reasonFor(AttentionItemState::Kind state) {
   switch (state) {
     case AttentionItemState::Kind::snoozed:
       return NotShownReason::snoozed;
     case AttentionItemState::Kind::dismissed:
       return NotShownReason::dismissed;
     case AttentionItemState::Kind::resolved:
+      return NotShownReason::resolved;
     case AttentionItemState::Kind::active:
       break;
   }
-  return NotShownReason::resolved;
+  return std::nullopt;
+}
+
+/// Why there is no item for the person, whatever was decided; nothing when there is one.
+std::optional<NotShownReason> reasonWithoutItem(const ProjectedPerson& person, const AttentionEvidenceBundle* bundle,
+                                                const std::optional<AttentionCatchUpItem>& item) {
+  if (item) {
+    return std::nullopt;
+  }
+  if (bundle == nullptr) {
+    return NotShownReason::noEvidence;
+  }
+  if (!AttentionWhyNowSelector::select(*bundle)) {
+    return NotShownReason::noValidReason;
+  }
+  return trimmed(person.displayName()).empty() ? NotShownReason::noName : NotShownReason::noItemKey;
 }
 
 /// Explains a person who was looked at and has no item on the list.
-NotShown explain(const ProjectedPerson& person, const AttentionEvidenceBundle* bundle, const Records& records,
-                 Instant asOf) {
-  NotShown notShown{person.personKey(), person.displayName(), NotShownReason::noEvidence, std::nullopt, std::nullopt};
-  if (bundle == nullptr) {
-    return notShown;
-  }
-  if (!AttentionWhyNowSelector::select(*bundle)) {
-    notShown.reason = NotShownReason::noValidReason;
-    return notShown;
-  }
-  const auto item = itemOf(person, *bundle, asOf);
-  if (!item) {
-    notShown.reason = NotShownReason::noItemKey;
-    return notShown;
+std::optional<NotShown> explain(const ProjectedPerson& person, const AttentionEvidenceBundle* bundle,
+                                const Records& records, Instant asOf) {
+  const auto item = bundle == nullptr ? std::nullopt : itemOf(person, *bundle, asOf);
+  if (const auto reason = reasonWithoutItem(person, bundle, item)) {
+    return NotShown{person.personKey(), person.displayName(), *reason, std::nullopt, std::nullopt};
   }
   const auto record = std::ranges::find(records, item->itemKey(), &AttentionItemDispositionRecord::itemKey);
   const auto state = AttentionItemDispositionTransition::state(
       item->itemKey(), record == records.end() ? std::nullopt : std::optional{*record}, asOf);
-  notShown.reason = reasonFor(state.kind());
-  notShown.itemKey = item->itemKey();
-  notShown.until = state.until();
-  return notShown;
+  const auto reason = reasonFor(state.kind());
+  return reason ? std::optional{NotShown{person.personKey(), person.displayName(), *reason, item->itemKey(),
+                                         state.until()}}
+                : std::nullopt;
 }
 
 } // namespace
@@ -91,9 +100,12 @@ CatchUpList makeCatchUpList(Workspace& workspace, Explanation explanation) {
     shown.insert(item.personKey());
   }
   for (const auto& person : lookedAt) {
-    if (!shown.contains(person.personKey())) {
-      const auto found = bundleOf.find(person.personKey());
-      list.notShown.push_back(explain(person, found == bundleOf.end() ? nullptr : found->second, records, asOf));
+    if (shown.contains(person.personKey())) {
+      continue;
+    }
+    const auto found = bundleOf.find(person.personKey());
+    if (auto notShown = explain(person, found == bundleOf.end() ? nullptr : found->second, records, asOf)) {
+      list.notShown.push_back(*std::move(notShown));
     }
   }
   for (const auto& person : std::span{projected}.subspan(lookedAt.size())) {

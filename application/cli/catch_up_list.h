@@ -13,6 +13,8 @@ namespace orvan {
 enum class NotShownReason {
   noEvidence,
   noValidReason,
+  /// There is a reason, and a name of blanks alone.
+  noName,
   noItemKey,
   snoozed,
   dismissed,

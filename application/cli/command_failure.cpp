@@ -45,14 +45,14 @@ std::string sentenceOf(const StoreError& error) {
   switch (error.extendedCode() & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      return "Another program kept the store busy for too long; try again.";
+      return make_error_code(ApplicationStoreError::storeBusy).message();
     case SQLITE_FULL:
-      return "The disk is full; make room and try again: nothing was lost.";
+      return make_error_code(ApplicationStoreError::diskFull).message();
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
       return "The store is damaged; restore it from a backup ('orvan doctor' tells more).";
     case SQLITE_READONLY:
-      return "The store cannot be written; check that the file and its folder are yours.";
+      return make_error_code(ApplicationStoreError::storeReadOnly).message();
     default:
       return "The store could not be read or written (" + error.code().message() + "); 'orvan doctor' tells more.";
   }
@@ -92,7 +92,7 @@ CommandFailure failureOf(const Error& error) {
   if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
     return {ExitCode::failed, code.message()};
   }
-  return {ExitCode::cannotOpen, "The store file cannot be read (" + code.message() + ")."};
+  return failureOf(ApplicationStoreError::cannotReachStore);
 }
 
 } // namespace

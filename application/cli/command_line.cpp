@@ -6,6 +6,7 @@
 #include <string>
 
 #include "OrvanPlatform/internet_date_time.h"
+#include "OrvanPlatform/printable_text.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 
@@ -27,6 +28,20 @@ struct Invocation {
   std::function<void(const CommandContext&)> run;
 };
 
+/// An empty value is a slip, such as a variable that is not set, and must not stand for the default.
+CLI::Validator notEmpty() {
+  return {[](const std::string& value) { return value.empty() ? "takes a value" : ""; }, ""};
+}
+
+CLI::Validator wholeNumber() {
+  return {[](const std::string& value) {
+            return value.find_first_not_of("0123456789") == std::string::npos && !value.empty()
+                       ? ""
+                       : "takes a number from 0 upwards";
+          },
+          ""};
+}
+
 CLI::App* addCommand(CLI::App& program, Invocation& invocation, const std::string& name, const std::string& about,
                      std::function<void(const CommandContext&)> run) {
   auto* command = program.add_subcommand(name, about);
@@ -36,13 +51,18 @@ CLI::App* addCommand(CLI::App& program, Invocation& invocation, const std::strin
 }
 
 void addGlobalOptions(CLI::App& program, Invocation& invocation) {
-  program.add_option("--store", invocation.store, "The store file (default: in your data folder)")->type_name("FILE");
-  program.add_option("--key-file", invocation.keyFile, "The file with the store's key")->type_name("FILE");
-  program.add_option("--as-of", invocation.asOf, "Take this moment for now: 2026-03-04T09:15:00Z")
-      ->type_name("RFC3339");
+  program.add_option("--store", invocation.store, "The store file (default: in your data folder)")
+      ->type_name("FILE")
+      ->check(notEmpty());
+  program.add_option("--key-file", invocation.keyFile, "The file with the store's key")
+      ->type_name("FILE")
+      ->check(notEmpty());
+  program.add_option("--as-of", invocation.asOf, "Take this moment for now, in whole seconds: 2026-03-04T09:15:00Z")
+      ->type_name("RFC3339")
+      ->check(notEmpty());
   program.add_option("--max-people", invocation.maxPeople, "How many people are looked at, in key order")
       ->type_name("NUMBER")
-      ->check(CLI::NonNegativeNumber)
+      ->check(wholeNumber())
       ->capture_default_str();
   program.add_flag("--json", invocation.isJson, "Print one JSON document instead of text");
 }
@@ -51,10 +71,13 @@ void addImportCommand(CLI::App& program, Invocation& invocation) {
   auto* command = addCommand(program, invocation, "import", "Bring in mail and calendars; safe to repeat",
                              [&invocation](const auto& context) { runImport(context, invocation.import); });
   command->add_option("--me", invocation.import.ownAddresses, "Your own mail addresses (remembered)")
-      ->type_name("ADDRESS");
-  command->add_option("--mbox", invocation.import.mboxes, "An mbox file")->type_name("FILE");
-  command->add_option("--maildir", invocation.import.maildirs, "A Maildir folder")->type_name("FOLDER");
-  command->add_option("--ics", invocation.import.calendars, "An iCalendar file")->type_name("FILE");
+      ->type_name("ADDRESS")
+      ->check(notEmpty());
+  command->add_option("--mbox", invocation.import.mboxes, "An mbox file")->type_name("FILE")->check(notEmpty());
+  command->add_option("--maildir", invocation.import.maildirs, "A Maildir folder")
+      ->type_name("FOLDER")
+      ->check(notEmpty());
+  command->add_option("--ics", invocation.import.calendars, "An iCalendar file")->type_name("FILE")->check(notEmpty());
 }
 
 void addReadingCommands(CLI::App& program, Invocation& invocation) {
@@ -62,12 +85,14 @@ void addReadingCommands(CLI::App& program, Invocation& invocation) {
   addCommand(program, invocation, "bundle", "Show all evidence on one person",
              [&invocation](const auto& context) { runBundle(context, invocation.person); })
       ->add_option("PERSON", invocation.person, "A person's key, name or address")
-      ->required();
+      ->required()
+      ->check(notEmpty());
   addCommand(program, invocation, "bundles", "Show all evidence on everyone who has some", runBundles);
   addCommand(program, invocation, "why", "Say why to get in touch with a person now",
              [&invocation](const auto& context) { runWhy(context, invocation.person); })
       ->add_option("PERSON", invocation.person, "A person's key, name or address")
-      ->required();
+      ->required()
+      ->check(notEmpty());
   addCommand(program, invocation, "catch-up", "List whom to get back in touch with now, and why",
              [&invocation](const auto& context) {
                runCatchUp(context, invocation.isExplained ? Explanation::everyone : Explanation::none);
@@ -80,13 +105,15 @@ CLI::App* addItemCommand(CLI::App& program, Invocation& invocation, const std::s
   auto* command = addCommand(program, invocation, name, about, [&invocation, kind](const auto& context) {
     runItemCommand(context, kind, invocation.item, invocation.until);
   });
-  command->add_option("ITEM", invocation.item, "An item's key, or a person's key, name or address")->required();
+  command->add_option("ITEM", invocation.item, "An item's key, or a person's key, name or address")
+      ->required()
+      ->check(notEmpty());
   return command;
 }
 
 void addDecidingCommands(CLI::App& program, Invocation& invocation) {
   addItemCommand(program, invocation, "snooze", "Hide an item for a while", ItemCommand::snooze)
-      ->add_option("--until", invocation.until, "A moment, a date, 3d, 2w, tomorrow, or a weekday")
+      ->add_option("--until", invocation.until, "A moment in whole seconds, a date, 3d, 2w, tomorrow, or a weekday")
       ->type_name("WHEN")
       ->required();
   addItemCommand(program, invocation, "dismiss", "Hide an item for good", ItemCommand::dismiss);
@@ -94,7 +121,8 @@ void addDecidingCommands(CLI::App& program, Invocation& invocation) {
   addCommand(program, invocation, "records", "Show what was decided about a person",
              [&invocation](const auto& context) { runRecords(context, invocation.person); })
       ->add_option("PERSON", invocation.person, "A person's key, name or address")
-      ->required();
+      ->required()
+      ->check(notEmpty());
 }
 
 void addKeepingCommands(CLI::App& program, Invocation& invocation) {
@@ -127,6 +155,34 @@ int report(const CommandFailure& failure) {
   return static_cast<int>(failure.code());
 }
 
+/// A full disk or a closed pipe shows only now.
+void finishOutput() {
+  std::cout.flush();
+  if (!std::cout) {
+    throw CommandFailure(ExitCode::failed, "The output could not be written; check where it goes.");
+  }
+}
+
+/// What the parser found: a call for help or for the version, or a fault in the words.
+void answer(const CLI::App& program, const CLI::ParseError& found) {
+  if (found.get_exit_code() != 0) {
+    throw CommandFailure(ExitCode::wrongCommandLine,
+                         printableText(found.what()) + "; 'orvan --help' tells what can be said.");
+  }
+  program.exit(found);
+}
+
+void run(const Invocation& invocation) {
+  Workspace workspace(settingsOf(invocation));
+  try {
+    invocation.run({workspace, invocation.isJson ? OutputForm::json : OutputForm::human});
+  } catch (...) {
+    workspace.finish();
+    throw;
+  }
+  workspace.finish();
+}
+
 } // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
@@ -141,14 +197,13 @@ int runCommandLine(int argc, const char* const* argv) {
   addDecidingCommands(program, invocation);
   addKeepingCommands(program, invocation);
   try {
-    program.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::wrongCommandLine);
-  }
-  try {
-    Workspace workspace(settingsOf(invocation));
-    invocation.run({workspace, invocation.isJson ? OutputForm::json : OutputForm::human});
-    std::cout.flush();
+    try {
+      program.parse(argc, argv);
+      run(invocation);
+    } catch (const CLI::ParseError& found) {
+      answer(program, found);
+    }
+    finishOutput();
     return static_cast<int>(ExitCode::done);
   } catch (...) {
     std::cout.flush();

@@ -6,7 +6,6 @@
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
 #include "application/cli/snooze_end.h"
-#include "application/store/application_store.h"
 
 namespace orvan {
 namespace {
@@ -64,17 +63,36 @@ void revalidate(const AttentionCatchUpItem& current, const std::string& itemKey,
   const auto bundle = workspace.bundle(current.personKey());
   if (!AttentionCatchUpSelector::revalidate(itemKey, current.personKey(), current.whyNow().evidenceReferences(),
                                             bundle)) {
-    throw CommandFailure(ExitCode::failed, "The reason has changed meanwhile, so nothing was done. It is now: " +
-                                               current.whyNow().headline());
+    std::string now = current.whyNow().headline();
+    for (const auto& line : current.whyNow().evidenceLines()) {
+      now += " " + line;
+    }
+    throw CommandFailure(ExitCode::failed, "The reason has changed meanwhile, so nothing was done. It is now: " + now);
   }
 }
 
-void printRecord(const CommandContext& context, const AttentionItemDispositionRecord& record) {
+AttentionItemState::Kind stateAfter(ItemCommand command) {
+  switch (command) {
+    case ItemCommand::snooze:
+      return AttentionItemState::Kind::snoozed;
+    case ItemCommand::dismiss:
+      return AttentionItemState::Kind::dismissed;
+    case ItemCommand::resolve:
+      return AttentionItemState::Kind::resolved;
+  }
+  return AttentionItemState::Kind::active;
+}
+
+/// A final decision stays whatever is asked for after it; the user is told rather than left to wonder.
+void printRecord(const CommandContext& context, ItemCommand command, const AttentionItemDispositionRecord& record) {
   if (context.output == OutputForm::json) {
     printJson(toJson(record));
-  } else {
-    HumanOutput{}.record(record);
+    return;
   }
+  if (record.state().kind() != stateAfter(command)) {
+    HumanOutput{}.line("An earlier decision is final and stayed as it was:");
+  }
+  HumanOutput{}.record(record);
 }
 
 } // namespace
@@ -84,19 +102,17 @@ void runItemCommand(const CommandContext& context, ItemCommand command, const st
   auto& workspace = context.workspace;
   const Instant asOf = workspace.settings().asOf;
   const auto action = actionFor(command, until, asOf);
-  workspace.openForReading();
+  workspace.openForDeciding();
   const auto keyedPerson = personKeyIn(item);
   const auto current = currentItem(workspace, keyedPerson ? *keyedPerson : workspace.personKeyOf(item));
   if (keyedPerson) {
     revalidate(current, item, workspace);
   }
   auto& store = workspace.dispositions();
-  printRecord(context, waitFor(store.executor(), store.apply(current, action, asOf)));
-  workspace.checkpointIfLarge();
+  printRecord(context, command, waitFor(store.executor(), store.apply(current, action, asOf)));
 }
 
 void runRecords(const CommandContext& context, const std::string& person) {
-  context.workspace.openForReading();
   const auto records = context.workspace.records(context.workspace.personKeyOf(person));
   if (context.output == OutputForm::json) {
     printJson(toJson(records));

@@ -1,7 +1,7 @@
-#include <sys/stat.h>
-
 #include <functional>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "OrvanPlatform/error.h"
@@ -48,22 +48,52 @@ std::string lookAtKey(const WorkspaceSettings& settings) {
   return "32 bytes, readable by you alone";
 }
 
-std::string lookAtFolder(const WorkspaceSettings& settings) {
-  const auto folder = std::filesystem::absolute(settings.store).parent_path();
-  if (othersMayEnter(folder)) {
-    throw CommandFailure(ExitCode::failed,
-                         "Others can look into the store's folder; take that away with 'chmod 700'. The files in it "
-                         "are private all the same.");
+std::string lookAtFolders(const WorkspaceSettings& settings) {
+  for (const auto& file : {settings.store, settings.keyFile}) {
+    if (othersMayEnter(std::filesystem::absolute(file).parent_path())) {
+      throw CommandFailure(ExitCode::failed,
+                           "Others can look into the folder of the store or of its key; take that away with 'chmod "
+                           "700'. The files in it are private all the same.");
+    }
   }
   return "open to you alone";
 }
 
+std::string lookAtFiles(const WorkspaceSettings& settings) {
+  ApplicationStore::requireUsableFile(settings.store);
+  return "the store and its log are yours alone";
+}
+
 std::string lookAtStore(DatabaseQueue& store) {
   return store.read([](Connection& connection) {
-    const auto version = connection.fetchOptionalText("PRAGMA cipher_version").value_or("unknown");
     const auto people = connection.fetchOptionalInteger("SELECT count(*) FROM person").value_or(0);
-    return "opens with the key, SQLCipher " + version + ", " + std::to_string(people) + " people";
+    return "opens with the key, " + std::to_string(people) + " people";
   });
+}
+
+/// "4.6.1 community" and the like.
+std::string lookAtEngine(DatabaseQueue& store) {
+  const auto version = store.read(
+      [](Connection& connection) { return connection.fetchOptionalText("PRAGMA cipher_version").value_or(""); });
+  constexpr std::pair oldestUsable{4, 5};
+  std::pair<int, int> found{0, 0};
+  char dot = 0;
+  std::istringstream{version} >> found.first >> dot >> found.second;
+  if (found < oldestUsable) {
+    throw CommandFailure(ExitCode::failed,
+                         "SQLCipher is older than 4.5; install a newer one and start the program with that.");
+  }
+  return "SQLCipher " + version;
+}
+
+std::string lookAtSchema(DatabaseQueue& store) {
+  const auto missing = store.read(ApplicationStore::missingSchemaParts);
+  if (!missing.empty()) {
+    throw CommandFailure(ExitCode::failed, "The store lacks " + missing.front() +
+                                               (missing.size() == 1 ? "" : " and more") +
+                                               "; restore it from a backup.");
+  }
+  return "all tables, columns and indices are there";
 }
 
 /// Every page carries a code that tells whether it is as it was written.
@@ -93,13 +123,16 @@ std::string lookAtLog(const WorkspaceSettings& settings) {
 std::vector<Finding> examine(const WorkspaceSettings& settings, const CredentialVault& vault) {
   std::vector<Finding> findings;
   findings.push_back(lookAt("key", [&] { return lookAtKey(settings); }));
-  findings.push_back(lookAt("folder", [&] { return lookAtFolder(settings); }));
+  findings.push_back(lookAt("folder", [&] { return lookAtFolders(settings); }));
+  findings.push_back(lookAt("files", [&] { return lookAtFiles(settings); }));
   std::shared_ptr<DatabaseQueue> store;
   findings.push_back(lookAt("store", [&] {
     store = ApplicationStore::open(settings.store, vault, ApplicationStore::Access::read);
     return lookAtStore(*store);
   }));
   if (store != nullptr) {
+    findings.push_back(lookAt("engine", [&] { return lookAtEngine(*store); }));
+    findings.push_back(lookAt("schema", [&] { return lookAtSchema(*store); }));
     findings.push_back(lookAt("pages", [&] { return lookAtPages(*store); }));
     findings.push_back(lookAt("log", [&] { return lookAtLog(settings); }));
   }

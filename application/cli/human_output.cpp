@@ -9,6 +9,7 @@
 
 #include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/internet_date_time.h"
+#include "OrvanPlatform/printable_text.h"
 
 namespace orvan {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 /// The date of a stored timestamp, or the text itself when it is none.
 std::string dateOf(std::string_view timestamp) {
   const auto instant = parseInternetDateTime(timestamp);
-  return instant ? humanDateText(*instant) : printable(timestamp);
+  return instant ? humanDateText(*instant) : printableText(timestamp);
 }
 
 std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
@@ -29,6 +30,8 @@ std::string sentenceFor(const NotShown& person) {
       return "nothing is waiting";
     case NotShownReason::noValidReason:
       return "what the store holds gives no valid reason";
+    case NotShownReason::noName:
+      return "there is a reason, but no name to show";
     case NotShownReason::noItemKey:
       return "the reason rests on nothing that can be named";
     case NotShownReason::snoozed:
@@ -51,19 +54,6 @@ bool standardOutputTakesColour() {
 
 } // namespace
 
-std::string printable(std::string_view text) {
-  std::string safe{text};
-  for (auto& byte : safe) {
-    const auto value = static_cast<unsigned char>(byte);
-    constexpr unsigned char firstVisible = 0x20;
-    constexpr unsigned char deleteCharacter = 0x7f;
-    if (value < firstVisible || value == deleteCharacter) {
-      byte = ' ';
-    }
-  }
-  return safe;
-}
-
 HumanOutput::HumanOutput() : usesColour_(standardOutputTakesColour()) {}
 
 std::string HumanOutput::bold(std::string_view text) const {
@@ -80,7 +70,7 @@ void HumanOutput::line(std::string_view text) const {
 
 void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
   for (const auto& person : people) {
-    std::cout << person.personKey() << "  " << printable(person.displayName()) << '\n';
+    std::cout << printableText(person.personKey()) << "  " << printableText(person.displayName()) << '\n';
   }
   if (people.empty()) {
     line("Nobody yet: 'orvan import' brings in mail and calendars.");
@@ -88,7 +78,7 @@ void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
 }
 
 void HumanOutput::bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName) const {
-  std::cout << bold(printable(displayName)) << faint("  " + printable(bundle.personKey())) << '\n';
+  std::cout << bold(printableText(displayName)) << faint("  " + printableText(bundle.personKey())) << '\n';
   if (bundle.isEmpty()) {
     line("  Nothing is waiting.");
   }
@@ -103,32 +93,32 @@ void HumanOutput::bundle(const AttentionEvidenceBundle& bundle, std::string_view
          dateOf(context->quietSinceAt()));
   }
   for (const auto& commitment : bundle.commitments()) {
-    line("  Still open since " + dateOf(commitment.detectedAt()) + " (" + printable(commitment.kind()) + ")");
+    line("  Still open since " + dateOf(commitment.detectedAt()) + " (" + printableText(commitment.kind()) + ")");
   }
   for (const auto& freshness : bundle.sourceFreshness()) {
     const auto& syncedAt = freshness.lastSuccessfulSyncAt();
-    line(faint("  " + printable(freshness.sourceAccountID()) + " is " + freshness.freshnessState() + ", last read " +
-               (syncedAt ? dateOf(*syncedAt) : "never")));
+    line(faint("  " + printableText(freshness.sourceAccountID()) + " is " + freshness.freshnessState() +
+               ", last read " + (syncedAt ? dateOf(*syncedAt) : "never")));
   }
 }
 
 void HumanOutput::whyNow(const AttentionWhyNowItem& item) const {
   line(item.headline());
   for (const auto& evidence : item.evidenceLines()) {
-    line(faint("  " + printable(evidence)));
+    line(faint("  " + printableText(evidence)));
   }
 }
 
 void HumanOutput::item(const AttentionCatchUpItem& item) const {
-  std::cout << '\n' << bold(printable(item.displayName())) << faint("  " + printable(item.personKey())) << '\n';
+  std::cout << '\n' << bold(printableText(item.displayName())) << faint("  " + printableText(item.personKey())) << '\n';
   line("  " + item.whyNow().headline());
   for (const auto& evidence : item.whyNow().evidenceLines()) {
-    line(faint("  " + printable(evidence)));
+    line(faint("  " + printableText(evidence)));
   }
 }
 
 void HumanOutput::notShown(const NotShown& person) const {
-  line(printable(person.displayName) + faint("  " + printable(person.personKey)) + "  " + sentenceFor(person));
+  line(printableText(person.displayName) + faint("  " + printableText(person.personKey)) + "  " + sentenceFor(person));
 }
 
 void HumanOutput::catchUpList(const CatchUpList& list, Instant asOf) const {
@@ -158,11 +148,11 @@ void HumanOutput::record(const AttentionItemDispositionRecord& record) const {
   if (const auto until = record.state().until()) {
     text += " until " + humanDateText(*until) + " (" + formatInternetDateTime(*until) + ")";
   }
-  line(text + faint("  " + printable(record.itemKey())));
+  line(text + faint("  " + printableText(record.itemKey())));
 }
 
 void HumanOutput::mailReport(std::string_view source, const MailReport& report) const {
-  line(bold(printable(source)) + ": " + counted(report.read, "message", "messages") + " read, " +
+  line(bold(printableText(source)) + ": " + counted(report.read, "message", "messages") + " read, " +
        std::to_string(report.imported) + " new, " + std::to_string(report.known) + " known");
   if (report.automated > 0) {
     line("  " + std::to_string(report.automated) + " written by machines or sent to lists, kept out of histories");
@@ -176,7 +166,7 @@ void HumanOutput::mailReport(std::string_view source, const MailReport& report) 
 }
 
 void HumanOutput::meetingReport(std::string_view source, const MeetingReport& report) const {
-  line(bold(printable(source)) + ": " + counted(report.events, "event", "events") + ", " +
+  line(bold(printableText(source)) + ": " + counted(report.events, "event", "events") + ", " +
        counted(report.meetings, "meeting", "meetings") + " read, " + std::to_string(report.imported) + " new, " +
        std::to_string(report.known) + " known");
   if (report.withdrawn > 0) {

@@ -38,7 +38,4 @@ class HumanOutput {
   bool usesColour_;
 };
 
-/// The text with control characters replaced, safe to print.
-std::string printable(std::string_view text);
-
 } // namespace orvan

@@ -178,6 +178,8 @@ std::string_view caseName(NotShownReason reason) noexcept {
       return "noEvidence";
     case NotShownReason::noValidReason:
       return "noValidReason";
+    case NotShownReason::noName:
+      return "noName";
     case NotShownReason::noItemKey:
       return "noItemKey";
     case NotShownReason::snoozed:

@@ -1,4 +1,5 @@
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/printable_text.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
@@ -11,7 +12,7 @@ namespace {
 
 void createPrivateFolder(const std::filesystem::path& file) {
   const auto folder = file.parent_path();
-  if (folder.empty() || std::filesystem::exists(folder)) {
+  if (folder.empty()) {
     return;
   }
   std::error_code failure;
@@ -35,12 +36,14 @@ bool ensureKey(const Workspace& workspace) {
 
 void runInit(const CommandContext& context) {
   const auto& settings = context.workspace.settings();
-  if (std::filesystem::exists(settings.store)) {
-    const bool hasKey = std::filesystem::exists(settings.keyFile);
+  std::error_code unreachable;
+  if (std::filesystem::exists(settings.store, unreachable)) {
+    const bool hasKey = std::filesystem::exists(settings.keyFile, unreachable);
     throw Error(hasKey ? ApplicationStoreError::storeExists : ApplicationStoreError::keyMissingForStore,
                 "making a store");
   }
   createPrivateFolder(settings.store);
+  settings.requirePrivateFolder();
   createPrivateFolder(settings.keyFile);
   const bool madeKey = ensureKey(context.workspace);
   ApplicationStore::create(settings.store, context.workspace.vault());
@@ -49,9 +52,9 @@ void runInit(const CommandContext& context) {
     return;
   }
   const HumanOutput output;
-  output.line("The store is ready: " + printable(settings.store.string()));
+  output.line("The store is ready: " + printableText(settings.store.string()));
   output.line(madeKey ? "Its key is new; keep a copy of it, because without it the store cannot be read: " +
-                            printable(settings.keyFile.string())
+                            printableText(settings.keyFile.string())
                       : "It uses the key that was there.");
 }
 
@@ -59,7 +62,12 @@ void runCheckpoint(const CommandContext& context) {
   const auto& file = context.workspace.settings().store;
   auto& store = context.workspace.writableStore();
   const auto before = ApplicationStore::logSize(file);
-  const auto after = ApplicationStore::checkpoint(file, store);
+  if (!ApplicationStore::checkpoint(store)) {
+    throw CommandFailure(ExitCode::failed,
+                         "The write-ahead log could not be emptied because another program uses the store; close that "
+                         "and try again.");
+  }
+  const auto after = ApplicationStore::logSize(file);
   if (context.output == OutputForm::json) {
     printJson({{"logBytesBefore", before}, {"logBytesAfter", after}});
   } else {

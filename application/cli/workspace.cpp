@@ -7,9 +7,10 @@
 #include <utility>
 
 #include "OrvanObservatory/store_projection_reader.h"
+#include "OrvanPlatform/error.h"
+#include "OrvanRelationshipAttention/disposition_store/disposition_rows.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
-#include "application/store/application_store.h"
 
 namespace orvan {
 namespace {
@@ -47,14 +48,16 @@ LIMIT 2
 /// The people as they were read once, for the command and the compiler alike.
 class Workspace::PeopleInHand final : public ProjectionReader {
  public:
-  explicit PeopleInHand(DatabaseQueue& store)
-      : projection_(store.read([](Connection& connection) { return StoreProjectionReader::project(1, connection); })) {}
+  void read(DatabaseQueue& store) {
+    projection_ = store.read([](Connection& connection) { return StoreProjectionReader::project(1, connection); });
+  }
 
-  Task<Projection> project(std::int64_t /*minimumInteractions*/) override { co_return projection_; }
-  const std::vector<ProjectedPerson>& people() const noexcept { return projection_.people(); }
+  Task<Projection> project(std::int64_t /*minimumInteractions*/) override { co_return *projection_; }
+  bool areRead() const noexcept { return projection_.has_value(); }
+  const std::vector<ProjectedPerson>& people() const noexcept { return projection_->people(); }
 
  private:
-  Projection projection_;
+  std::optional<Projection> projection_;
 };
 
 WorkspaceSettings WorkspaceSettings::defaults() {
@@ -63,8 +66,21 @@ WorkspaceSettings WorkspaceSettings::defaults() {
           std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now())};
 }
 
+void WorkspaceSettings::requirePrivateFolder() const {
+  constexpr auto everyoneElse = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
+  const auto folder = store.parent_path();
+  std::error_code missing;
+  const auto status = std::filesystem::status(folder, missing);
+  if (folder == userDataFolder() && std::filesystem::is_directory(status) &&
+      (status.permissions() & everyoneElse) != std::filesystem::perms::none) {
+    throw Error(ApplicationStoreError::folderNotPrivate, "looking at the store's folder");
+  }
+}
+
 Workspace::Workspace(WorkspaceSettings settings)
-    : settings_(std::move(settings)), vault_(std::make_shared<KeyFile>(settings_.keyFile)) {}
+    : settings_(std::move(settings)),
+      vault_(std::make_shared<KeyFile>(settings_.keyFile)),
+      people_(std::make_shared<PeopleInHand>()) {}
 
 Workspace::~Workspace() = default;
 
@@ -84,19 +100,37 @@ void Workspace::openForReading() {
   if (compiler_ != nullptr) {
     return;
   }
+  settings_.requirePrivateFolder();
+  ApplicationStore::requireUsableFile(settings_.store);
+  auto compiler = std::async(std::launch::async, [this] {
+    return std::make_unique<AttentionEvidenceCompiler>(settings_.store, vault_, people_, compilerOptions());
+  });
+  // What the application's own connection says of a store that does not open is the most telling.
+  people();
+  compiler_ = compiler.get();
+}
+
+void Workspace::openForDeciding() {
+  settings_.requirePrivateFolder();
   ApplicationStore::requireUsableFile(settings_.store);
   auto dispositions = std::async(
       std::launch::async, [this] { return std::make_unique<AttentionDispositionStore>(settings_.store, vault_); });
-  // What the application's own connection says of a store that does not open is the most telling.
-  people();
-  compiler_ = std::make_unique<AttentionEvidenceCompiler>(settings_.store, vault_, people_, compilerOptions());
+  access_ = ApplicationStore::Access::write;
+  openForReading();
   dispositions_ = dispositions.get();
 }
 
+DatabaseQueue& Workspace::store() {
+  if (store_ == nullptr) {
+    settings_.requirePrivateFolder();
+    store_ = ApplicationStore::open(settings_.store, vault_, access_);
+  }
+  return *store_;
+}
+
 const std::vector<ProjectedPerson>& Workspace::people() {
-  if (people_ == nullptr) {
-    readableStore_ = ApplicationStore::open(settings_.store, vault_, ApplicationStore::Access::read);
-    people_ = std::make_shared<PeopleInHand>(*readableStore_);
+  if (!people_->areRead()) {
+    people_->read(store());
   }
   return people_->people();
 }
@@ -111,26 +145,19 @@ AttentionEvidenceBundle Workspace::bundle(const std::string& personKey) {
   return waitFor(compiler_->executor(), compiler_->compile(personKey, settings_.asOf));
 }
 
-AttentionDispositionStore& Workspace::dispositions() {
-  openForReading();
-  return *dispositions_;
-}
-
+/// On the connection that is open anyway: a disposition store would derive the key twice more, to write and to read.
 std::vector<AttentionItemDispositionRecord> Workspace::records(const std::string& personKey) {
-  auto& store = dispositions();
-  return waitFor(store.executor(), store.records(personKey));
+  return store().read([&personKey](Connection& connection) { return internal::loadRecords(personKey, connection); });
 }
 
 DatabaseQueue& Workspace::writableStore() {
-  if (writableStore_ == nullptr) {
-    writableStore_ = ApplicationStore::open(settings_.store, vault_, ApplicationStore::Access::write);
-  }
-  return *writableStore_;
+  access_ = ApplicationStore::Access::write;
+  return store();
 }
 
-void Workspace::checkpointIfLarge() {
-  if (ApplicationStore::isLogLarge(settings_.store)) {
-    ApplicationStore::checkpoint(settings_.store, writableStore());
+void Workspace::finish() noexcept {
+  if (store_ != nullptr && access_ == ApplicationStore::Access::write) {
+    ApplicationStore::checkpointWithoutWaiting(*store_);
   }
 }
 
@@ -139,8 +166,7 @@ std::string Workspace::personKeyOf(const std::string& person) {
   if (std::ranges::find(known, person, &ProjectedPerson::personKey) != known.end()) {
     return person;
   }
-  const auto called =
-      readableStore_->read([&person](Connection& connection) { return peopleCalled(person, connection); });
+  const auto called = store().read([&person](Connection& connection) { return peopleCalled(person, connection); });
   if (called.size() > 1) {
     throw CommandFailure(ExitCode::failed,
                          "Several people go by that name; name the one you mean by key ('orvan people' lists them).");

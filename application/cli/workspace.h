@@ -11,6 +11,7 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/database_queue.h"
+#include "application/store/application_store.h"
 
 namespace orvan {
 
@@ -24,6 +25,10 @@ struct WorkspaceSettings {
 
   /// The shipped settings: below the user's data folder, at this moment.
   static WorkspaceSettings defaults();
+
+  /// Throws folderNotPrivate when others can look into the store's folder and it is the shipped one. Of another folder
+  /// that is the user's own affair.
+  void requirePrivateFolder() const;
 };
 
 /// The user's store, opened part by part as a command needs it. Opening throws what ApplicationStore, the compiler and
@@ -39,6 +44,8 @@ class Workspace {
   /// Opens what a list needs, all at once: each connection's key takes a moment to derive, and the machine can derive
   /// several at a time.
   void openForReading();
+  /// The same for a command that also takes a decision.
+  void openForDeciding();
 
   /// The people the user deals with, in key order; read once.
   const std::vector<ProjectedPerson>& people();
@@ -46,14 +53,15 @@ class Workspace {
   std::vector<AttentionEvidenceBundle> bundles();
   AttentionEvidenceBundle bundle(const std::string& personKey);
 
-  AttentionDispositionStore& dispositions();
+  /// Only after openForDeciding().
+  AttentionDispositionStore& dispositions() { return *dispositions_; }
   std::vector<AttentionItemDispositionRecord> records(const std::string& personKey);
 
   /// The store for the application's own writing.
   DatabaseQueue& writableStore();
 
-  /// Empties the write-ahead log once it has grown past the size at which that is worth the work.
-  void checkpointIfLarge();
+  /// Ends the work: when something was written, empties the write-ahead log as far as that goes without waiting.
+  void finish() noexcept;
 
   /// The key that a user means by `person`: a key, or a name or address that only one person has. What fits nobody is
   /// returned as it is. Throws CommandFailure when it fits several.
@@ -63,11 +71,12 @@ class Workspace {
   class PeopleInHand;
 
   AttentionEvidenceCompilerOptions compilerOptions() const;
+  DatabaseQueue& store();
 
   WorkspaceSettings settings_;
   CredentialVault vault_;
-  std::shared_ptr<DatabaseQueue> readableStore_;
-  std::shared_ptr<DatabaseQueue> writableStore_;
+  ApplicationStore::Access access_ = ApplicationStore::Access::read;
+  std::shared_ptr<DatabaseQueue> store_;
   std::shared_ptr<PeopleInHand> people_;
   std::unique_ptr<AttentionEvidenceCompiler> compiler_;
   std::unique_ptr<AttentionDispositionStore> dispositions_;

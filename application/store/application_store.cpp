@@ -1,7 +1,15 @@
 #include "application/store/application_store.h"
 
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <exception>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -14,9 +22,6 @@
 
 namespace orvan {
 namespace {
-
-/// A larger log costs disk and the next first opening.
-constexpr std::uintmax_t logWorthACheckpoint = std::uintmax_t{64} * 1024 * 1024;
 
 void prepareForReading(Connection& connection, const StoreKeyProvider& provider) {
   keyConnection(connection, provider, ApplicationStoreError::keyMalformed);
@@ -53,10 +58,18 @@ ConnectionConfiguration configurationFor(ApplicationStore::Access access, OpenMo
   return configuration;
 }
 
-void requirePrivate(const std::filesystem::path& file) {
-  constexpr auto everyoneElse = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
-  if ((std::filesystem::status(file).permissions() & everyoneElse) != std::filesystem::perms::none) {
-    throw Error(ApplicationStoreError::storeNotPrivate, "opening the store");
+/// What lies at `path` must be the user's own, for nobody else to read or write. Nothing may lie there.
+void requirePrivate(const std::filesystem::path& path) {
+  struct stat status{};
+  if (stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) {
+      return;
+    }
+    throw Error(ApplicationStoreError::cannotReachStore, "looking at the store's files");
+  }
+  constexpr mode_t everyoneElse = 077;
+  if ((status.st_mode & everyoneElse) != 0 || status.st_uid != geteuid()) {
+    throw Error(ApplicationStoreError::storeNotPrivate, "looking at the store's files");
   }
 }
 
@@ -71,12 +84,47 @@ void requireTables(Connection& connection) {
   }
 }
 
-/// SQLite says "not a database" for a wrong key and for a damaged file alike; other errors carry their own reason.
-[[noreturn]] void rethrowAsOpeningFailure(const StoreError& error) {
-  if (error.code() == StoreFault::engineCannotEncrypt) {
-    throw Error(ApplicationStoreError::engineCannotEncrypt, "opening the store");
+std::vector<std::string> schemaParts(Connection& connection) {
+  std::vector<std::string> parts;
+  auto rows = connection.query(R"sql(
+SELECT type || ' ' || name AS part
+FROM sqlite_schema
+WHERE name NOT LIKE 'sqlite_%'
+UNION ALL
+SELECT 'column ' || owner.name || '.' || field.name
+FROM sqlite_schema owner
+JOIN pragma_table_info(owner.name) field
+WHERE owner.type = 'table'
+ORDER BY part
+)sql");
+  while (rows.next()) {
+    parts.emplace_back(rows.text(Column{0}));
   }
-  throw Error(ApplicationStoreError::cannotDecrypt, "opening the store");
+  return parts;
+}
+
+/// SQLite says "not a database" for a wrong key and for a damaged file alike.
+ApplicationStoreError openingFailureOf(const StoreError& error) {
+  if (error.code() == StoreFault::engineCannotEncrypt) {
+    return ApplicationStoreError::engineCannotEncrypt;
+  }
+  switch (error.extendedCode() & 0xff) {
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+      return ApplicationStoreError::cannotDecrypt;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return ApplicationStoreError::storeBusy;
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+      return ApplicationStoreError::cannotReachStore;
+    case SQLITE_READONLY:
+      return ApplicationStoreError::storeReadOnly;
+    case SQLITE_FULL:
+      return ApplicationStoreError::diskFull;
+    default:
+      return ApplicationStoreError::cannotReadStore;
+  }
 }
 
 void removeStore(const std::filesystem::path& file) {
@@ -84,6 +132,17 @@ void removeStore(const std::filesystem::path& file) {
   for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
     std::filesystem::remove(file.native() + suffix, ignored);
   }
+}
+
+/// Whoever makes the file owns it: of two programs that make a store at once, the other must not touch it.
+void createEmptyFile(const std::filesystem::path& file) {
+  constexpr mode_t ownerOnly = 0600;
+  const int descriptor = ::open(file.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, ownerOnly);
+  if (descriptor < 0) {
+    throw Error(errno == EEXIST ? ApplicationStoreError::storeExists : ApplicationStoreError::cannotCreate,
+                "creating the store");
+  }
+  close(descriptor);
 }
 
 std::filesystem::path logOf(const std::filesystem::path& file) {
@@ -106,19 +165,16 @@ StoreKeyProvider keyProviderOf(const CredentialVault& vault) {
 } // namespace
 
 void ApplicationStore::create(const std::filesystem::path& file, const CredentialVault& vault) {
-  if (std::filesystem::exists(file)) {
-    throw Error(ApplicationStoreError::storeExists, "creating the store");
-  }
+  createEmptyFile(file);
   try {
-    DatabaseQueue store(file, configurationFor(Access::write, OpenMode::readWriteCreate, keyProviderOf(vault)));
+    DatabaseQueue store(file, configurationFor(Access::write, OpenMode::readWrite, keyProviderOf(vault)));
     store.write(createCanonicalSchema);
-    checkpoint(file, store);
+    checkpoint(store);
   } catch (const StoreError& error) {
     removeStore(file);
-    if (error.code() == StoreFault::engineCannotEncrypt) {
-      rethrowAsOpeningFailure(error);
-    }
-    throw Error(ApplicationStoreError::cannotCreate, "creating the store");
+    throw Error(error.code() == StoreFault::engineCannotEncrypt ? ApplicationStoreError::engineCannotEncrypt
+                                                                : ApplicationStoreError::cannotCreate,
+                "creating the store");
   } catch (...) {
     removeStore(file);
     throw;
@@ -126,10 +182,14 @@ void ApplicationStore::create(const std::filesystem::path& file, const Credentia
 }
 
 void ApplicationStore::requireUsableFile(const std::filesystem::path& file) {
-  if (!std::filesystem::exists(file)) {
-    throw Error(ApplicationStoreError::storeMissing, "opening the store");
+  std::error_code unreachable;
+  if (!std::filesystem::exists(file, unreachable)) {
+    throw Error(unreachable ? ApplicationStoreError::cannotReachStore : ApplicationStoreError::storeMissing,
+                "opening the store");
   }
-  requirePrivate(file);
+  for (const char* suffix : {"", "-wal", "-shm"}) {
+    requirePrivate(file.native() + suffix);
+  }
   rejectPlaintextDatabase(file, ApplicationStoreError::plaintextStore);
 }
 
@@ -142,23 +202,33 @@ std::shared_ptr<DatabaseQueue> ApplicationStore::open(const std::filesystem::pat
     store->read(requireTables);
     return store;
   } catch (const StoreError& error) {
-    rethrowAsOpeningFailure(error);
+    throw Error(openingFailureOf(error), "opening the store");
   }
 }
 
-std::uintmax_t ApplicationStore::checkpoint(const std::filesystem::path& file, DatabaseQueue& store) {
-  store.withoutTransaction([](Connection& connection) { connection.execute("PRAGMA wal_checkpoint(TRUNCATE)"); });
-  return logSize(file);
+bool ApplicationStore::checkpoint(DatabaseQueue& store) {
+  return store.withoutTransaction([](Connection& connection) {
+    const auto wasBusy = connection.fetchOptionalInteger("PRAGMA wal_checkpoint(TRUNCATE)");
+    return wasBusy == 0;
+  });
 }
 
-void ApplicationStore::checkpointIfLarge(const std::filesystem::path& file, DatabaseQueue& store) {
-  if (isLogLarge(file)) {
-    checkpoint(file, store);
+void ApplicationStore::checkpointWithoutWaiting(DatabaseQueue& store) noexcept {
+  try {
+    store.withoutTransaction([](Connection& connection) { connection.executeScript("PRAGMA busy_timeout = 0"); });
+    checkpoint(store);
+  } catch (const std::exception&) { // Everything that was written is safe in the log.
   }
 }
 
-bool ApplicationStore::isLogLarge(const std::filesystem::path& file) {
-  return logSize(file) >= logWorthACheckpoint;
+std::vector<std::string> ApplicationStore::missingSchemaParts(Connection& connection) {
+  ConnectionConfiguration inMemory;
+  inMemory.mode = OpenMode::readWrite;
+  Connection complete(":memory:", inMemory);
+  createCanonicalSchema(complete);
+  std::vector<std::string> missing;
+  std::ranges::set_difference(schemaParts(complete), schemaParts(connection), std::back_inserter(missing));
+  return missing;
 }
 
 std::uintmax_t ApplicationStore::logSize(const std::filesystem::path& file) {

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/database_queue.h"
@@ -19,27 +21,30 @@ class ApplicationStore {
 
   ApplicationStore() = delete;
 
-  /// Makes a store with the canonical tables at `file`, which must not exist, readable by its owner alone. When it
-  /// fails, no file is left.
+  /// Makes a store with the canonical tables at `file`, which must not exist, readable by its owner alone. Of two calls
+  /// at once one fails with storeExists. When it fails, no file of its making is left.
   static void create(const std::filesystem::path& file, const CredentialVault& vault);
 
-  /// Looks at the file without opening it as a store: throws when it is missing, when others than its owner can read or
-  /// write it, and when it is an SQLite database without encryption.
+  /// Looks at the file without opening it as a store: throws when it is missing, when it or one of the files beside it
+  /// (the write-ahead log and its index) belongs to somebody else or can be read or written by others, and when it is
+  /// an SQLite database without encryption.
   static void requireUsableFile(const std::filesystem::path& file);
 
   /// Opens the store. A read-only connection never changes the file.
   static std::shared_ptr<DatabaseQueue> open(const std::filesystem::path& file, const CredentialVault& vault,
                                              Access access);
 
-  /// Moves what the write-ahead log holds into the store file as far as readers allow, and empties the log. The
-  /// library's connections never do that by themselves. Returns the log's size in bytes afterwards.
-  static std::uintmax_t checkpoint(const std::filesystem::path& file, DatabaseQueue& store);
+  /// Moves what the write-ahead log holds into the store file and empties the log; the library's connections never do
+  /// that by themselves. Waits for readers and writers for as long as the connection's busy timeout says. Whether the
+  /// log was emptied: when others kept the store busy, what they still need stays in it.
+  static bool checkpoint(DatabaseQueue& store);
 
-  /// The same once the log has passed the size at which it is worth the work.
-  static void checkpointIfLarge(const std::filesystem::path& file, DatabaseQueue& store);
+  /// The same as far as it goes without waiting, for the end of a program: a log that could not be emptied is emptied
+  /// another time.
+  static void checkpointWithoutWaiting(DatabaseQueue& store) noexcept;
 
-  /// Whether the log has passed that size.
-  static bool isLogLarge(const std::filesystem::path& file);
+  /// The canonical tables, columns and indices that the store lacks, in their creation's words.
+  static std::vector<std::string> missingSchemaParts(Connection& connection);
 
   /// How many bytes the write-ahead log of `file` has; 0 when there is none.
   static std::uintmax_t logSize(const std::filesystem::path& file);

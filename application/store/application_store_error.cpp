@@ -30,7 +30,20 @@ class ApplicationStoreCategory final : public std::error_category {
         return "The store lacks tables that it must have; restore it from a backup, or make a new one with 'orvan "
                "init' under another name.";
       case ApplicationStoreError::storeNotPrivate:
-        return "Others than you can read or write the store file; take that away with 'chmod 600' and try again.";
+        return "The store file, its log (-wal) or the log's index (-shm) is not yours alone; own them, take away what "
+               "others may do with 'chmod 600', and try again.";
+      case ApplicationStoreError::folderNotPrivate:
+        return "Others than you can look into the folder of the store; take that away with 'chmod 700' and try again.";
+      case ApplicationStoreError::cannotReachStore:
+        return "The store file cannot be opened; check that it and its folder are yours.";
+      case ApplicationStoreError::storeBusy:
+        return "Another program kept the store busy for too long; try again.";
+      case ApplicationStoreError::storeReadOnly:
+        return "The store cannot be written; check that the file and its folder are yours.";
+      case ApplicationStoreError::diskFull:
+        return "The disk is full; make room and try again: nothing was lost.";
+      case ApplicationStoreError::cannotReadStore:
+        return "The system cannot read the store; check the disk, or restore the file from a backup.";
       case ApplicationStoreError::cannotCreate:
         return "The store could not be created; check that its folder exists and can be written.";
       case ApplicationStoreError::engineCannotEncrypt:

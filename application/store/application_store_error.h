@@ -17,8 +17,17 @@ enum class ApplicationStoreError {
   /// Another key made it, it is damaged, or it is no store at all.
   cannotDecrypt,
   schemaMissing,
-  /// Others than the owner can read or write the file.
+  /// Others than the user can read or write the file or one beside it, or it belongs to somebody else.
   storeNotPrivate,
+  /// Others than the user can look into the folder that is the program's own.
+  folderNotPrivate,
+  /// The file or its folder cannot be opened.
+  cannotReachStore,
+  storeBusy,
+  storeReadOnly,
+  diskFull,
+  /// The system failed while it was read.
+  cannotReadStore,
   cannotCreate,
   engineCannotEncrypt,
 };
