@@ -217,7 +217,7 @@ void ApplicationStore::checkpointWithoutWaiting(DatabaseQueue& store) noexcept {
   try {
     store.withoutTransaction([](Connection& connection) { connection.executeScript("PRAGMA busy_timeout = 0"); });
     checkpoint(store);
-  } catch (const std::exception&) { // Everything that was written is safe in the log.
+  } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): all that was written is safe in the log.
   }
 }
 

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <filesystem>
 #include <optional>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -28,6 +27,7 @@ using Texts = std::vector<std::string>;
 
 inline constexpr const char* me = "mira@home.example";
 inline constexpr const char* zoe = "zoe@out.example";
+inline constexpr const char* ben = "ben@out.example";
 
 inline Instant instantOf(std::string_view text) {
   return parseInternetDateTime(text).value();
@@ -46,7 +46,7 @@ struct TestMail {
   bool isList = false;
   bool isAutomated = false;
 
-  MailItem item() const {
+  operator MailItem() const { // NOLINT(google-explicit-constructor): a list of items reads as one of mails.
     MailMessage message{.messageID = id,
                         .references = references,
                         .sentAt = instantOf(at),
@@ -64,15 +64,11 @@ struct TestMail {
   }
 };
 
-/// Gives the mails in their order and then ends, or fails.
+/// Gives the items in their order and then ends, or fails.
 class TestMailbox final : public MailSource {
  public:
-  explicit TestMailbox(std::span<const TestMail> mails, bool failsAtTheEnd = false) : failsAtTheEnd_(failsAtTheEnd) {
-    for (const auto& mail : mails) {
-      items_.push_back(mail.item());
-    }
-  }
-  explicit TestMailbox(std::vector<MailItem> items) : items_(std::move(items)) {}
+  explicit TestMailbox(std::vector<MailItem> items, bool failsAtTheEnd = false)
+      : items_(std::move(items)), failsAtTheEnd_(failsAtTheEnd) {}
 
   std::optional<MailItem> next() override {
     if (given_ == items_.size() && failsAtTheEnd_) {
@@ -86,24 +82,29 @@ class TestMailbox final : public MailSource {
  private:
   std::vector<MailItem> items_;
   std::size_t given_ = 0;
-  bool failsAtTheEnd_ = false;
+  bool failsAtTheEnd_;
 };
 
 /// An encrypted store to import into, and what the library then tells of it on 5 March 2026.
 class ImportStore {
-  template <typename Fetch, typename... Arguments>
-  auto read(Fetch fetch, std::string_view address, const Arguments&... arguments) {
+  /// One text of each piece of evidence on the person with that address.
+  template <typename Fetch, typename TextOf, typename... Arguments>
+  Texts evidence(Fetch fetch, TextOf textOf, std::string_view address, const Arguments&... arguments) {
     const EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
     const auto personKey = personIDOf(identityIDOf(address));
-    return store_.read([&](Connection& connection) { return (queries.*fetch)(personKey, arguments..., connection); });
+    const auto pieces =
+        queue.read([&](Connection& connection) { return (queries.*fetch)(personKey, arguments..., connection); });
+    Texts found;
+    for (const auto& one : pieces) {
+      found.emplace_back(std::invoke(textOf, one));
+    }
+    return found;
   }
 
  public:
-  ImportStore() : store_(file(), configuration()) { store_.write(createCanonicalSchema); }
+  ImportStore() { queue.write(createCanonicalSchema); }
 
-  std::filesystem::path file() const { return folder_.path() / "store.db"; }
-  std::filesystem::path folder() const { return folder_.path(); }
-  DatabaseQueue& queue() noexcept { return store_; }
+  static Instant asOf() { return instantOf("2026-03-05T12:00:00Z"); }
   static ImportContext context(Texts own = {me}) { return {std::move(own), asOf()}; }
   static ConnectionConfiguration configuration() {
     ConnectionConfiguration configuration;
@@ -117,16 +118,14 @@ class ImportStore {
     return configuration;
   }
 
-  static Instant asOf() { return instantOf("2026-03-05T12:00:00Z"); }
-
-  MailReport import(std::span<const TestMail> mails, std::size_t mailsPerBatch = 100, Texts own = {me}) {
-    TestMailbox mailbox(mails);
-    return MailImporter(store_, context(std::move(own)), mailsPerBatch).import(mailbox);
+  MailReport import(const std::vector<TestMail>& mails, std::size_t mailsPerBatch = 100, Texts own = {me}) {
+    TestMailbox mailbox({mails.begin(), mails.end()});
+    return MailImporter(queue, context(std::move(own)), mailsPerBatch).import(mailbox);
   }
 
   /// The first column of every row.
   Texts texts(std::string_view sql) {
-    return store_.read([&](Connection& connection) {
+    return queue.read([&](Connection& connection) {
       Texts found;
       auto rows = connection.query(sql);
       while (rows.next()) {
@@ -136,41 +135,30 @@ class ImportStore {
     });
   }
   void run(std::string_view sql) {
-    store_.write([&](Connection& connection) { connection.execute(sql); });
+    queue.write([&](Connection& connection) { connection.execute(sql); });
   }
 
   /// The names of the people whom the user ever dealt with.
   Texts people() {
-    return store_.read([&](Connection& connection) {
-      Texts names;
-      for (const auto& person : StoreProjectionReader::project(1, connection).people()) {
-        names.push_back(person.displayName());
-      }
-      return names;
-    });
+    const auto projection =
+        queue.read([](Connection& connection) { return StoreProjectionReader::project(1, connection); });
+    Texts names;
+    for (const auto& person : projection.people()) {
+      names.push_back(person.displayName());
+    }
+    return names;
   }
   /// When each mail that waits for the user's reply came.
   Texts waiting(std::string_view address = zoe) {
-    Texts times;
-    for (const auto& thread : read(&EvidenceQueries::fetchOpenThreads, address, asOf())) {
-      times.push_back(thread.lastInboundOccurredAt());
-    }
-    return times;
+    return evidence(&EvidenceQueries::fetchOpenThreads, &OpenThreadEvidence::lastInboundOccurredAt, address, asOf());
   }
   Texts upcoming(std::string_view address = zoe) {
-    Texts times;
-    for (const auto& meeting : read(&EvidenceQueries::fetchUpcomingInteractions, address, asOf())) {
-      times.push_back(meeting.occurredAt());
-    }
-    return times;
+    return evidence(&EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt, address,
+                    asOf());
   }
   /// The kinds of what is open between the user and the person.
   Texts commitments(std::string_view address = zoe) {
-    Texts kinds;
-    for (const auto& commitment : read(&EvidenceQueries::fetchCommitments, address)) {
-      kinds.push_back(commitment.kind());
-    }
-    return kinds;
+    return evidence(&EvidenceQueries::fetchCommitments, &CommitmentEvidence::kind, address);
   }
   /// Each thread as the times of what happened in it.
   Texts threads() {
@@ -179,11 +167,12 @@ class ImportStore {
         "FROM (SELECT thread_id, occurred_at FROM interaction ORDER BY thread_id, occurred_at) "
         "GROUP BY thread_id ORDER BY times");
   }
-  std::string freshness() { return texts("SELECT freshness_state FROM source_progress_projection").at(0); }
+  /// Of every source account.
+  Texts freshness() { return texts("SELECT freshness_state FROM source_progress_projection"); }
 
- private:
-  ScratchFolder folder_;
-  DatabaseQueue store_;
+  const ScratchFolder folder;
+  const std::filesystem::path file = folder.path() / "store.db";
+  DatabaseQueue queue{file, configuration()};
 };
 
 } // namespace orvan

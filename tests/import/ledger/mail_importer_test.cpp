@@ -11,7 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr const char* ben = "ben@out.example";
 constexpr const char* everything = R"sql(
 SELECT id || occurred_at || direction || COALESCE(source_identity_id, '') || thread_id FROM interaction
 UNION ALL SELECT id || display_name FROM person
@@ -33,11 +32,11 @@ std::vector<TestMail> manyMails(std::size_t count) {
 
 TEST(ImportedMail, IsTheHistoryOfThePeopleOnIt) {
   ImportStore store;
-  const auto report = store.import(
-      std::vector<TestMail>{{.id = "a", .at = "2026-03-01T10:00:00Z", .subject = "Lake"},
-                            {.id = "b", .at = "2026-03-02T10:00:00Z", .from = me, .to = {zoe, me}, .references = {"a"}},
-                            {.id = "c", .at = "2026-03-03T10:00:00Z", .from = ben},
-                            {.id = "note", .from = me, .to = {me}}});
+  const auto report =
+      store.import({{.id = "a", .at = "2026-03-01T10:00:00Z", .subject = "Lake"},
+                    {.id = "b", .at = "2026-03-02T10:00:00Z", .from = me, .to = {zoe, me}, .references = {"a"}},
+                    {.id = "c", .at = "2026-03-03T10:00:00Z", .from = ben},
+                    {.id = "note", .from = me, .to = {me}}});
   EXPECT_EQ(report.imported, 3);
   EXPECT_EQ(report.notes, 1);
   EXPECT_THAT(store.texts("SELECT occurred_at || ' ' || direction || ' ' || COALESCE(address, 'the user') "
@@ -45,20 +44,13 @@ TEST(ImportedMail, IsTheHistoryOfThePeopleOnIt) {
                           "ORDER BY occurred_at"),
               ElementsAre("2026-03-01T10:00:00Z inbound zoe@out.example", "2026-03-02T10:00:00Z outbound the user",
                           "2026-03-03T10:00:00Z inbound ben@out.example"));
-  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(ben, zoe));
   EXPECT_THAT(store.waiting(), IsEmpty()) << "answered";
   EXPECT_THAT(store.waiting(ben), ElementsAre("2026-03-03T10:00:00Z"));
   EXPECT_THAT(store.texts("SELECT subject FROM thread_text ORDER BY subject"), ElementsAre("Hello", "Lake"));
-  EXPECT_THAT(store.texts("SELECT source_object.kind FROM source_object JOIN thread USING (id)"),
-              ElementsAre("thread", "thread"));
-}
+  EXPECT_THAT(store.texts("SELECT kind FROM source_object JOIN thread USING (id)"), ElementsAre("thread", "thread"));
 
-TEST(ImportedMail, TakesTheBestNameThatWasTold) {
-  ImportStore store;
-  store.import(std::vector<TestMail>{{.id = "a"}});
-  EXPECT_THAT(store.people(), ElementsAre(zoe));
-  store.import(std::vector<TestMail>{{.id = "b", .fromName = "Zoë"}, {.id = "c", .fromName = "Someone else"}});
-  EXPECT_THAT(store.people(), ElementsAre("Zoë"));
+  store.import({{.id = "d", .fromName = "Zoë"}, {.id = "e", .fromName = "Someone else"}});
+  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(ben, "Zoë")) << "the first name that the person gave";
 }
 
 TEST(ImportedMail, ToSeveralPeopleKeepsNobodyWaiting) {
@@ -67,7 +59,7 @@ TEST(ImportedMail, ToSeveralPeopleKeepsNobodyWaiting) {
   for (int number = 0; number < 5000; ++number) {
     crowd.push_back("guest" + std::to_string(number) + "@out.example");
   }
-  store.import(std::vector<TestMail>{{.id = "a", .to = {me, ben}}, {.id = "b", .to = crowd}});
+  store.import({{.id = "a", .to = {me, ben}}, {.id = "b", .to = crowd}});
   EXPECT_THAT(store.texts("SELECT conversation_kind FROM source_event"), ElementsAre("group", "group"));
   EXPECT_THAT(store.waiting(), IsEmpty());
   EXPECT_THAT(store.people(), SizeIs(201)) << "the writer, 199 of the crowd, and Ben";
@@ -75,16 +67,15 @@ TEST(ImportedMail, ToSeveralPeopleKeepsNobodyWaiting) {
 
 TEST(ImportedMail, FromMachinesMakesNoPeople) {
   ImportStore store;
-  const auto report = store.import(std::vector<TestMail>{{.id = "list", .question = "Any news?", .isList = true},
-                                                         {.id = "bulk", .from = ben, .isAutomated = true},
-                                                         {.id = "both", .isList = true, .isAutomated = true},
-                                                         {.id = "mine", .from = me, .to = {ben}, .isAutomated = true}});
+  const auto report = store.import({{.id = "list", .question = "Any news?", .isList = true},
+                                    {.id = "bulk", .from = ben, .isAutomated = true},
+                                    {.id = "both", .isList = true, .isAutomated = true},
+                                    {.id = "mine", .from = me, .to = {ben}, .isAutomated = true}});
   EXPECT_EQ(report.automated, 4);
   EXPECT_THAT(store.people(), IsEmpty());
-  store.import(std::vector<TestMail>{{.id = "a", .at = "2026-03-01T09:00:00Z", .references = {"list"}}});
+  store.import({{.id = "a", .at = "2026-03-01T09:00:00Z", .references = {"list"}}});
   EXPECT_THAT(store.people(), ElementsAre(zoe));
   EXPECT_THAT(store.waiting(), IsEmpty()) << "the list had the last word";
-  EXPECT_THAT(store.commitments(), IsEmpty());
 }
 
 TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
@@ -96,9 +87,7 @@ TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
   store.import(mails);
   const auto before = store.texts(everything);
   std::ranges::reverse(mails);
-  const auto again = store.import(mails);
-  EXPECT_EQ(again.read, 4);
-  EXPECT_EQ(again.known, 4);
+  EXPECT_EQ(store.import(mails).known, 4);
   EXPECT_EQ(store.texts(everything), before);
 
   store.run("DELETE FROM person");
@@ -109,17 +98,15 @@ TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
 
 TEST(ImportedMail, CountsEveryItemOnce) {
   ImportStore store;
-  TestMailbox mailbox(std::vector<MailItem>{TestMail{.id = "a"}.item(), MailSkip{MailSkipReason::undated},
-                                            TestMail{.id = "a"}.item(), MailSkip{MailSkipReason::noSender},
-                                            MailSkip{MailSkipReason::undated}});
+  TestMailbox mailbox({TestMail{.id = "a"}, MailSkip{MailSkipReason::undated}, TestMail{.id = "a"},
+                       MailSkip{MailSkipReason::noSender}, MailSkip{MailSkipReason::undated}});
   std::vector<std::uint64_t> progress;
-  const auto report = MailImporter(store.queue(), ImportStore::context(), 2)
+  const auto report = MailImporter(store.queue, ImportStore::context(), 2)
                           .import(mailbox, [&](const MailReport& soFar, std::uint64_t read, std::uint64_t total) {
                             EXPECT_EQ(soFar.read, static_cast<std::int64_t>(read));
                             EXPECT_EQ(total, 5U);
                             progress.push_back(read);
                           });
-  EXPECT_EQ(report.read, 5);
   EXPECT_EQ(report.imported, 1);
   EXPECT_EQ(report.known, 1);
   EXPECT_THAT(report.skipped,
@@ -133,67 +120,69 @@ TEST(ImportedMail, KeepsNoMoreOfATextThanPeopleRead) {
   while (subject.size() < 10'000'000) {
     subject += "ö";
   }
-  store.import(std::vector<TestMail>{{.id = "a", .subject = subject, .fromName = subject, .question = subject}});
-  EXPECT_THAT(store.texts("SELECT length(subject) || '' FROM thread_text"), ElementsAre("500"));
-  EXPECT_THAT(store.texts("SELECT length(question) || '' FROM pending_question"), ElementsAre("300"));
-  EXPECT_THAT(store.texts("SELECT length(display_name) || '' FROM person"), ElementsAre("200"));
+  store.import({{.id = "a", .subject = subject, .fromName = subject, .question = subject}});
+  EXPECT_THAT(store.texts("SELECT length(subject) || ' ' || length(question) || ' ' || length(display_name) "
+                          "FROM thread_text, pending_question, person"),
+              ElementsAre("500 300 200"));
   EXPECT_EQ(leadingCharacters("aöb", 2), "aö") << "characters are never cut through";
-  EXPECT_EQ(leadingCharacters("aö", 2), "aö");
 }
 
 TEST(OwnAddress, ToldLaterTakesItsMailAndItsPersonBack) {
   ImportStore store;
   const std::string mine = "mira@work.example";
-  store.import(std::vector<TestMail>{
-      {.id = "a", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
-      {.id = "b", .at = "2026-03-02T10:00:00Z", .references = {"a"}, .question = "When do you arrive?"},
-      {.id = "c", .at = "2026-03-03T10:00:00Z", .from = mine, .to = {zoe}, .references = {"b"}},
-      {.id = "d", .at = "2026-03-04T10:00:00Z", .from = mine}});
-  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, mine));
-  store.import({}, 100, {me, mine});
-  EXPECT_THAT(store.people(), ElementsAre(zoe));
+  store.import({{.id = "a", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
+                {.id = "b", .at = "2026-03-02T10:00:00Z", .references = {"a"}, .question = "When do you arrive?"},
+                {.id = "c", .at = "2026-03-03T10:00:00Z", .from = mine, .to = {zoe}, .references = {"b"}},
+                {.id = "d", .at = "2026-03-04T10:00:00Z", .from = mine},
+                {.id = "both", .at = "2026-03-04T11:00:00Z", .to = {me, mine}},
+                {.id = "company", .at = "2026-03-04T12:00:00Z", .to = {me, mine, ben}},
+                {.id = "list", .at = "2026-03-04T13:00:00Z", .to = {me, mine}, .isList = true}});
+  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, mine, ben));
+  store.import({}, 100, {mine});
+  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, ben));
   EXPECT_THAT(store.waiting(mine), IsEmpty());
-  EXPECT_THAT(store.texts("SELECT direction FROM interaction ORDER BY occurred_at"),
-              ElementsAre("outbound", "inbound", "outbound", "outbound"));
+  EXPECT_THAT(store.texts("SELECT direction || ' ' || conversation_kind FROM interaction "
+                          "JOIN source_event ON source_event.id = source_event_id ORDER BY occurred_at"),
+              ElementsAre("outbound direct", "inbound direct", "outbound direct", "outbound direct", "inbound direct",
+                          "inbound group", "inbound group"));
+  EXPECT_THAT(store.waiting(), ElementsAre("2026-03-04T11:00:00Z")) << "written to two addresses of the user's";
   EXPECT_THAT(store.texts("SELECT question FROM pending_question"), IsEmpty()) << "the user's own words answered it";
-  store.import(std::vector<TestMail>{{.id = "e", .from = mine, .to = {zoe}}});
-  EXPECT_THAT(store.people(), ElementsAre(zoe)) << "remembered for later imports";
+  store.import({{.id = "e", .from = mine, .to = {zoe}}});
+  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, ben)) << "remembered for later imports";
+  EXPECT_THAT(store.freshness(), ElementsAre("current")) << "one account, whichever address an import was told first";
 }
 
 TEST(CutShortImport, KeepsWhatCameBeforeTheSourceFailed) {
   ImportStore store;
   const auto mails = manyMails(10);
-  TestMailbox broken(std::span(mails).first(7), true);
-  EXPECT_THROW(MailImporter(store.queue(), ImportStore::context(), 3).import(broken), std::runtime_error);
-  EXPECT_THAT(store.texts("SELECT id FROM interaction"), SizeIs(7));
-  EXPECT_EQ(store.freshness(), "stale");
-
+  TestMailbox broken({mails.begin(), mails.begin() + 7}, true);
+  EXPECT_THROW(MailImporter(store.queue, ImportStore::context(), 3).import(broken), std::runtime_error);
+  EXPECT_THAT(store.freshness(), ElementsAre("stale"));
   const auto rerun = store.import(mails);
   EXPECT_EQ(rerun.known, 7);
   EXPECT_EQ(rerun.imported, 3);
-  EXPECT_EQ(store.freshness(), "current");
-  EXPECT_THAT(store.texts("SELECT last_successful_sync_at FROM source_progress_projection"),
-              ElementsAre("2026-03-05T12:00:00Z"));
+  EXPECT_THAT(store.texts("SELECT freshness_state || ' ' || last_successful_sync_at FROM source_progress_projection"),
+              ElementsAre("current 2026-03-05T12:00:00Z"));
 }
 
 TEST(CutShortImport, LeavesWholeBatchesWhenTheDiskIsFull) {
   ImportStore store;
   const auto mails = manyMails(2000);
+  const auto limitPages = [&](int pages) {
+    store.queue.withoutTransaction(
+        [&](Connection& connection) { connection.executeScript("PRAGMA max_page_count = " + std::to_string(pages)); });
+  };
   store.import({});
-  const auto pages = std::stoi(store.texts("SELECT page_count || '' FROM pragma_page_count").at(0));
-  store.queue().withoutTransaction([&](Connection& connection) {
-    connection.executeScript("PRAGMA max_page_count = " + std::to_string(pages + 120));
-  });
+  limitPages(std::stoi(store.texts("SELECT page_count || '' FROM pragma_page_count").at(0)) + 120);
   EXPECT_THROW(store.import(mails, 100), StoreError);
   const auto kept = store.texts("SELECT id FROM interaction").size();
   EXPECT_GT(kept, 0U);
   EXPECT_LT(kept, mails.size());
   EXPECT_EQ(kept % 100, 0U);
-  EXPECT_EQ(store.texts("SELECT state FROM mail_reference").size(), kept);
-  EXPECT_EQ(store.freshness(), "stale");
+  EXPECT_THAT(store.texts("SELECT state FROM mail_reference"), SizeIs(kept));
+  EXPECT_THAT(store.freshness(), ElementsAre("stale"));
 
-  store.queue().withoutTransaction(
-      [](Connection& connection) { connection.executeScript("PRAGMA max_page_count = 1000000"); });
+  limitPages(1'000'000);
   EXPECT_EQ(store.import(mails, 100).known, static_cast<std::int64_t>(kept));
   EXPECT_THAT(store.texts("SELECT id FROM interaction"), SizeIs(mails.size()));
 }
@@ -201,25 +190,23 @@ TEST(CutShortImport, LeavesWholeBatchesWhenTheDiskIsFull) {
 TEST(CutShortImport, LeavesWholeBatchesWhenAnotherProgramHoldsTheStore) {
   ImportStore store;
   const auto mails = manyMails(300);
-  DatabaseQueue other(store.file(), ImportStore::configuration());
-  TestMailbox mailbox(mails);
-  MailImporter importer(store.queue(), ImportStore::context(), 100);
-  EXPECT_THROW(
-      importer.import(mailbox,
-                      [&](const MailReport&, std::uint64_t, std::uint64_t) {
-                        other.withoutTransaction([](Connection& connection) { connection.execute("BEGIN IMMEDIATE"); });
-                      }),
-      StoreError);
-  other.withoutTransaction([](Connection& connection) { connection.execute("ROLLBACK"); });
+  DatabaseQueue other(store.file, ImportStore::configuration());
+  const auto otherDoes = [&](const char* statement) {
+    other.withoutTransaction([&](Connection& connection) { connection.execute(statement); });
+  };
+  TestMailbox mailbox({mails.begin(), mails.end()});
+  MailImporter importer(store.queue, ImportStore::context(), 100);
+  const auto hold = [&](const MailReport&, std::uint64_t, std::uint64_t) { otherDoes("BEGIN IMMEDIATE"); };
+  EXPECT_THROW(importer.import(mailbox, hold), StoreError);
+  otherDoes("ROLLBACK");
   EXPECT_THAT(store.texts("SELECT id FROM interaction"), SizeIs(100));
-  EXPECT_EQ(store.import(mails).known, 100);
 }
 
 TEST(LongImport, KeepsTheLogAsSmallAsOneBatchMakesIt) {
   const auto logAfter = [](std::size_t count) {
     ImportStore store;
     store.import(manyMails(count), 20);
-    return std::filesystem::file_size(store.file().native() + "-wal");
+    return std::filesystem::file_size(store.file.native() + "-wal");
   };
   EXPECT_LT(logAfter(1000), 3 * logAfter(100));
 }

@@ -27,9 +27,9 @@ TEST(MailThreads, AreTheSameInWhateverOrderTheirMailsArrive) {
                          {.id = "a2", .from = me, .to = {zoe}, .references = {"a1"}},
                          {.id = "a4", .references = {"a3", "a2"}},
                          {.id = "a5", .references = {"a3"}},
-                         {.id = "a6", .from = "ben@out.example", .references = {"a5"}},
+                         {.id = "a6", .from = ben, .references = {"a5"}},
                          {.id = "a7", .references = {"a6", "a1"}},
-                         {.id = "b1", .from = "ben@out.example"},
+                         {.id = "b1", .from = ben},
                          {.id = "b2", .from = "cleo@out.example", .references = {"b0", "b1"}},
                          {.id = "b3", .references = {"b0"}}});
   Texts expected;
@@ -38,63 +38,49 @@ TEST(MailThreads, AreTheSameInWhateverOrderTheirMailsArrive) {
     ImportStore store;
     store.import(mails, mailsPerBatch);
     const auto threads = store.threads();
-    if (expected.empty()) {
-      expected = threads;
-      EXPECT_THAT(threads, SizeIs(2));
-    }
+    expected = expected.empty() ? threads : expected;
     EXPECT_EQ(threads, expected) << "with " << mailsPerBatch << " in a batch";
-    EXPECT_EQ(store.texts("SELECT id FROM thread").size(), 2U) << "joined threads leave nothing behind";
+    EXPECT_THAT(store.texts("SELECT id FROM thread"), SizeIs(2)) << "joined threads leave nothing behind";
     std::ranges::shuffle(mails, random);
   }
 }
 
 TEST(MailThreads, JoinEverythingThatIsKnownOfThem) {
   ImportStore store;
-  store.import(numbered({{.id = "a", .question = "Are you well?"}, {.id = "b", .from = "ben@out.example"}}));
+  store.import(numbered({{.id = "a", .question = "Are you well?"}, {.id = "b", .from = ben}}));
   const auto ids = store.texts("SELECT id FROM thread ORDER BY id");
   ASSERT_THAT(ids, SizeIs(2));
   store.run("INSERT INTO exclusion_rule VALUES ('rule', 'thread', '" + ids[1] + "', '2026-03-02T10:00:00Z', NULL)");
   store.run("INSERT INTO deletion_tombstone VALUES ('" + ids[1] + "', 'thread', '2026-03-02T10:00:00Z')");
 
-  const std::vector<TestMail> joining{{.id = "c", .at = minute(9), .references = {"a", "b"}}};
-  store.import(joining);
-  const auto joined = store.texts("SELECT id FROM thread");
-  ASSERT_THAT(joined, ElementsAre(ids[0]));
-  EXPECT_THAT(store.threads(), ElementsAre(minute(0) + " " + minute(1) + " " + minute(9)));
-  EXPECT_THAT(store.texts("SELECT DISTINCT thread_id FROM thread_participant"), joined);
-  EXPECT_THAT(store.texts("SELECT thread_id FROM pending_question"), joined);
-  EXPECT_THAT(store.texts("SELECT target_id FROM exclusion_rule"), joined) << "what was excluded stays so";
-  EXPECT_THAT(store.texts("SELECT object_id FROM deletion_tombstone WHERE object_id = '" + ids[0] + "'"), joined);
-  EXPECT_THAT(store.waiting(), IsEmpty());
-
-  const std::vector<TestMail> late{{.id = "d", .at = minute(10), .references = {"b"}}};
-  store.import(late);
-  EXPECT_THAT(store.threads(), SizeIs(1)) << "a mail that names the joined thread's mails alone";
+  store.import({{.id = "c", .at = minute(9), .references = {"a", "b"}}});
+  for (const char* column : {"id FROM thread", "DISTINCT thread_id FROM thread_participant",
+                             "thread_id FROM pending_question", "target_id FROM exclusion_rule"}) {
+    EXPECT_THAT(store.texts(std::string{"SELECT "} + column), ElementsAre(ids[0])) << column;
+  }
+  EXPECT_THAT(store.texts("SELECT object_id FROM deletion_tombstone ORDER BY object_id"), ElementsAre(ids[0], ids[1]));
+  EXPECT_THAT(store.waiting(), IsEmpty()) << "what was excluded stays so";
+  store.import({{.id = "d", .at = minute(10), .references = {"b"}}});
+  EXPECT_THAT(store.threads(), ElementsAre(minute(0) + " " + minute(1) + " " + minute(9) + " " + minute(10)))
+      << "with a mail that names the joined thread's mails alone";
 }
 
-TEST(MailThreads, TakeReferencesThatMakeNoSense) {
-  ImportStore store;
-  store.import(numbered({{.id = "self", .references = {"self", "self"}},
-                         {.id = "egg", .references = {"hen"}},
-                         {.id = "hen", .references = {"egg"}}}));
-  EXPECT_THAT(store.threads(), ElementsAre(minute(0), minute(1) + " " + minute(2)));
-}
-
-TEST(MailThreads, KeepTheFirstOfTwoMailsWithOneID) {
-  const auto mails = numbered({{.id = "a", .subject = "First"}, {.id = "a", .subject = "Second"}});
-  for (const auto mailsPerBatch : std::vector<std::size_t>{1, 2}) {
+TEST(MailThreads, TakeReferencesThatMakeNoSenseAndOneIDTwice) {
+  const auto mails = numbered({{.id = "self", .references = {"self", "self"}, .subject = "First"},
+                               {.id = "egg", .references = {"hen"}},
+                               {.id = "hen", .references = {"egg"}},
+                               {.id = "self", .subject = "Second"}});
+  for (const auto mailsPerBatch : std::vector<std::size_t>{1, 4}) {
     ImportStore store;
-    const auto report = store.import(mails, mailsPerBatch);
-    EXPECT_EQ(report.imported, 1);
-    EXPECT_EQ(report.known, 1);
-    EXPECT_THAT(store.texts("SELECT subject FROM thread_text"), ElementsAre("First"));
+    EXPECT_EQ(store.import(mails, mailsPerBatch).known, 1);
+    EXPECT_THAT(store.threads(), ElementsAre(minute(0), minute(1) + " " + minute(2)));
+    EXPECT_THAT(store.texts("SELECT subject FROM thread_text WHERE subject <> 'Hello'"), ElementsAre("First"));
   }
 }
 
 TEST(MailThreads, HoldTenThousandMails) {
-  constexpr std::size_t count = 10'000;
   std::vector<TestMail> mails;
-  for (std::size_t number = 0; number < count; ++number) {
+  for (std::size_t number = 0; number < 10'000; ++number) {
     TestMail mail{.id = std::to_string(number), .at = minute(number % 5000)};
     for (std::size_t before = number - std::min<std::size_t>(number, 3); before < number; ++before) {
       mail.references.push_back(std::to_string(before));
