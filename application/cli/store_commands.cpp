@@ -16,7 +16,9 @@ void createPrivateFolder(const std::filesystem::path& file) {
     return;
   }
   std::error_code failure;
-  std::filesystem::create_directories(folder, failure);
+  if (std::filesystem::create_directories(folder, failure)) {
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, failure);
+  }
   if (failure) {
     throw CommandFailure(ExitCode::failed, "The folder for the store could not be made; choose another with --store.");
   }

@@ -73,6 +73,17 @@ void requirePrivate(const std::filesystem::path& path) {
   }
 }
 
+void rejectPlaintext(const std::filesystem::path& file) {
+  try {
+    rejectPlaintextDatabase(file, ApplicationStoreError::plaintextStore);
+  } catch (const Error& error) {
+    if (error.code() == ApplicationStoreError::plaintextStore) {
+      throw;
+    }
+    throw Error(ApplicationStoreError::cannotReachStore, "reading the start of the store file");
+  }
+}
+
 void requireTables(Connection& connection) {
   constexpr std::array tables{"person", "interaction", "thread", "source_event", "relationship_attention_disposition"};
   const bool allThere = std::ranges::all_of(tables, [&connection](const char* table) {
@@ -190,7 +201,7 @@ void ApplicationStore::requireUsableFile(const std::filesystem::path& file) {
   for (const char* suffix : {"", "-wal", "-shm"}) {
     requirePrivate(file.native() + suffix);
   }
-  rejectPlaintextDatabase(file, ApplicationStoreError::plaintextStore);
+  rejectPlaintext(file);
 }
 
 std::shared_ptr<DatabaseQueue> ApplicationStore::open(const std::filesystem::path& file, const CredentialVault& vault,
