@@ -5,25 +5,32 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
+
+#include "OrvanSpineCore/key_file.h"
+#include "application/store/application_store.h"
+#include "tests/support/test_store.h"
 
 namespace orvan {
 namespace {
 
 using nlohmann::json;
+using std::filesystem::perms;
 
 constexpr const char* noon = "2026-03-10T12:00:00Z";
 
-std::string mail(const std::string& id, const std::string& from, const std::string& to, const std::string& date,
-                 const std::string& inReplyTo, const std::string& body) {
-  return "From mailer Tue Mar 10 00:00:00 2026\nMessage-ID: <" + id + ">\nFrom: " + from + "\nTo: " + to +
-         "\nDate: " + date + "\nSubject: The boat\n" + (inReplyTo.empty() ? "" : "In-Reply-To: <" + inReplyTo + ">\n") +
-         "\n" + body + "\n\n";
+/// A mail of 9 March at this hour, from Ada to Robin.
+std::string mail(const std::string& id, const std::string& hour, const std::string& inReplyTo = "") {
+  return "From mailer Tue Mar 10 00:00:00 2026\nMessage-ID: <" + id +
+         ">\nFrom: Ada Marsh <ada@hill.example>\nTo: robin@orvan.example\nDate: Mon, 09 Mar 2026 " + hour +
+         ":00:00 +0000\nSubject: The boat\n" + (inReplyTo.empty() ? "" : "In-Reply-To: <" + inReplyTo + ">\n") +
+         "\nThe boat is ready.\n\n";
 }
 
-/// The program on a store of its own, with Robin's mail from Ada.
+/// The program on a store of its own.
 class CommandLine : public testing::Test {
  protected:
   struct Outcome {
@@ -35,15 +42,12 @@ class CommandLine : public testing::Test {
   CommandLine() {
     setenv("TZ", "UTC", 1);
     setenv("LC_ALL", "en_US.UTF-8", 1);
-    std::string name = (std::filesystem::temp_directory_path() / "orvan-cli-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
+    deriveKeysQuickly();
   }
-  ~CommandLine() override { std::filesystem::remove_all(folder_); }
 
-  Outcome run(std::vector<std::string> words, const std::string& asOf = noon) const {
-    words.insert(words.begin(), {"orvan", "--store", path("store.db"), "--key-file", path("key"), "--as-of", asOf});
+  static Outcome runBare(std::vector<std::string> words) {
+    words.insert(words.begin(), "orvan");
     std::vector<const char*> arguments;
-    arguments.reserve(words.size());
     for (const auto& word : words) {
       arguments.push_back(word.c_str());
     }
@@ -53,25 +57,37 @@ class CommandLine : public testing::Test {
     return {status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
   }
 
+  Outcome run(std::vector<std::string> words, const std::string& asOf = noon) const {
+    words.insert(words.begin(), {"--store", path("store.db"), "--key-file", path("key"), "--as-of", asOf});
+    return runBare(std::move(words));
+  }
+
   json list(const std::string& asOf = noon) const {
     return json::parse(run({"catch-up", "--explain", "--json"}, asOf).output);
   }
 
-  void importMail(const std::string& file, const std::string& mails) const {
-    std::ofstream(path(file)) << mails;
-    ASSERT_EQ(run({"import", "--me", "Robin@Orvan.example", "--mbox", path(file)}).status, 0);
+  void importFile(const std::string& kind, const std::string& content, const std::string& me = "Robin@Orvan.example") {
+    std::ofstream(path("imported")) << content;
+    ASSERT_EQ(run({"import", "--me", me, kind, path("imported")}).status, 0);
   }
 
-  void makeStoreWithAMailFromAda() const {
+  void makeStoreWithAMailFromAda() {
     ASSERT_EQ(run({"init"}).status, 0);
-    importMail("mail", mail("a1", "Ada Marsh <ada@hill.example>", "robin@orvan.example",
-                            "Mon, 09 Mar 2026 08:00:00 +0000", "", "The boat is ready."));
+    importFile("--mbox", mail("a1", "08"));
   }
 
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  /// Changes the store behind the program's back.
+  void change(const char* statement) const {
+    const CredentialVault vault(std::make_shared<KeyFile>(path("key")));
+    ApplicationStore::open(path("store.db"), vault, ApplicationStore::Access::write)->write([&](Connection& store) {
+      store.execute(statement);
+    });
+  }
+
+  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
 
  private:
-  std::filesystem::path folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(CommandLine, SnoozedPersonReturnsAtTheEndOrWithANewReason) {
@@ -83,48 +99,82 @@ TEST_F(CommandLine, SnoozedPersonReturnsAtTheEndOrWithANewReason) {
   EXPECT_EQ(before["items"][0]["whyNow"]["evidenceLines"][0], "Last message received Mar 9, 2026.");
 
   const auto snoozed = run({"snooze", "ada@hill.example", "--until", "3d", "--json"});
-  ASSERT_EQ(snoozed.status, 0) << snoozed.errors;
   EXPECT_EQ(json::parse(snoozed.output)["until"], "2026-03-13T12:00:00Z");
-  const auto hidden = list();
-  EXPECT_TRUE(hidden["items"].empty());
-  EXPECT_EQ(hidden["notShown"][0]["reason"], "snoozed");
+  EXPECT_EQ(ApplicationStore::logSize(path("store.db")), 0U) << "no decision stays in the log";
+  EXPECT_EQ(list()["notShown"][0]["reason"], "snoozed");
   EXPECT_EQ(list("2026-03-13T11:59:59Z")["items"].size(), 0U);
   EXPECT_EQ(list("2026-03-13T12:00:00Z")["items"].size(), 1U);
 
-  importMail("more", mail("a2", "Ada Marsh <ada@hill.example>", "robin@orvan.example",
-                          "Tue, 10 Mar 2026 09:00:00 +0000", "a1", "Nobody waits for the tide."));
+  importFile("--mbox", mail("a2", "09", "a1"));
   EXPECT_EQ(list()["items"].size(), 1U);
+  const auto capped = json::parse(run({"catch-up", "--explain", "--json", "--max-people", "0"}).output);
+  EXPECT_TRUE(capped["items"].empty());
+  EXPECT_EQ(capped["notShown"][0]["reason"], "beyondTheCap");
 }
 
 TEST_F(CommandLine, RefusesADecisionAboutAReasonThatChanged) {
   makeStoreWithAMailFromAda();
   const std::string oldKey = list()["items"][0]["itemKey"];
-  importMail("more", mail("a2", "Ada Marsh <ada@hill.example>", "robin@orvan.example",
-                          "Tue, 10 Mar 2026 09:00:00 +0000", "", "Another matter."));
+  importFile("--mbox", mail("a2", "09"));
   const auto refused = run({"dismiss", oldKey});
   EXPECT_EQ(refused.status, 1);
-  EXPECT_NE(refused.errors.find("A conversation with them is waiting on your reply."), std::string::npos);
-  EXPECT_EQ(list()["items"].size(), 1U) << "nothing was dismissed";
-  EXPECT_EQ(run({"dismiss", list()["items"][0]["itemKey"]}).status, 0);
+  EXPECT_NE(refused.errors.find("waiting on your reply. Last message received Mar 9, 2026."), std::string::npos);
+  const std::string newKey = list()["items"].at(0)["itemKey"];
+  EXPECT_EQ(run({"dismiss", newKey}).status, 0);
   EXPECT_EQ(list()["notShown"][0]["reason"], "dismissed");
-  EXPECT_EQ(run({"snooze", "ada@hill.example", "--until", "2026-01-01"}).status, 1);
-  EXPECT_EQ(run({"snooze", "ada@hill.example", "--until", "someday"}).status, 2);
+  const auto tooLate = run({"snooze", newKey, "--until", "3d"});
+  EXPECT_EQ(tooLate.status, 0);
+  EXPECT_EQ(tooLate.output.find("An earlier decision is final"), 0U) << tooLate.output;
+  EXPECT_EQ(run({"snooze", newKey, "--until", "2026-01-01"}).status, 1);
+  EXPECT_EQ(run({"snooze", newKey, "--until", "someday"}).status, 2);
+}
+
+TEST_F(CommandLine, HonoursADeclineUnderAnAddressToldEarlier) {
+  makeStoreWithAMailFromAda();
+  const auto calendarWith = [](const std::string& answer) {
+    return "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:a\nDTSTART:20260312T090000Z\nORGANIZER:mailto:kim@hill.example\n"
+           "ATTENDEE;PARTSTAT=" +
+           answer + ":mailto:robin@orvan.example\nEND:VEVENT\nEND:VCALENDAR\n";
+  };
+  importFile("--ics", calendarWith("ACCEPTED"), "robin@home.example");
+  EXPECT_EQ(list()["items"].size(), 2U);
+  importFile("--ics", calendarWith("DECLINED"), "robin@home.example");
+  EXPECT_EQ(list()["items"].size(), 1U);
+}
+
+TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"frobnicate"},
+                                                {},
+                                                {"snooze", "ada"},
+                                                {"people", "--store", ""},
+                                                {"people", "--key-file="},
+                                                {"people", "--as-of", ""},
+                                                {"people", "--as-of", "yesterday"},
+                                                {"people", "--max-people", "-1"},
+                                                {"people", "--max-people", "many"},
+                                                {"why", ""},
+                                                {"import", "--me", "a@b"},
+                                                {"import", "--mbox", ""}}) {
+    const auto refused = runBare(words);
+    EXPECT_EQ(refused.status, 2) << testing::PrintToString(words);
+    EXPECT_TRUE(refused.output.empty());
+    EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1) << refused.errors;
+    EXPECT_TRUE(refused.errors.starts_with("orvan: ") && refused.errors.ends_with(".\n")) << refused.errors;
+  }
+  EXPECT_EQ(runBare({"--help"}).status, 0);
 }
 
 TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   EXPECT_EQ(run({"catch-up"}).status, 3) << "no store";
   EXPECT_FALSE(std::filesystem::exists(path("store.db")));
-  EXPECT_EQ(run({"frobnicate"}).status, 2);
-  EXPECT_EQ(run({"catch-up"}, "yesterday").status, 2);
   ASSERT_EQ(run({"init"}).status, 0);
   EXPECT_EQ(run({"init"}).status, 1) << "never over an existing store";
   EXPECT_EQ(run({"import", "--me", "robin@orvan.example", "--mbox", path("missing")}).status, 1);
   EXPECT_EQ(run({"import", "--me", "nobody", "--mbox", path("missing")}).status, 2);
-  EXPECT_EQ(run({"doctor"}).status, 0);
 
-  std::filesystem::permissions(path("key"), std::filesystem::perms::group_read, std::filesystem::perm_options::add);
+  std::filesystem::permissions(path("key"), perms::group_read, std::filesystem::perm_options::add);
   EXPECT_EQ(run({"people"}).status, 3) << "a key that others can read";
-  std::filesystem::permissions(path("key"), std::filesystem::perms::group_read, std::filesystem::perm_options::remove);
+  std::filesystem::permissions(path("key"), perms::group_read, std::filesystem::perm_options::remove);
   std::ofstream(path("key"), std::ios::binary | std::ios::trunc) << std::string(32, 'k');
   EXPECT_EQ(run({"catch-up"}).status, 3) << "another key";
   EXPECT_EQ(run({"doctor"}).status, 1);
@@ -140,11 +190,33 @@ TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   EXPECT_FALSE(std::filesystem::exists(path("key")));
 }
 
-TEST_F(CommandLine, PeopleBeyondTheCapAreNamedAsSuch) {
+TEST_F(CommandLine, KeepsItsOwnFolderPrivate) {
+  setenv("XDG_DATA_HOME", path("data").c_str(), 1);
+  ASSERT_EQ(runBare({"init"}).status, 0);
+  std::filesystem::permissions(path("data/orvan"), perms{0750});
+  EXPECT_EQ(runBare({"people"}).status, 3);
+  EXPECT_EQ(runBare({"doctor"}).status, 1);
+}
+
+TEST_F(CommandLine, SaysWhenItsOutputIsLost) {
+  std::ofstream full("/dev/full");
+  auto* const before = std::cout.rdbuf(full.rdbuf());
+  const auto outcome = runBare({"--help"});
+  std::cout.rdbuf(before);
+  std::cout.clear();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.errors.find("could not be written"), std::string::npos);
+}
+
+TEST_F(CommandLine, ExplainsADamagedStoreAndANamelessPerson) {
   makeStoreWithAMailFromAda();
-  const auto capped = json::parse(run({"catch-up", "--explain", "--json", "--max-people", "0"}).output);
-  EXPECT_TRUE(capped["items"].empty());
-  EXPECT_EQ(capped["notShown"][0]["reason"], "beyondTheCap");
+  EXPECT_EQ(run({"doctor"}).status, 0);
+  change("UPDATE person SET display_name = ' '");
+  EXPECT_EQ(list()["notShown"].at(0)["reason"], "noName");
+  change("DROP INDEX open_loop_by_person");
+  const auto examined = run({"doctor"});
+  EXPECT_EQ(examined.status, 1);
+  EXPECT_NE(examined.output.find("The store lacks index open_loop_by_person;"), std::string::npos) << examined.output;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "OrvanPlatform/printable_text.h"
 #include "OrvanPlatform/secret_bytes.h"
 #include "OrvanPlatform/white_space.h"
 
@@ -19,6 +20,14 @@ TEST(WhiteSpace, AcceptsAnIdentifierOnlyWhenItIsItsOwnTrimmedForm) {
   for (const char* refused : {"", "p-42\u00a0", "\np-42"}) {
     EXPECT_FALSE(isTrimmedAndNotEmpty(refused)) << refused;
   }
+}
+
+TEST(PrintableText, ShowsWhatATerminalWouldObey) {
+  EXPECT_EQ(printableText("a\nb\x1b[2J\x7f\u0085\u009b31m\u2028\u202eevil\u2066\u200f"), "a b [2J   31m  evil  ");
+  EXPECT_EQ(printableText("Zoë 山田 \U0001F469\u200D\U0001F52C"), "Zoë 山田 \U0001F469\u200D\U0001F52C");
+  EXPECT_EQ(printableText("a\xff"
+                          "b"),
+            "a\ufffdb");
 }
 
 TEST(SecretBytes, HoldsNothingAfterItWasMovedFrom) {

@@ -18,6 +18,10 @@ class KeyFileTest : public testing::Test {
     return faultOf([this] { return keyFile.loadLocalStoreKey(); });
   }
 
+  std::ptrdiff_t filesInFolder() const {
+    return std::distance(std::filesystem::directory_iterator(folder.path()), std::filesystem::directory_iterator());
+  }
+
   ScratchFolder folder;
   std::filesystem::path path = folder.path() / "store.key";
   KeyFile keyFile{path};
@@ -32,6 +36,7 @@ TEST_F(KeyFileTest, GivesBackTheKeyItMadeAndNothingBefore) {
   EXPECT_TRUE(std::ranges::any_of(key->bytes(), [](unsigned char byte) { return byte != 0; }));
   EXPECT_TRUE(std::ranges::equal(key->bytes(), keyFile.loadLocalStoreKey()->bytes()));
   EXPECT_EQ(std::filesystem::status(path).permissions(), perms::owner_read | perms::owner_write);
+  EXPECT_EQ(filesInFolder(), 1) << "nothing of the way it was made stays behind";
 }
 
 TEST_F(KeyFileTest, NeverOverwritesAKey) {
@@ -39,6 +44,7 @@ TEST_F(KeyFileTest, NeverOverwritesAKey) {
   std::filesystem::permissions(path, perms::owner_read | perms::owner_write);
   EXPECT_EQ(faultOf([this] { keyFile.create(); }), CredentialVaultError::keyExists);
   EXPECT_EQ(keyFile.loadLocalStoreKey()->size(), 5U);
+  EXPECT_EQ(filesInFolder(), 1);
 }
 
 TEST_F(KeyFileTest, RefusesAFileThatOthersCanReachAndAPathThatIsNoFile) {
