@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "OrvanPlatform/internet_date_time.h"
 
 namespace orvan {
@@ -38,20 +40,18 @@ std::string plain(const std::string& body) {
   return "Content-Type: text/plain; charset=utf-8\n\n" + body + "\n";
 }
 
-std::optional<std::string> questionOfParts(const std::vector<std::string>& parts, const std::string& kind = "mixed") {
+std::optional<std::string> questionOfParts(const std::vector<std::string>& parts) {
   std::string body = "preamble, is it read?\n";
   for (const auto& part : parts) {
     body += "--b\n" + part;
   }
-  return message("Content-Type: multipart/" + kind + "; boundary=\"b\"\n", body + "--b--\nepilogue").question;
+  return message("Content-Type: multipart/mixed; boundary=\"b\"\n", body + "--b--\nepilogue").question;
 }
 
 TEST(MailDates, AreWholeSecondsInUtc) {
-  const auto sentAt = [](const std::string& date) {
-    return formatInternetDateTime(message("Date: " + date + "\n").sentAt);
-  };
-  EXPECT_EQ(sentAt("Thu, 5 Mar 2026 09:15:07 -0530 (IST)"), "2026-03-05T14:45:07Z");
-  EXPECT_EQ(sentAt("5 Mar 26 09:15 GMT"), "2026-03-05T09:15:00Z");
+  EXPECT_EQ(formatInternetDateTime(message("Date: Thu, 5 Mar 2026 09:15:07 -0530 (IST)\n").sentAt),
+            "2026-03-05T14:45:07Z");
+  EXPECT_EQ(formatInternetDateTime(message("Date: 5 Mar 26 09:15 GMT\n").sentAt), "2026-03-05T09:15:00Z");
   for (const char* date : {"", "yesterday", "Thu, 32 Mar 2026 09:15:00 +0000", "Wed, 31 Dec 1969 23:59:59 +0000",
                            "Fri, 31 Dec 12026 00:00:00 +0000"}) {
     EXPECT_EQ(parsed("From: zoe@example.org\nDate: " + std::string{date} + "\n"),
@@ -63,39 +63,43 @@ TEST(MailDates, AreWholeSecondsInUtc) {
 TEST(MailAddresses, AreDecodedAndComparable) {
   const auto mail = message(
       "To: =?utf-8?Q?Zo=C3=AB?= =?iso-8859-1?Q?_M=FCller?= <Zoe@Example.ORG>,\n\t\"Doe, Ana\" <ana@example.org>\n"
-      "Cc: team: bo@example.org, Carl <carl@example.org>;, 'eva@example.org', nobody, <>\n");
+      "Cc: team: bo@example.org, Carl <carl@example.org>;, 'eva@example.org', nobody, <>\n"
+      "From: Zo\xeb <zoe@example.org>\n");
   EXPECT_THAT(mail.to,
               ElementsAre(MailAddress{"Zoë Müller", "zoe@example.org"}, MailAddress{"Doe, Ana", "ana@example.org"}));
   EXPECT_THAT(mail.cc, ElementsAre(MailAddress{"", "bo@example.org"}, MailAddress{"Carl", "carl@example.org"},
                                    MailAddress{"", "eva@example.org"}));
+  EXPECT_THAT(mail.from, ElementsAre(MailAddress{"Zoë", "zoe@example.org"}));
   EXPECT_THAT(message("To: undisclosed-recipients:;\n").to, IsEmpty());
-  EXPECT_THAT(message("From: Zo\xeb <zoe@example.org>\n").from, ElementsAre(MailAddress{"Zoë", "zoe@example.org"}));
 }
 
-TEST(MailAddresses, AreNeverReadFromTheEndOfACutOffList) {
+TEST(MailAddresses, AreReadFromListsOfAnyLengthAndDepth) {
   std::string list = "a0@example.org";
   for (int count = 1; list.size() < 70'000; ++count) {
     list += ", someone.with.a.long.name." + std::to_string(count) + "@example.org";
   }
   const auto to = message("To: " + list + "\n").to;
   ASSERT_GT(to.size(), 1000U);
-  EXPECT_TRUE(to.back().address.ends_with("@example.org")) << to.back().address;
-  std::string nested = "To: ";
+  EXPECT_TRUE(to.back().address.ends_with("@example.org")) << "cut off within " << to.back().address;
+  std::string nested;
   for (int depth = 0; depth < 30'000; ++depth) {
     nested += "a:";
   }
-  EXPECT_THAT(message(nested + "b@example.org\n").messageID, "own@example.org") << "nested groups are no stack";
+  EXPECT_EQ(message("To: " + nested + "b@example.org\n").messageID, "own@example.org") << "nested groups are no stack";
 }
 
 TEST(MailSubjects, AreReadableWhateverTheirBytes) {
-  const auto subject = [](const std::string& raw) { return message("Subject: " + raw + "\n").subject; };
-  EXPECT_EQ(subject("=?utf-8?B?WsO8cmljaA==?=\n =?utf-8?Q?_trip?="), "Zürich trip");
-  EXPECT_EQ(subject("a\n\tfolded   one "), "a folded one");
-  EXPECT_EQ(subject("Z\xc3\xbcrich"), "Zürich");
-  EXPECT_EQ(subject("Z\xfcrich"), "Zürich") << "not UTF-8";
-  EXPECT_EQ(subject(std::string("nul\0bell\a", 9)), "nul bell");
-  EXPECT_EQ(subject("=?no-such-charset?Q?plain?="), "plain");
-  EXPECT_EQ(message("sUbJeCt : first\nSubject: second\n").subject, "first");
+  const std::vector<std::pair<std::string, std::string>> subjects{
+      {"=?utf-8?B?WsO8cmljaA==?=\n =?utf-8?Q?_trip?=", "Zürich trip"},
+      {"a\n\tfolded   one ", "a folded one"},
+      {"Z\xc3\xbcrich", "Zürich"},
+      {"Z\xfcrich", "Zürich"},
+      {std::string("nul\0bell\a", 9), "nul bell"},
+      {"=?no-such-charset?Q?plain?=", "plain"},
+      {"first\nSubject: second", "first"}};
+  for (const auto& [raw, readable] : subjects) {
+    EXPECT_EQ(message("sUbJeCt : " + raw + "\n").subject, readable);
+  }
 }
 
 TEST(Threading, PutsReferencesBeforeInReplyToWithoutRepeats) {
@@ -108,18 +112,14 @@ TEST(Threading, PutsReferencesBeforeInReplyToWithoutRepeats) {
   EXPECT_THAT(references("In-Reply-To: your message of Monday\nReferences: <> <a@x> <unclosed@x\n"),
               ElementsAre("a@x"));
   EXPECT_EQ(message("Message-ID: no-brackets\n").messageID, "no-brackets");
-}
 
-TEST(Threading, KeepsTheFirstAndTheLastReferencesOfALongThread) {
-  std::string field = "References:";
+  std::string longThread = "References:";
   for (int count = 0; count < 150; ++count) {
-    field += " <" + std::to_string(count) + "@x>";
+    longThread += " <" + std::to_string(count) + "@x>";
   }
-  const auto references = message(field + "\n").references;
-  ASSERT_EQ(references.size(), 100U);
-  EXPECT_EQ(references[0], "0@x");
-  EXPECT_EQ(references[1], "51@x");
-  EXPECT_EQ(references[99], "149@x");
+  const auto kept = references(longThread + "\n");
+  ASSERT_EQ(kept.size(), 100U) << "the first and the last ones";
+  EXPECT_EQ(kept[0] + kept[1] + kept[99], "0@x51@x149@x");
 }
 
 TEST(Automation, IsSeenInFieldsAndMailboxes) {
@@ -143,14 +143,14 @@ TEST(Automation, IsSeenInFieldsAndMailboxes) {
 }
 
 TEST(Forwards, AskNothingButAnswersToThemDo) {
-  const auto question = [](const std::string& subject) {
-    return message("Subject: " + subject + "\n", "Are you there?\n").question;
+  const auto asks = [](const std::string& subject) {
+    return message("Subject: " + subject + "\n", "Are you there?\n").question.has_value();
   };
   for (const char* subject : {"Fwd: plan", "FW: plan", "WG: Plan", "[Fwd: plan]"}) {
-    EXPECT_EQ(question(subject), std::nullopt) << subject;
+    EXPECT_FALSE(asks(subject)) << subject;
   }
-  EXPECT_EQ(question("Re: Fwd: plan"), "Are you there?");
-  EXPECT_EQ(question("Forward: plan"), "Are you there?");
+  EXPECT_TRUE(asks("Re: Fwd: plan"));
+  EXPECT_TRUE(asks("Forward: plan"));
 }
 
 TEST(Bodies, AreReadFromTheFirstTextThatIsNotAttached) {
@@ -173,34 +173,35 @@ TEST(Bodies, OfHtmlGiveWhatTheirReaderSees) {
                 "<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
                 "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")}),
             "Hi Zoë, d'you come too?");
-  EXPECT_EQ(
-      questionOfParts({html("<p>No.</p><blockquote>Is this <blockquote>and this</blockquote> quoted?</blockquote>")}),
-      std::nullopt);
+  EXPECT_EQ(questionOfParts({html("<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}),
+            std::nullopt);
   EXPECT_EQ(questionOfParts({html("Is it 1 &lt; 2 & 3 < 4?<br")}), "Is it 1 < 2 & 3 < 4?");
 }
 
 TEST(Bodies, AreDecodedWhateverTheirCharset) {
-  const auto question = [](const std::string& fields, const std::string& body) {
-    return message(fields, body).question;
-  };
-  EXPECT_EQ(question("Content-Transfer-Encoding: quoted-printable\nContent-Type: text/plain; charset=utf-8\n",
-                     "Gehen wir nach Z=C3=BCr=\nich?\n"),
-            "Gehen wir nach Zürich?");
-  EXPECT_EQ(question("Content-Transfer-Encoding: BASE64\n", "QXJlIHlv\ndSB0aGVy\nZT8=\n"), "Are you there?");
-  EXPECT_EQ(question("Content-Type: text/plain; charset=\"ISO-8859-1\"\n", "Nach Z\xfcrich \x93heute\x94?\n"),
-            "Nach Zürich “heute”?");
-  EXPECT_EQ(question("Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xba\xc3\xc2\xf0\xa3\xbf"), "你好吗？");
-  EXPECT_EQ(question("Content-Type: text/plain; charset=no-such\n", "Nach Z\xfcrich?\n"), "Nach Zürich?");
-  EXPECT_EQ(question("Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n"), "Nach Z\uFFFDrich?");
-  EXPECT_EQ(question("", std::string("Are\0 you there?\n", 16)), "Are you there?");
+  struct {
+    const char* fields;
+    std::string body;
+    const char* question;
+  } const bodies[]{
+      {"Content-Transfer-Encoding: quoted-printable\nContent-Type: text/plain; charset=utf-8\n",
+       "Gehen wir nach Z=C3=BCr=\nich?\n", "Gehen wir nach Zürich?"},
+      {"Content-Transfer-Encoding: BASE64\n", "QXJlIHlv\ndSB0aGVy\nZT8=\n", "Are you there?"},
+      {"Content-Type: text/plain; charset=\"ISO-8859-1\"\n", "Nach Z\xfcrich \x93heute\x94?\n", "Nach Zürich “heute”?"},
+      {"Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xba\xc3\xc2\xf0\xa3\xbf", "你好吗？"},
+      {"Content-Type: text/plain; charset=no-such\n", "Nach Z\xfcrich?\n", "Nach Zürich?"},
+      {"Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
+      {"", std::string("Are\0 you there?\n", 16), "Are you there?"}};
+  for (const auto& [fields, body, question] : bodies) {
+    EXPECT_EQ(message(fields, body).question, question) << fields;
+  }
 }
 
 TEST(Bodies, NestedWithoutEndAreGivenUp) {
   std::string body;
   for (int depth = 0; depth < 5000; ++depth) {
     const auto boundary = "b" + std::to_string(depth);
-    body.append("Content-Type: multipart/mixed; boundary=").append(boundary);
-    body.append("\n\n--").append(boundary).append("\n");
+    body += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
   }
   EXPECT_EQ(questionOfParts({body + plain("Is this deep?")}), std::nullopt);
   EXPECT_EQ(questionOfParts({body, plain("Is this after it?")}), "Is this after it?");

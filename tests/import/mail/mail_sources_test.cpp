@@ -1,0 +1,185 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "OrvanPlatform/error.h"
+#include "application/import/mail/mail_source_error.h"
+#include "application/import/mail/maildir_source.h"
+#include "application/import/mail/mbox_source.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::string_view separator = "From zoe@example.org Thu Mar  5 09:15:00 2026\n";
+
+std::string mail(const std::string& subject, const std::string& body = "Hello.\n") {
+  return "From: zoe@example.org\nDate: Thu, 5 Mar 2026 09:15:00 +0000\nSubject: " + subject + "\n\n" + body;
+}
+
+/// The same in an mbox file.
+std::string entry(const std::string& subject, const std::string& body = "Hello.\n") {
+  return std::string{separator} + mail(subject, body);
+}
+
+std::string withCrLf(const std::string& text) {
+  std::string lines;
+  for (const char byte : text) {
+    lines += byte == '\n' ? "\r\n" : std::string{byte};
+  }
+  return lines;
+}
+
+/// One word per item: the subject of a message, or "(description)" of a skip.
+std::vector<std::string> outlineOf(MailSource& source) {
+  std::vector<std::string> outline;
+  while (const auto item = source.next()) {
+    const auto* message = std::get_if<MailMessage>(&*item);
+    outline.push_back(message != nullptr ? message->subject
+                                         : "(" + std::string{description(std::get<MailSkip>(*item).reason)} + ")");
+  }
+  return outline;
+}
+
+class Mailbox : public testing::Test {
+ protected:
+  std::filesystem::path write(const std::string& name, std::string_view content) const {
+    const auto file = path() / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream{file, std::ios::binary} << content;
+    return file;
+  }
+  std::filesystem::path path() const { return folder_.path(); }
+
+  std::vector<std::string> outline(const std::string& mbox) const {
+    MboxSource source{write("inbox", mbox)};
+    return outlineOf(source);
+  }
+
+  static MailMessage firstOf(MailSource&& source) { return std::get<MailMessage>(source.next().value()); }
+  std::optional<std::string> questionIn(const std::string& body) const {
+    return firstOf(MboxSource{write("inbox", entry("one", body))}).question;
+  }
+
+  template <typename Source>
+  static std::error_code openingErrorOf(const std::filesystem::path& mailbox) {
+    try {
+      const Source source{mailbox};
+      return {};
+    } catch (const Error& error) {
+      return error.code();
+    }
+  }
+
+ private:
+  ScratchFolder folder_;
+};
+
+TEST_F(Mailbox, OfMboxFormBeginsAMailOnlyAtAFromLineAfterABlankLine) {
+  EXPECT_THAT(
+      outline(entry("one") + "\n" + entry("two", "") + "\n" + entry("three", "A line.\nFrom here on, all is body.\n")),
+      ElementsAre("one", "two", "three"));
+  EXPECT_THAT(outline(entry("one", "\nFROM here\n\n From there\n\n>From elsewhere\n\nFromage\n")), ElementsAre("one"));
+  EXPECT_THAT(outline("\n\n" + entry("one")), ElementsAre("one")) << "blank lines before the first mail are nothing";
+  EXPECT_THAT(outline(withCrLf(entry("one") + "\n" + entry("two"))), ElementsAre("one", "two"));
+  EXPECT_THAT(outline(entry("one") + "\n" + entry("two", "no line end")), ElementsAre("one", "two"));
+  EXPECT_THAT(outline(std::string{separator}), ElementsAre("(no sender address)"));
+  EXPECT_THAT(outline(""), IsEmpty());
+}
+
+TEST_F(Mailbox, OfMboxFormGivesEscapedLinesAsTheyWereSent) {
+  EXPECT_EQ(questionIn("\n>From Monday on, are you away?\n"), "From Monday on, are you away?");
+  EXPECT_EQ(questionIn("\n>>From Monday on, are you away?\n"), std::nullopt) << "a quoted line, escaped";
+  EXPECT_EQ(questionIn("\n>Fromage, would you like any?\n"), std::nullopt) << "not escaped, but quoted";
+}
+
+TEST_F(Mailbox, OfMboxFormCountsWhatIsNoMailAndGoesOn) {
+  EXPECT_THAT(outline(std::string("\x7f"
+                                  "ELF\0\0binary\n",
+                                  13) +
+                      "\nmore"),
+              ElementsAre("(text that is not in mbox form)"));
+  EXPECT_THAT(outline("Some notes.\n\n" + entry("one")), ElementsAre("(text that is not in mbox form)", "one"));
+  EXPECT_THAT(outline("From a\nDate: Thu, 5 Mar 2026 09:15:00 +0000\n\n\n" + entry("one") +
+                      "\nFrom b\nFrom: b@example.org\n\n"),
+              ElementsAre("(no sender address)", "one", "(no readable date)"));
+  const auto whole = entry("one");
+  EXPECT_THAT(outline(whole + "\n" + whole.substr(0, whole.find("Date:") + 10)),
+              ElementsAre("one", "(no readable date)"))
+      << "cut off within the header";
+}
+
+TEST_F(Mailbox, OfMboxFormIsReadWhateverTheSizeOfLinesAndBodies) {
+  const std::string longLine(10'000'000, 'x');
+  EXPECT_THAT(outline(entry("one", longLine + "\nFrom here\n" + longLine) + "\n\n" + entry("two")),
+              ElementsAre("one", "two"));
+  EXPECT_THAT(outline("From " + longLine + "\n" + mail("one")), ElementsAre("one"))
+      << "the separator takes its line, however long";
+  EXPECT_THAT(outline("From a\nX-Long: " + longLine + "\n" + mail("one") + "\n" + entry("two")),
+              ElementsAre("(no sender address)", "two"))
+      << "header lines after the limit are dropped";
+}
+
+TEST_F(Mailbox, TellsHowFarItIsRead) {
+  const auto content = entry("one") + "\n" + entry("one");
+  MboxSource source{write("inbox", content)};
+  EXPECT_EQ(source.bytesTotal(), content.size());
+  EXPECT_EQ(source.bytesRead(), 0U);
+  const auto first = source.next();
+  EXPECT_EQ(source.bytesRead(), entry("one").size() + 1);
+  EXPECT_EQ(first, source.next()) << "a copy is given as often as it is there";
+  EXPECT_EQ(source.bytesRead(), content.size());
+  EXPECT_EQ(source.next(), std::nullopt);
+  EXPECT_EQ(source.next(), std::nullopt);
+}
+
+TEST_F(Mailbox, OfMaildirFormGivesDeliveredMailsOfAllFoldersInTheOrderOfTheirPaths) {
+  write("new/3", mail("new"));
+  write("cur/2:2,S", mail("second"));
+  write("cur/1:2,RS", mail("first"));
+  write("tmp/0", mail("half-written"));
+  write(".Sent/cur/1:2,S", mail("sent"));
+  write(".Archive.2025/new/1", mail("archived"));
+  write("cur/.hidden", mail("no mail"));
+  MaildirSource source{path()};
+  EXPECT_THAT(outlineOf(source), ElementsAre("first", "second", "new", "archived", "sent"));
+  EXPECT_EQ(source.bytesTotal() - source.bytesRead(), mail("no mail").size());
+}
+
+TEST_F(Mailbox, OfMaildirFormSkipsDraftsAndTrashAndWhatCannotBeRead) {
+  write("cur/1:2,DS", mail("draft"));
+  write("cur/2:2,ST", mail("trashed"));
+  write("cur/3!2,T", mail("trashed, on a file system without colons"));
+  write("cur/4T:2,S", mail("a T in the unique name"));
+  std::filesystem::create_symlink("nowhere", path() / "cur/5:2,S");
+  std::filesystem::create_directory(path() / "cur/6");
+  write("cur/7", "");
+  MaildirSource source{path()};
+  EXPECT_THAT(outlineOf(source),
+              ElementsAre("(draft)", "(in the trash)", "(in the trash)", "a T in the unique name",
+                          "(file that cannot be read)", "(file that cannot be read)", "(no sender address)"));
+}
+
+TEST_F(Mailbox, RecognisesAMailWithoutIdInEitherForm) {
+  write("cur/1", mail("no id"));
+  const auto inMbox = write("inbox", withCrLf("From zoe\nStatus: RO\nX-Mozilla-Status: 0001\n" + mail("no id")));
+  const auto other = write("other", entry("another"));
+  EXPECT_EQ(firstOf(MaildirSource{path()}).messageID, firstOf(MboxSource{inMbox}).messageID);
+  EXPECT_NE(firstOf(MboxSource{inMbox}).messageID, firstOf(MboxSource{other}).messageID);
+}
+
+TEST_F(Mailbox, SaysWhyItCannotBeOpened) {
+  const auto file = write("file", "");
+  EXPECT_EQ(openingErrorOf<MboxSource>(path()), MailSourceError::isAFolder);
+  EXPECT_EQ(openingErrorOf<MboxSource>(path() / "absent"), MailSourceError::notFound);
+  EXPECT_EQ(openingErrorOf<MaildirSource>(path()), MailSourceError::notAMaildir);
+  EXPECT_EQ(openingErrorOf<MaildirSource>(file), MailSourceError::isAFile);
+  EXPECT_EQ(openingErrorOf<MaildirSource>(path() / "absent"), MailSourceError::notFound);
+}
+
+} // namespace
+} // namespace orvan
