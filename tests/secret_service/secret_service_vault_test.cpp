@@ -35,6 +35,7 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   bool started() const { return process_ != nullptr; }
+  bool endsWell() const { return started() && g_subprocess_wait_check(process_, nullptr, nullptr) != FALSE; }
 
   void writeAndClose(std::string_view text) {
     GOutputStream* input = g_subprocess_get_stdin_pipe(process_);
@@ -44,8 +45,8 @@ class Program {
 
   std::string readLine() {
     std::string line;
-    for (char c = 0;
-         g_input_stream_read(g_subprocess_get_stdout_pipe(process_), &c, 1, nullptr, nullptr) == 1 && c != '\n';) {
+    char c = 0;
+    while (g_input_stream_read(g_subprocess_get_stdout_pipe(process_), &c, 1, nullptr, nullptr) == 1 && c != '\n') {
       line += c;
     }
     return line;
@@ -67,8 +68,8 @@ class SecretServiceVaultTest : public testing::Test {
     const auto configuration = home_ + "/bus.conf";
     std::ofstream{configuration} << "<busconfig><type>session</type><listen>unix:dir=" << home_
                                  << "</listen><auth>EXTERNAL</auth><policy context='default'>"
-                                    "<allow send_destination='*' eavesdrop='true'/><allow eavesdrop='true'/><allow "
-                                    "own='*'/></policy></busconfig>";
+                                    "<allow send_destination='*' eavesdrop='true'/><allow eavesdrop='true'/>"
+                                    "<allow own='*'/></policy></busconfig>";
     const auto option = "--config-file=" + configuration;
     bus_.emplace(std::vector{"dbus-daemon", "--nofork", "--print-address=1", option.c_str()});
     if (!bus_->started()) {
@@ -88,13 +89,14 @@ class SecretServiceVaultTest : public testing::Test {
 
   void endBus() { bus_.reset(); }
 
-  /// False, and the test skipped, when there is no keyring to test with.
+  /// Whether there is a keyring to test with.
   bool startKeyring() {
     keyring_.emplace(std::vector{"gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"});
-    if (keyring_->started()) {
-      keyring_->writeAndClose("password");
+    if (!keyring_->started()) {
+      return false;
     }
-    return keyring_->started() && secretServiceAppears();
+    keyring_->writeAndClose("password");
+    return Program({"gdbus", "wait", "--session", "--timeout", "10", "org.freedesktop.secrets"}).endsWell();
   }
 
   static void lockKeyring() {
@@ -109,27 +111,6 @@ class SecretServiceVaultTest : public testing::Test {
   }
 
  private:
-  /// Whether it is on the bus before ten seconds are over.
-  static bool secretServiceAppears() {
-    enum class Wait { on, over, appeared } wait = Wait::on;
-    const auto onAppear = [](GDBusConnection*, const gchar*, const gchar*, gpointer data) {
-      *static_cast<Wait*>(data) = Wait::appeared;
-    };
-    const auto onTimeout = [](gpointer data) -> gboolean {
-      *static_cast<Wait*>(data) = Wait::over;
-      return G_SOURCE_CONTINUE;
-    };
-    const auto watch = g_bus_watch_name(G_BUS_TYPE_SESSION, "org.freedesktop.secrets", G_BUS_NAME_WATCHER_FLAGS_NONE,
-                                        onAppear, nullptr, &wait, nullptr);
-    const auto timeout = g_timeout_add_seconds(10, onTimeout, &wait);
-    while (wait == Wait::on) {
-      g_main_context_iteration(nullptr, TRUE);
-    }
-    g_source_remove(timeout);
-    g_bus_unwatch_name(watch);
-    return wait == Wait::appeared;
-  }
-
   std::string home_;
   std::optional<Program> bus_;
   std::optional<Program> keyring_;
@@ -181,11 +162,8 @@ TEST_F(SecretServiceVaultTest, SaysWhenNothingKeepsSecretsAndOutlivesTheSessionB
   EXPECT_EQ(errorOf([&] { vault.loadLocalStoreKey(); }), CredentialVaultError::vaultUnavailable);
   EXPECT_EQ(errorOf([&] { vault.storeLocalStoreKey(key); }), CredentialVaultError::vaultUnavailable);
 
-  bool closed = false;
-  const auto onClosed = +[](GDBusConnection*, gboolean, GError*, gpointer data) { *static_cast<bool*>(data) = true; };
-  g_signal_connect(bus, "closed", G_CALLBACK(onClosed), &closed);
   endBus();
-  while (!closed) {
+  while (g_dbus_connection_is_closed(bus) == FALSE) {
     g_main_context_iteration(nullptr, TRUE);
   }
   EXPECT_EQ(errorOf([&] { vault.loadLocalStoreKey(); }), CredentialVaultError::vaultUnavailable);

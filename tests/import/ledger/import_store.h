@@ -87,6 +87,17 @@ class TestMailbox final : public MailSource {
 
 /// An encrypted store to import into, and what the library then tells of it on 5 March 2026.
 class ImportStore {
+  static ConnectionConfiguration configuration() {
+    ConnectionConfiguration configuration;
+    configuration.prepare = [](Connection& connection) {
+      // Sixty-four digits are taken as the key itself: deriving one would take longer than the tests.
+      const std::string key = "x'" + std::string(64, '7') + "'";
+      connection.key(std::vector<unsigned char>(key.begin(), key.end()));
+      connection.executeScript("PRAGMA journal_mode = WAL; PRAGMA wal_autocheckpoint = 0; PRAGMA synchronous = OFF");
+    };
+    return configuration;
+  }
+
   /// One text of each piece of evidence on the person with that address.
   template <typename Fetch, typename TextOf, typename... Arguments>
   Texts evidence(Fetch fetch, TextOf textOf, std::string_view address, const Arguments&... arguments) {
@@ -106,18 +117,6 @@ class ImportStore {
 
   static Instant asOf() { return instantOf("2026-03-05T12:00:00Z"); }
   static ImportContext context(Texts own = {me}) { return {std::move(own), asOf()}; }
-  static ConnectionConfiguration configuration() {
-    ConnectionConfiguration configuration;
-    configuration.busyTimeout = std::chrono::milliseconds{0};
-    configuration.prepare = [](Connection& connection) {
-      // Sixty-four digits are taken as the key itself: deriving one would take longer than the tests.
-      const std::string key = "x'" + std::string(64, '7') + "'";
-      connection.key(std::vector<unsigned char>(key.begin(), key.end()));
-      connection.executeScript("PRAGMA journal_mode = WAL; PRAGMA wal_autocheckpoint = 0; PRAGMA synchronous = OFF");
-    };
-    return configuration;
-  }
-
   MailReport import(const std::vector<TestMail>& mails, std::size_t mailsPerBatch = 100, Texts own = {me}) {
     TestMailbox mailbox({mails.begin(), mails.end()});
     return MailImporter(queue, context(std::move(own)), mailsPerBatch).import(mailbox);

@@ -78,21 +78,5 @@ TEST(MailThreads, TakeReferencesThatMakeNoSenseAndOneIDTwice) {
   }
 }
 
-TEST(MailThreads, HoldTenThousandMails) {
-  std::vector<TestMail> mails;
-  for (std::size_t number = 0; number < 10'000; ++number) {
-    TestMail mail{.id = std::to_string(number), .at = minute(number % 5000)};
-    for (std::size_t before = number - std::min<std::size_t>(number, 3); before < number; ++before) {
-      mail.references.push_back(std::to_string(before));
-    }
-    mails.push_back(std::move(mail));
-  }
-  std::ranges::shuffle(mails, std::mt19937{7});
-  ImportStore store;
-  EXPECT_EQ(store.import(mails, 1000).imported, 10'000);
-  EXPECT_THAT(store.texts("SELECT DISTINCT thread_id FROM interaction"), SizeIs(1));
-  EXPECT_THAT(store.waiting(), ElementsAre(minute(4999), minute(4999)));
-}
-
 } // namespace
 } // namespace orvan

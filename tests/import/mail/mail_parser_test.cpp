@@ -75,16 +75,14 @@ TEST(MailAddresses, AreDecodedAndComparable) {
 
 TEST(MailAddresses, AreReadFromListsOfAnyLengthAndDepth) {
   std::string list = "a0@example.org";
+  std::string nested;
   for (int count = 1; list.size() < 70'000; ++count) {
     list += ", someone.with.a.long.name." + std::to_string(count) + "@example.org";
+    nested += "a:a:a:a:a:a:a:a:a:a:a:a:a:a:a:a:a:a:a:a:";
   }
   const auto to = message("To: " + list + "\n").to;
   ASSERT_GT(to.size(), 1000U);
   EXPECT_TRUE(to.back().address.ends_with("@example.org")) << "cut off within " << to.back().address;
-  std::string nested;
-  for (int depth = 0; depth < 30'000; ++depth) {
-    nested += "a:";
-  }
   EXPECT_EQ(message("To: " + nested + "b@example.org\n").messageID, "own@example.org") << "nested groups are no stack";
 }
 
@@ -122,7 +120,7 @@ TEST(Threading, PutsReferencesBeforeInReplyToWithoutRepeats) {
   EXPECT_EQ(kept[0] + kept[1] + kept[99], "0@x51@x149@x");
 }
 
-TEST(Automation, IsSeenInFieldsAndMailboxes) {
+TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
   for (const char* header :
        {"Auto-Submitted: auto-replied; owner=x\n", "Precedence: Bulk\n", "Precedence: junk (x)\n",
         "List-Id: <team.example.org>\n", "Content-Type: multipart/report; boundary=b\n", "From: noreply@example.org\n",
@@ -134,48 +132,37 @@ TEST(Automation, IsSeenInFieldsAndMailboxes) {
   }
   for (const char* header :
        {"Auto-Submitted: no\n", "Precedence: first-class\n", "List-Post: <mailto:team@example.org>\n",
-        "From: nora.reply@example.org\n", "From: postmasters@example.org\n"}) {
-    EXPECT_FALSE(message(header).isAutomated) << header;
+        "From: nora.reply@example.org\n", "From: postmasters@example.org\n", "Subject: Re: Fwd: plan\n",
+        "Subject: Forward: plan\n"}) {
+    const auto mail = message(header, "Are you there?\n");
+    EXPECT_FALSE(mail.isAutomated) << header;
+    EXPECT_EQ(mail.question, "Are you there?") << header;
+  }
+  for (const char* subject : {"Fwd: plan\n", "FW: plan\n", "WG: Plan\n", "[Fwd: plan]\n"}) {
+    EXPECT_EQ(message(std::string{"Subject: "} + subject, "Are you there?\n").question, std::nullopt) << subject;
   }
   EXPECT_TRUE(message("List-Id: x\n").isListMail);
   EXPECT_TRUE(message("List-Unsubscribe: x\n").isListMail);
   EXPECT_FALSE(message("Precedence: bulk\n").isListMail);
 }
 
-TEST(Forwards, AskNothingButAnswersToThemDo) {
-  const auto asks = [](const std::string& subject) {
-    return message("Subject: " + subject + "\n", "Are you there?\n").question.has_value();
-  };
-  for (const char* subject : {"Fwd: plan", "FW: plan", "WG: Plan", "[Fwd: plan]"}) {
-    EXPECT_FALSE(asks(subject)) << subject;
+TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
+  const std::pair<std::vector<std::string>, std::optional<std::string>> bodies[]{
+      {{html("<p>Is this HTML?</p>"), plain("Is this plain?"), plain("Is this later?")}, "Is this plain?"},
+      {{"Content-Disposition: attachment; filename=a.txt\n" + plain("Is this attached?"),
+        "Content-Type: message/rfc822\n\nSubject: x\n\nIs this attached?\n",
+        "Content-Type: multipart/related; boundary=bb\n\n--bb\n" + plain("Is this nested?") + "--bb--\n"},
+       "Is this nested?"},
+      {{plain("Shall we meet then?"), "Content-Type: text/calendar; method=REQUEST\n\nBEGIN:VCALENDAR\n"}, {}},
+      {{"\nIs this bare?\n"}, "Is this bare?"},
+      {{html("<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
+             "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")},
+       "Hi Zoë, d'you come too?"},
+      {{html("<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}, {}},
+      {{html("Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
+  for (const auto& [parts, question] : bodies) {
+    EXPECT_EQ(questionOfParts(parts), question) << parts.front();
   }
-  EXPECT_TRUE(asks("Re: Fwd: plan"));
-  EXPECT_TRUE(asks("Forward: plan"));
-}
-
-TEST(Bodies, AreReadFromTheFirstTextThatIsNotAttached) {
-  EXPECT_EQ(questionOfParts({html("<p>Is this HTML?</p>"), plain("Is this plain?"), plain("Is this later?")}),
-            "Is this plain?");
-  EXPECT_EQ(questionOfParts(
-                {"Content-Disposition: attachment; filename=a.txt\n" + plain("Is this attached?"),
-                 "Content-Type: message/rfc822\n\nSubject: x\n\nIs this attached?\n",
-                 "Content-Type: multipart/related; boundary=bb\n\n--bb\n" + plain("Is this nested?") + "--bb--\n"}),
-            "Is this nested?");
-  EXPECT_EQ(questionOfParts(
-                {plain("Shall we meet then?"), "Content-Type: text/calendar; method=REQUEST\n\nBEGIN:VCALENDAR\n"}),
-            std::nullopt)
-      << "an invitation";
-  EXPECT_EQ(questionOfParts({"\nIs this bare?\n"}), "Is this bare?");
-}
-
-TEST(Bodies, OfHtmlGiveWhatTheirReaderSees) {
-  EXPECT_EQ(questionOfParts({html(
-                "<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
-                "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")}),
-            "Hi Zoë, d'you come too?");
-  EXPECT_EQ(questionOfParts({html("<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}),
-            std::nullopt);
-  EXPECT_EQ(questionOfParts({html("Is it 1 &lt; 2 & 3 < 4?<br")}), "Is it 1 < 2 & 3 < 4?");
 }
 
 TEST(Bodies, AreDecodedWhateverTheirCharset) {

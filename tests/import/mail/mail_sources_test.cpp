@@ -97,28 +97,20 @@ TEST_F(Mailbox, OfMboxFormGivesEscapedLinesAsTheyWereSent) {
   EXPECT_EQ(questionIn("\n>Fromage, would you like any?\n"), std::nullopt) << "not escaped, but quoted";
 }
 
-TEST_F(Mailbox, OfMboxFormCountsWhatIsNoMailAndGoesOn) {
-  EXPECT_THAT(outline(std::string("\x7f"
-                                  "ELF\0\0binary\n",
-                                  13) +
-                      "\nmore"),
-              ElementsAre("(text that is not in mbox form)"));
-  EXPECT_THAT(outline("Some notes.\n\n" + entry("one")), ElementsAre("(text that is not in mbox form)", "one"));
+TEST_F(Mailbox, OfMboxFormIsReadPastWhatIsNoMailAndPastAnySize) {
+  const std::string notMbox = "(text that is not in mbox form)";
+  EXPECT_THAT(outline(std::string("\x7f\0\0binary\n\nmore", 15)), ElementsAre(notMbox));
+  EXPECT_THAT(outline("Some notes.\n\n" + entry("one")), ElementsAre(notMbox, "one"));
   EXPECT_THAT(outline("From a\nDate: Thu, 5 Mar 2026 09:15:00 +0000\n\n\n" + entry("one") +
                       "\nFrom b\nFrom: b@example.org\n\n"),
               ElementsAre("(no sender address)", "one", "(no readable date)"));
-  const auto whole = entry("one");
-  EXPECT_THAT(outline(whole + "\n" + whole.substr(0, whole.find("Date:") + 10)),
-              ElementsAre("one", "(no readable date)"))
+  EXPECT_THAT(outline(entry("one") + "\n" + entry("two").substr(0, 80)), ElementsAre("one", "(no readable date)"))
       << "cut off within the header";
-}
 
-TEST_F(Mailbox, OfMboxFormIsReadWhateverTheSizeOfLinesAndBodies) {
   const std::string longLine(10'000'000, 'x');
   EXPECT_THAT(outline(entry("one", longLine + "\nFrom here\n" + longLine) + "\n\n" + entry("two")),
               ElementsAre("one", "two"));
-  EXPECT_THAT(outline("From " + longLine + "\n" + mail("one")), ElementsAre("one"))
-      << "the separator takes its line, however long";
+  EXPECT_THAT(outline("From " + longLine + "\n" + mail("one")), ElementsAre("one")) << "a separator of any length";
   EXPECT_THAT(outline("From a\nX-Long: " + longLine + "\n" + mail("one") + "\n" + entry("two")),
               ElementsAre("(no sender address)", "two"))
       << "header lines after the limit are dropped";
@@ -138,30 +130,17 @@ TEST_F(Mailbox, TellsHowFarItIsRead) {
 }
 
 TEST_F(Mailbox, OfMaildirFormGivesDeliveredMailsOfAllFoldersInTheOrderOfTheirPaths) {
-  write("new/3", mail("new"));
-  write("cur/2:2,S", mail("second"));
-  write("cur/1:2,RS", mail("first"));
-  write("tmp/0", mail("half-written"));
-  write(".Sent/cur/1:2,S", mail("sent"));
-  write(".Archive.2025/new/1", mail("archived"));
-  write("cur/.hidden", mail("no mail"));
+  for (const char* name : {"new/3", "cur/1:2,RS", "cur/2:2,DS", "cur/3:2,ST", "cur/4!2,T", "cur/5T:2,S", "tmp/0",
+                           ".Sent/cur/1:2,S", ".Archive.2025/new/1", "cur/.hidden"}) {
+    write(name, mail(name));
+  }
+  std::filesystem::create_symlink("nowhere", path() / "cur/6:2,S");
+  std::filesystem::create_directory(path() / "cur/7");
+  write("cur/8", "");
   MaildirSource source{path()};
-  EXPECT_THAT(outlineOf(source), ElementsAre("first", "second", "new", "archived", "sent"));
-  EXPECT_EQ(source.bytesTotal() - source.bytesRead(), mail("no mail").size());
-}
-
-TEST_F(Mailbox, OfMaildirFormSkipsDraftsAndTrashAndWhatCannotBeRead) {
-  write("cur/1:2,DS", mail("draft"));
-  write("cur/2:2,ST", mail("trashed"));
-  write("cur/3!2,T", mail("trashed, on a file system without colons"));
-  write("cur/4T:2,S", mail("a T in the unique name"));
-  std::filesystem::create_symlink("nowhere", path() / "cur/5:2,S");
-  std::filesystem::create_directory(path() / "cur/6");
-  write("cur/7", "");
-  MaildirSource source{path()};
-  EXPECT_THAT(outlineOf(source),
-              ElementsAre("(draft)", "(in the trash)", "(in the trash)", "a T in the unique name",
-                          "(file that cannot be read)", "(file that cannot be read)", "(no sender address)"));
+  EXPECT_THAT(outlineOf(source), ElementsAre("cur/1:2,RS", "(draft)", "(in the trash)", "(in the trash)", "cur/5T:2,S",
+                                             "(file that cannot be read)", "(file that cannot be read)",
+                                             "(no sender address)", "new/3", ".Archive.2025/new/1", ".Sent/cur/1:2,S"));
 }
 
 TEST_F(Mailbox, RecognisesAMailWithoutIdInEitherForm) {
