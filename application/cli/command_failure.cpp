@@ -86,12 +86,10 @@ CommandFailure failureOf(const Error& error) {
   if (code == AttentionDispositionStoreError::invalidKeyLength) {
     return failureOf(ApplicationStoreError::keyMalformed);
   }
-  if (isOf<AttentionEvidenceCompilerError>(code) || isOf<AttentionDispositionStoreError>(code)) {
-    return failureOf(ApplicationStoreError::cannotDecrypt);
-  }
   if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
     return {ExitCode::failed, code.message()};
   }
+  // The library's own connections open after the application's has told a wrong key from everything else.
   return failureOf(ApplicationStoreError::cannotReachStore);
 }
 

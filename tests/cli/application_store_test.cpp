@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <functional>
 #include <thread>
 
 #include "OrvanPlatform/error.h"
@@ -16,7 +15,8 @@ class OwnStore : public testing::Test {
  protected:
   OwnStore() { deriveKeysQuickly(); }
 
-  static std::error_code faultOf(const std::function<void()>& attempt) {
+  template <typename Attempt>
+  static std::error_code faultOf(Attempt attempt) {
     try {
       attempt();
     } catch (const Error& error) {
@@ -24,11 +24,12 @@ class OwnStore : public testing::Test {
     }
     return {};
   }
-  std::error_code creationFault() const {
+  std::error_code create() const {
     return faultOf([this] { ApplicationStore::create(file, vault); });
   }
+  auto open(ApplicationStore::Access access) const { return ApplicationStore::open(file, vault, access); }
   std::error_code openingFault() const {
-    return faultOf([this] { ApplicationStore::open(file, vault, ApplicationStore::Access::read); });
+    return faultOf([this] { open(ApplicationStore::Access::read); });
   }
 
   ScratchFolder folder;
@@ -39,8 +40,8 @@ class OwnStore : public testing::Test {
 TEST_F(OwnStore, IsMadeByOneOfTwoProgramsThatMakeItAtOnce) {
   std::error_code faults[2];
   {
-    const std::jthread other([&] { faults[0] = creationFault(); });
-    faults[1] = creationFault();
+    const std::jthread other([&] { faults[0] = create(); });
+    faults[1] = create();
   }
   EXPECT_NE(faults[0] == std::error_code{}, faults[1] == std::error_code{});
   EXPECT_EQ(faults[0] ? faults[0] : faults[1], ApplicationStoreError::storeExists);
@@ -54,7 +55,7 @@ TEST_F(OwnStore, SaysWhyItDoesNotOpen) {
   std::filesystem::permissions(file, std::filesystem::perms::owner_all);
   EXPECT_EQ(openingFault(), ApplicationStoreError::cannotReachStore) << "a folder, not a wrong key";
   std::filesystem::remove(file);
-  ASSERT_EQ(creationFault(), std::error_code{});
+  ASSERT_EQ(create(), std::error_code{});
 
   std::ofstream(file.native() + "-wal").close();
   std::filesystem::permissions(file.native() + "-wal", std::filesystem::perms{0640});
@@ -65,9 +66,9 @@ TEST_F(OwnStore, SaysWhyItDoesNotOpen) {
 }
 
 TEST_F(OwnStore, KeepsItsLogWhileAnotherProgramReads) {
-  ASSERT_EQ(creationFault(), std::error_code{});
-  const auto writer = ApplicationStore::open(file, vault, ApplicationStore::Access::write);
-  const auto reader = ApplicationStore::open(file, vault, ApplicationStore::Access::read);
+  ASSERT_EQ(create(), std::error_code{});
+  const auto writer = open(ApplicationStore::Access::write);
+  const auto reader = open(ApplicationStore::Access::read);
   reader->read([&](Connection& connection) {
     EXPECT_EQ(connection.fetchOptionalInteger("SELECT count(*) FROM person"), 0);
     writer->write([](Connection& other) { other.execute("INSERT INTO person VALUES ('p', 'Ada', '')"); });

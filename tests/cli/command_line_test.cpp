@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -48,9 +50,7 @@ class CommandLine : public testing::Test {
   static Outcome runBare(std::vector<std::string> words) {
     words.insert(words.begin(), "orvan");
     std::vector<const char*> arguments;
-    for (const auto& word : words) {
-      arguments.push_back(word.c_str());
-    }
+    std::ranges::transform(words, std::back_inserter(arguments), &std::string::c_str);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     const int status = runCommandLine(static_cast<int>(arguments.size()), arguments.data());
@@ -199,7 +199,7 @@ TEST_F(CommandLine, KeepsItsOwnFolderPrivate) {
 }
 
 TEST_F(CommandLine, SaysWhenItsOutputIsLost) {
-  std::ofstream full("/dev/full");
+  const std::ofstream full("/dev/full");
   auto* const before = std::cout.rdbuf(full.rdbuf());
   const auto outcome = runBare({"--help"});
   std::cout.rdbuf(before);

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <vector>
 
 #include "OrvanPlatform/error.h"
@@ -16,45 +17,30 @@
 namespace orvan {
 namespace {
 
-/// A program that runs for the length of a test, with what it prints and what it reads in our hands.
-class Program {
- public:
-  explicit Program(std::vector<const char*> words) {
-    words.push_back(nullptr);
-    const auto pipes = static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE);
-    process_ = g_subprocess_newv(words.data(), pipes, nullptr);
+struct EndProgram {
+  void operator()(GSubprocess* program) const noexcept {
+    g_subprocess_send_signal(program, SIGTERM);
+    g_subprocess_wait(program, nullptr, nullptr);
+    g_object_unref(program);
   }
-  ~Program() {
-    if (started()) {
-      g_subprocess_send_signal(process_, SIGTERM);
-      g_subprocess_wait(process_, nullptr, nullptr);
-      g_object_unref(process_);
-    }
-  }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-
-  bool started() const { return process_ != nullptr; }
-  bool endsWell() const { return started() && g_subprocess_wait_check(process_, nullptr, nullptr) != FALSE; }
-
-  void writeAndClose(std::string_view text) {
-    GOutputStream* input = g_subprocess_get_stdin_pipe(process_);
-    EXPECT_TRUE(g_output_stream_write_all(input, text.data(), text.size(), nullptr, nullptr, nullptr));
-    g_output_stream_close(input, nullptr, nullptr);
-  }
-
-  std::string readLine() {
-    std::string line;
-    char c = 0;
-    while (g_input_stream_read(g_subprocess_get_stdout_pipe(process_), &c, 1, nullptr, nullptr) == 1 && c != '\n') {
-      line += c;
-    }
-    return line;
-  }
-
- private:
-  GSubprocess* process_;
 };
+/// A program that runs for the length of a test; null when it is not installed.
+using Program = std::unique_ptr<GSubprocess, EndProgram>;
+
+Program start(std::vector<const char*> words) {
+  words.push_back(nullptr);
+  const auto pipes = static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE);
+  return Program{g_subprocess_newv(words.data(), pipes, nullptr)};
+}
+
+std::string lineFrom(const Program& program) {
+  std::string line;
+  char c = 0;
+  while (g_input_stream_read(g_subprocess_get_stdout_pipe(program.get()), &c, 1, nullptr, nullptr) == 1 && c != '\n') {
+    line += c;
+  }
+  return line;
+}
 
 /// A session bus that nobody else is on and that starts no services by itself, with a home folder of its own.
 class SecretServiceVaultTest : public testing::Test {
@@ -71,11 +57,11 @@ class SecretServiceVaultTest : public testing::Test {
                                     "<allow send_destination='*' eavesdrop='true'/><allow eavesdrop='true'/>"
                                     "<allow own='*'/></policy></busconfig>";
     const auto option = "--config-file=" + configuration;
-    bus_.emplace(std::vector{"dbus-daemon", "--nofork", "--print-address=1", option.c_str()});
-    if (!bus_->started()) {
+    bus_ = start({"dbus-daemon", "--nofork", "--print-address=1", option.c_str()});
+    if (bus_ == nullptr) {
       GTEST_SKIP() << "dbus-daemon is not installed";
     }
-    setenv("DBUS_SESSION_BUS_ADDRESS", bus_->readLine().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    setenv("DBUS_SESSION_BUS_ADDRESS", lineFrom(bus_).c_str(), 1); // NOLINT(concurrency-mt-unsafe)
   }
 
   void TearDown() override {
@@ -91,12 +77,15 @@ class SecretServiceVaultTest : public testing::Test {
 
   /// Whether there is a keyring to test with.
   bool startKeyring() {
-    keyring_.emplace(std::vector{"gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"});
-    if (!keyring_->started()) {
+    keyring_ = start({"gnome-keyring-daemon", "--foreground", "--unlock", "--components=secrets"});
+    if (keyring_ == nullptr) {
       return false;
     }
-    keyring_->writeAndClose("password");
-    return Program({"gdbus", "wait", "--session", "--timeout", "10", "org.freedesktop.secrets"}).endsWell();
+    GOutputStream* input = g_subprocess_get_stdin_pipe(keyring_.get());
+    g_output_stream_write_all(input, "password", 8, nullptr, nullptr, nullptr);
+    g_output_stream_close(input, nullptr, nullptr);
+    const auto wait = start({"gdbus", "wait", "--session", "--timeout", "10", "org.freedesktop.secrets"});
+    return wait != nullptr && g_subprocess_wait_check(wait.get(), nullptr, nullptr) != FALSE;
   }
 
   static void lockKeyring() {
@@ -112,8 +101,8 @@ class SecretServiceVaultTest : public testing::Test {
 
  private:
   std::string home_;
-  std::optional<Program> bus_;
-  std::optional<Program> keyring_;
+  Program bus_;
+  Program keyring_;
 };
 
 constexpr auto key = [] {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <filesystem>
@@ -151,9 +150,8 @@ class ImportStore {
   Texts waiting(std::string_view address = zoe) {
     return evidence(&EvidenceQueries::fetchOpenThreads, &OpenThreadEvidence::lastInboundOccurredAt, address, asOf());
   }
-  Texts upcoming(std::string_view address = zoe) {
-    return evidence(&EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt, address,
-                    asOf());
+  Texts upcoming(std::string_view who = zoe) {
+    return evidence(&EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt, who, asOf());
   }
   /// The kinds of what is open between the user and the person.
   Texts commitments(std::string_view address = zoe) {

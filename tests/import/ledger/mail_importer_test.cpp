@@ -96,22 +96,20 @@ TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
   EXPECT_THAT(store.texts("SELECT id FROM person"), IsEmpty()) << "whom the user removed stays away";
 }
 
-TEST(ImportedMail, CountsEveryItemOnce) {
+TEST(ImportedMail, CountsEveryItemOnceAndTellsOfEveryBatch) {
   ImportStore store;
   TestMailbox mailbox({TestMail{.id = "a"}, MailSkip{MailSkipReason::undated}, TestMail{.id = "a"},
                        MailSkip{MailSkipReason::noSender}, MailSkip{MailSkipReason::undated}});
-  std::vector<std::uint64_t> progress;
-  const auto report = MailImporter(store.queue, ImportStore::context(), 2)
-                          .import(mailbox, [&](const MailReport& soFar, std::uint64_t read, std::uint64_t total) {
-                            EXPECT_EQ(soFar.read, static_cast<std::int64_t>(read));
-                            EXPECT_EQ(total, 5U);
-                            progress.push_back(read);
-                          });
+  std::vector<std::int64_t> progress;
+  const auto report =
+      MailImporter(store.queue, ImportStore::context(), 2).import(mailbox, [&](const MailReport& soFar, auto...) {
+        progress.push_back(soFar.read);
+      });
+  EXPECT_THAT(progress, ElementsAre(2, 4, 5));
   EXPECT_EQ(report.imported, 1);
   EXPECT_EQ(report.known, 1);
   EXPECT_THAT(report.skipped,
               ElementsAre(testing::Pair(MailSkipReason::undated, 2), testing::Pair(MailSkipReason::noSender, 1)));
-  EXPECT_THAT(progress, ElementsAre(2, 4, 5));
 }
 
 TEST(ImportedMail, KeepsNoMoreOfATextThanPeopleRead) {
