@@ -76,12 +76,13 @@ class CommandLine : public testing::Test {
     importFile("--mbox", mail("a1", "08"));
   }
 
-  /// Changes the store behind the program's back.
+  /// The store as another program has it open.
+  std::shared_ptr<DatabaseQueue> openStore() const {
+    return ApplicationStore::open(path("store.db"), CredentialVault(std::make_shared<KeyFile>(path("key"))),
+                                  ApplicationStore::Access::write);
+  }
   void change(const char* statement) const {
-    const CredentialVault vault(std::make_shared<KeyFile>(path("key")));
-    ApplicationStore::open(path("store.db"), vault, ApplicationStore::Access::write)->write([&](Connection& store) {
-      store.execute(statement);
-    });
+    openStore()->write([&](Connection& store) { store.execute(statement); });
   }
 
   std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
@@ -98,6 +99,7 @@ TEST_F(CommandLine, SnoozedPersonReturnsAtTheEndOrWithANewReason) {
   EXPECT_EQ(before["items"][0]["whyNow"]["kind"], "openThread");
   EXPECT_EQ(before["items"][0]["whyNow"]["evidenceLines"][0], "Last message received Mar 9, 2026.");
 
+  const auto elsewhere = openStore();
   const auto snoozed = run({"snooze", "ada@hill.example", "--until", "3d", "--json"});
   EXPECT_EQ(json::parse(snoozed.output)["until"], "2026-03-13T12:00:00Z");
   EXPECT_EQ(ApplicationStore::logSize(path("store.db")), 0U) << "no decision stays in the log";
