@@ -155,7 +155,7 @@ int report(const CommandFailure& failure) {
   return static_cast<int>(failure.code());
 }
 
-/// A full disk or a closed pipe shows only now.
+/// A full disk shows only now.
 void finishOutput() {
   std::cout.flush();
   if (!std::cout) {

@@ -169,14 +169,23 @@ TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
 TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   EXPECT_EQ(run({"catch-up"}).status, 3) << "no store";
   EXPECT_FALSE(std::filesystem::exists(path("store.db")));
+  std::filesystem::create_directory(path("store.db"));
+  std::filesystem::permissions(path("store.db"), perms::owner_all);
+  const auto folder = run({"catch-up"});
+  EXPECT_EQ(folder.status, 3);
+  EXPECT_NE(folder.errors.find("cannot be opened; check"), std::string::npos) << "not told as a wrong key";
+  std::filesystem::remove(path("store.db"));
   ASSERT_EQ(run({"init"}).status, 0);
   EXPECT_EQ(run({"init"}).status, 1) << "never over an existing store";
   EXPECT_EQ(run({"import", "--me", "robin@orvan.example", "--mbox", path("missing")}).status, 1);
   EXPECT_EQ(run({"import", "--me", "nobody", "--mbox", path("missing")}).status, 2);
 
-  std::filesystem::permissions(path("key"), perms::group_read, std::filesystem::perm_options::add);
-  EXPECT_EQ(run({"people"}).status, 3) << "a key that others can read";
-  std::filesystem::permissions(path("key"), perms::group_read, std::filesystem::perm_options::remove);
+  std::ofstream(path("store.db-wal")).close();
+  for (const char* file : {"key", "store.db", "store.db-wal"}) {
+    std::filesystem::permissions(path(file), perms{0640});
+    EXPECT_EQ(run({"people"}).status, 3) << "others can read " << file;
+    std::filesystem::permissions(path(file), perms{0600});
+  }
   std::ofstream(path("key"), std::ios::binary | std::ios::trunc) << std::string(32, 'k');
   EXPECT_EQ(run({"catch-up"}).status, 3) << "another key";
   EXPECT_EQ(run({"doctor"}).status, 1);

@@ -46,16 +46,8 @@ struct TestMail {
   bool isAutomated = false;
 
   operator MailItem() const { // NOLINT(google-explicit-constructor): a list of items reads as one of mails.
-    MailMessage message{.messageID = id,
-                        .references = references,
-                        .sentAt = instantOf(at),
-                        .from = {{fromName, from}},
-                        .to = {},
-                        .cc = {},
-                        .subject = subject,
-                        .isListMail = isList,
-                        .isAutomated = isAutomated,
-                        .question = question};
+    MailMessage message{id, references, instantOf(at), {{fromName, from}}, {},
+                        {}, subject,    isList,        isAutomated,        question};
     for (const auto& address : to) {
       message.to.push_back({"", address});
     }

@@ -32,12 +32,8 @@ MailMessage message(const std::string& header, const std::string& body = "") {
                                       body));
 }
 
-std::string html(const std::string& body) {
-  return "Content-Type: text/html; charset=utf-8\n\n" + body + "\n";
-}
-
-std::string plain(const std::string& body) {
-  return "Content-Type: text/plain; charset=utf-8\n\n" + body + "\n";
+std::string text(const std::string& kind, const std::string& body) {
+  return "Content-Type: text/" + kind + "; charset=utf-8\n\n" + body + "\n";
 }
 
 std::optional<std::string> questionOfParts(const std::vector<std::string>& parts) {
@@ -148,18 +144,20 @@ TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
 
 TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
   const std::pair<std::vector<std::string>, std::optional<std::string>> bodies[]{
-      {{html("<p>Is this HTML?</p>"), plain("Is this plain?"), plain("Is this later?")}, "Is this plain?"},
-      {{"Content-Disposition: attachment; filename=a.txt\n" + plain("Is this attached?"),
+      {{text("html", "<p>Is this HTML?</p>"), text("plain", "Is this plain?"), text("plain", "Is this later?")},
+       "Is this plain?"},
+      {{"Content-Disposition: attachment; filename=a.txt\n" + text("plain", "Is this attached?"),
         "Content-Type: message/rfc822\n\nSubject: x\n\nIs this attached?\n",
-        "Content-Type: multipart/related; boundary=bb\n\n--bb\n" + plain("Is this nested?") + "--bb--\n"},
+        "Content-Type: multipart/related; boundary=bb\n\n--bb\n" + text("plain", "Is this nested?") + "--bb--\n"},
        "Is this nested?"},
-      {{plain("Shall we meet then?"), "Content-Type: text/calendar; method=REQUEST\n\nBEGIN:VCALENDAR\n"}, {}},
+      {{text("plain", "Shall we meet then?"), "Content-Type: text/calendar; method=REQUEST\n\nBEGIN:VCALENDAR\n"}, {}},
       {{"\nIs this bare?\n"}, "Is this bare?"},
-      {{html("<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
+      {{text("html",
+             "<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
              "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")},
        "Hi Zoë, d'you come too?"},
-      {{html("<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}, {}},
-      {{html("Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
+      {{text("html", "<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}, {}},
+      {{text("html", "Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
   for (const auto& [parts, question] : bodies) {
     EXPECT_EQ(questionOfParts(parts), question) << parts.front();
   }
@@ -190,9 +188,9 @@ TEST(Bodies, NestedWithoutEndAreGivenUp) {
     const auto boundary = "b" + std::to_string(depth);
     body += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
   }
-  EXPECT_EQ(questionOfParts({body + plain("Is this deep?")}), std::nullopt);
-  EXPECT_EQ(questionOfParts({body, plain("Is this after it?")}), "Is this after it?");
-  EXPECT_EQ(message("Content-Type: multipart/mixed\n", plain("Is there no boundary?")).question, std::nullopt);
+  EXPECT_EQ(questionOfParts({body + text("plain", "Is this deep?")}), std::nullopt);
+  EXPECT_EQ(questionOfParts({body, text("plain", "Is this after it?")}), "Is this after it?");
+  EXPECT_EQ(message("Content-Type: multipart/mixed\n", text("plain", "Is there no boundary?")).question, std::nullopt);
 }
 
 } // namespace
