@@ -186,7 +186,8 @@ TEST(Bodies, NestedWithoutEndAreGivenUp) {
   std::string body;
   for (int depth = 0; depth < 5000; ++depth) {
     const auto boundary = "b" + std::to_string(depth);
-    body += "Content-Type: multipart/mixed; boundary=" + boundary + "\n\n--" + boundary + "\n";
+    body.append("Content-Type: multipart/mixed; boundary=").append(boundary);
+    body.append("\n\n--").append(boundary).append("\n");
   }
   EXPECT_EQ(questionOfParts({body + text("plain", "Is this deep?")}), std::nullopt);
   EXPECT_EQ(questionOfParts({body, text("plain", "Is this after it?")}), "Is this after it?");
