@@ -4,7 +4,6 @@
 
 #include <thread>
 
-#include "OrvanPlatform/error.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -14,14 +13,8 @@ class OwnStore : public testing::Test {
  protected:
   OwnStore() { deriveKeysQuickly(); }
 
-  /// The error that it fails with.
   std::error_code create() const {
-    try {
-      ApplicationStore::create(file, vault);
-    } catch (const Error& error) {
-      return error.code();
-    }
-    return {};
+    return faultOf([this] { ApplicationStore::create(file, vault); });
   }
   auto open(ApplicationStore::Access access) const { return ApplicationStore::open(file, vault, access); }
 

@@ -5,7 +5,6 @@
 
 #include <fstream>
 
-#include "OrvanPlatform/error.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "tests/support/test_store.h"
 
@@ -231,18 +230,10 @@ TEST(CalendarDamage, IsCountedEventByEventAndSparesTheRest) {
 }
 
 TEST(CalendarDamage, OfAWholeFileIsAnErrorOfItsOwn) {
-  const auto errorOf = [](auto read) {
-    try {
-      read();
-    } catch (const Error& error) {
-      return error.code();
-    }
-    return std::error_code{};
-  };
-  EXPECT_EQ(errorOf([] { readFile(""); }), CalendarSourceError::notACalendar);
-  EXPECT_EQ(errorOf([] { readFile(std::string(100'000, '\xa5')); }), CalendarSourceError::notACalendar);
+  EXPECT_EQ(faultOf([] { readFile(""); }), CalendarSourceError::notACalendar);
+  EXPECT_EQ(faultOf([] { readFile(std::string(100'000, '\xa5')); }), CalendarSourceError::notACalendar);
   for (const char* file : {"/nowhere/calendar.ics", "/tmp", "/proc/self/mem"}) {
-    EXPECT_EQ(errorOf([&] { CalendarSource{file, {}, {}, "UTC"}; }), CalendarSourceError::cannotRead) << file;
+    EXPECT_EQ(faultOf([&] { CalendarSource{file, {}, {}, "UTC"}; }), CalendarSourceError::cannotRead) << file;
   }
 }
 

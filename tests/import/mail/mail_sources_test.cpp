@@ -3,7 +3,6 @@
 
 #include <fstream>
 
-#include "OrvanPlatform/error.h"
 #include "application/import/mail/mail_source_error.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
@@ -67,12 +66,7 @@ class Mailbox : public testing::Test {
 
   template <typename Source>
   static std::error_code openingErrorOf(const std::filesystem::path& mailbox) {
-    try {
-      const Source source{mailbox};
-      return {};
-    } catch (const Error& error) {
-      return error.code();
-    }
+    return faultOf([&] { const Source source{mailbox}; });
   }
 
  private:
