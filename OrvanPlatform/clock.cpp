@@ -1,11 +1,24 @@
 #include "OrvanPlatform/clock.h"
 
-#include <boost/asio/steady_timer.hpp>
+#include <algorithm>
+#include <boost/asio/basic_waitable_timer.hpp>
+#include <ctime>
 
 #include "OrvanPlatform/mutex.h"
 
 namespace orvan {
 namespace {
+
+/// The operating system's waits leave out the time a machine is suspended, so a long one is made of short ones, with a
+/// look at the clock after each.
+struct ShortWaits {
+  static MonotonicClock::duration to_wait_duration(const MonotonicClock::duration& length) {
+    return std::min<MonotonicClock::duration>(length, std::chrono::seconds{1});
+  }
+  static MonotonicClock::duration to_wait_duration(const MonotonicInstant& due) {
+    return to_wait_duration(due - MonotonicClock::now());
+  }
+};
 
 /// An Asio timer may not be started and cancelled at the same time; the lock keeps the two apart.
 class SystemTimer final : public Timer, public std::enable_shared_from_this<SystemTimer> {
@@ -26,17 +39,28 @@ class SystemTimer final : public Timer, public std::enable_shared_from_this<Syst
 
  private:
   Mutex mutex_;
-  boost::asio::steady_timer timer_ ORVAN_GUARDED_BY(mutex_);
+  boost::asio::basic_waitable_timer<MonotonicClock, ShortWaits> timer_ ORVAN_GUARDED_BY(mutex_);
 };
 
 } // namespace
+
+MonotonicClock::time_point MonotonicClock::now() noexcept {
+  timespec sinceStart{};
+  clock_gettime(CLOCK_BOOTTIME, &sinceStart);
+  return time_point{std::chrono::seconds{sinceStart.tv_sec} + std::chrono::nanoseconds{sinceStart.tv_nsec}};
+}
+
+MonotonicInstant monotonicInstantAfter(MonotonicInstant instant, std::chrono::nanoseconds length) noexcept {
+  const bool isTooFar = length > std::chrono::nanoseconds::zero() && instant > MonotonicInstant::max() - length;
+  return isTooFar ? MonotonicInstant::max() : instant + length;
+}
 
 Instant SystemClock::now() const {
   return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
 }
 
 MonotonicInstant SystemClock::monotonicNow() const {
-  return std::chrono::steady_clock::now();
+  return MonotonicClock::now();
 }
 
 std::shared_ptr<Timer> SystemClock::startTimer(MonotonicInstant due, Executor executor,

@@ -9,9 +9,23 @@
 
 namespace orvan {
 
-/// A reading of the monotonic clock, which never jumps and measures budgets and sleeps. It does not count the time a
-/// machine is suspended, so it says nothing about due times.
-using MonotonicInstant = std::chrono::steady_clock::time_point;
+/// The machine's time since it was started, the time it was suspended included.
+struct MonotonicClock {
+  using duration = std::chrono::nanoseconds;
+  using rep = duration::rep;
+  using period = duration::period;
+  using time_point = std::chrono::time_point<MonotonicClock>;
+  static constexpr bool is_steady = true;
+
+  static time_point now() noexcept;
+};
+
+/// A reading of the monotonic clock, which nobody can set and which measures budgets and sleeps. It says nothing about
+/// due times.
+using MonotonicInstant = MonotonicClock::time_point;
+
+/// `instant` moved on by `length`, or the last instant there is.
+MonotonicInstant monotonicInstantAfter(MonotonicInstant instant, std::chrono::nanoseconds length) noexcept;
 
 enum class SleepEnd { elapsed, cancelled };
 
@@ -39,7 +53,8 @@ class Clock {
                                             std::move_only_function<void(SleepEnd)> wake) const = 0;
 };
 
-/// The machine's own clocks.
+/// The machine's own clocks. A timer does not wake a machine that is suspended: one that came due meanwhile elapses
+/// within a second of the machine's return.
 class SystemClock final : public Clock {
  public:
   Instant now() const override;

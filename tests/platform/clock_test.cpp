@@ -5,6 +5,7 @@
 
 #include <boost/asio/detached.hpp>
 #include <boost/asio/io_context.hpp>
+#include <ctime>
 #include <optional>
 #include <vector>
 
@@ -70,6 +71,15 @@ TEST_F(Clocks, SettingTheWallClockMovesNeitherTimersNorTheMonotonicClock) {
   EXPECT_EQ(clock->monotonicNow(), before);
   clock->advance(1s);
   EXPECT_EQ(clock->now(), start - 24h + 1s);
+}
+
+TEST_F(Clocks, TheMonotonicClockCountsSuspensionAndItsSumsEndWithItsLastInstant) {
+  timespec sinceStart{};
+  clock_gettime(CLOCK_BOOTTIME, &sinceStart);
+  const MonotonicInstant now = SystemClock{}.monotonicNow();
+  EXPECT_GE(now.time_since_epoch(), std::chrono::seconds{sinceStart.tv_sec});
+  EXPECT_EQ(monotonicInstantAfter(now, std::chrono::nanoseconds::max()), MonotonicInstant::max());
+  EXPECT_EQ(monotonicInstantAfter(now, -1s), now - 1s);
 }
 
 TEST_F(Clocks, ACancelledTimerWakesOnceAndSaysSo) {
