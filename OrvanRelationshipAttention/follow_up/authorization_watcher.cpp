@@ -21,14 +21,16 @@ constexpr auto reconciled = "reconciled";
 class Watch {
  public:
   explicit Watch(Parts parts)
-      : parts_(std::move(parts)), deadline_(parts_->clock->monotonicNow() + parts_->authorizationRecheck.window()) {}
+      : parts_(std::move(parts)),
+        deadline_(monotonicInstantAfter(parts_->clock->monotonicNow(), parts_->authorizationRecheck.window())) {}
 
   bool isStopped() const { return parts_->authorizationRecovery->isStopped(); }
   bool windowIsOpen() const { return parts_->clock->monotonicNow() < deadline_; }
   const Parts& parts() const noexcept { return parts_; }
 
   MonotonicInstant nextCheck() const {
-    return std::min(deadline_, parts_->clock->monotonicNow() + parts_->authorizationRecheck.interval());
+    return std::min(deadline_,
+                    monotonicInstantAfter(parts_->clock->monotonicNow(), parts_->authorizationRecheck.interval()));
   }
 
   /// Goes on, or ends, when there was nothing else to end it for.

@@ -56,15 +56,17 @@ void FollowUpAuthorizationRecovery::finishWatcher() {
 
 Task<AuthorizationResult> FollowUpAuthorizationRecovery::waitForAuthorization(
     std::shared_ptr<FollowUpNotificationScheduling> notifications, std::chrono::nanoseconds timeout) {
-  return suspended<AuthorizationResult>(
-      [self = shared_from_this(), notifications = std::move(notifications), timeout](Waiter waiter) mutable {
-        self->addAuthorizationWaiter(std::move(waiter), std::move(notifications), timeout);
-      });
+  return suspended<AuthorizationResult>([self = shared_from_this(), notifications = std::move(notifications),
+                                         timeout](AuthorizationContinuation caller) mutable {
+    self->addAuthorizationWaiter(std::move(caller), std::move(notifications), timeout);
+  });
 }
 
 void FollowUpAuthorizationRecovery::addAuthorizationWaiter(
-    Waiter waiter, std::shared_ptr<FollowUpNotificationScheduling> notifications, std::chrono::nanoseconds timeout) {
-  const MonotonicInstant due = clock_->monotonicNow() + timeout;
+    AuthorizationContinuation caller, std::shared_ptr<FollowUpNotificationScheduling> notifications,
+    std::chrono::nanoseconds timeout) {
+  const MonotonicInstant due = monotonicInstantAfter(clock_->monotonicNow(), timeout);
+  const TaskHandle timer;
   WaiterID id = 0;
   bool requestWasRunning = false;
   bool stopped = false;
@@ -73,19 +75,19 @@ void FollowUpAuthorizationRecovery::addAuthorizationWaiter(
     stopped = stopped_;
     if (!stopped) {
       id = nextWaiterID_++;
-      authorizationWaiters_.emplace(id, std::move(waiter));
+      authorizationWaiters_.emplace(id, Waiter{.caller = std::move(caller), .timer = timer});
       requestWasRunning = std::exchange(authorizationRequestRunning_, true);
     }
   }
   if (stopped) {
-    return waiter.resume(AuthorizationResult::stopped); // NOLINT(bugprone-use-after-move): moved only when not stopped.
+    return caller.resume(AuthorizationResult::stopped); // NOLINT(bugprone-use-after-move): moved only when not stopped.
   }
   if (!requestWasRunning) {
     boost::asio::co_spawn(executor_, requestAuthorization(weak_from_this(), std::move(notifications)),
                           boost::asio::detached);
     installAuthorizationTask(TaskHandle{});
   }
-  boost::asio::co_spawn(executor_, expireWaiter(weak_from_this(), clock_, due, id), boost::asio::detached);
+  boost::asio::co_spawn(executor_, expireWaiter(weak_from_this(), clock_, due, id, timer), boost::asio::detached);
 }
 
 Task<void> FollowUpAuthorizationRecovery::requestAuthorization(
@@ -103,8 +105,8 @@ Task<void> FollowUpAuthorizationRecovery::requestAuthorization(
 
 Task<void> FollowUpAuthorizationRecovery::expireWaiter(std::weak_ptr<FollowUpAuthorizationRecovery> recovery,
                                                        std::shared_ptr<const Clock> clock, MonotonicInstant due,
-                                                       WaiterID id) {
-  const SleepEnd end = co_await sleepUntil(std::move(clock), due);
+                                                       WaiterID id, TaskHandle timer) {
+  const SleepEnd end = co_await sleepUntil(std::move(clock), due, std::move(timer));
   if (end == SleepEnd::cancelled) {
     co_return;
   }
@@ -131,8 +133,15 @@ void FollowUpAuthorizationRecovery::finishAuthorizationRequest(bool granted) {
     authorizationTask_.reset();
     waiters.swap(authorizationWaiters_);
   }
+  resumeAll(std::move(waiters), granted ? AuthorizationResult::granted : AuthorizationResult::denied);
+}
+
+void FollowUpAuthorizationRecovery::resumeAll(Waiters waiters, AuthorizationResult result) {
   for (auto& [id, waiter] : waiters) {
-    waiter.resume(granted ? AuthorizationResult::granted : AuthorizationResult::denied);
+    waiter.caller.resume(result);
+  }
+  for (const auto& [id, waiter] : waiters) {
+    waiter.timer.cancel();
   }
 }
 
@@ -143,7 +152,7 @@ void FollowUpAuthorizationRecovery::expireAuthorizationWaiter(WaiterID id) {
     expired = authorizationWaiters_.extract(id);
   }
   if (!expired.empty()) {
-    expired.mapped().resume(AuthorizationResult::timedOut);
+    expired.mapped().caller.resume(AuthorizationResult::timedOut);
   }
 }
 
@@ -213,9 +222,7 @@ bool FollowUpAuthorizationRecovery::stopAllWaiting() {
   if (stopping.watcherTask.has_value()) {
     stopping.watcherTask->cancel();
   }
-  for (auto& [id, waiter] : stopping.authorizationWaiters) {
-    waiter.resume(AuthorizationResult::stopped);
-  }
+  resumeAll(std::move(stopping.authorizationWaiters), AuthorizationResult::stopped);
   return stopping.reconcileWasInFlight;
 }
 

@@ -65,8 +65,13 @@ class FollowUpAuthorizationRecovery : public std::enable_shared_from_this<Follow
   Task<void> stopAndDrain();
 
  private:
-  using Waiter = Continuation<AuthorizationResult>;
+  using AuthorizationContinuation = Continuation<AuthorizationResult>;
   using WaiterID = std::uint64_t;
+  /// `timer` is cancelled when the waiter is taken out: a sleeper keeps an event loop from ending.
+  struct Waiter {
+    AuthorizationContinuation caller;
+    TaskHandle timer;
+  };
   using Waiters = std::unordered_map<WaiterID, Waiter>;
   using ReconcileWaiter = Continuation<std::monostate>;
 
@@ -79,9 +84,12 @@ class FollowUpAuthorizationRecovery : public std::enable_shared_from_this<Follow
   static Task<void> requestAuthorization(std::weak_ptr<FollowUpAuthorizationRecovery> recovery,
                                          std::shared_ptr<FollowUpNotificationScheduling> notifications);
   static Task<void> expireWaiter(std::weak_ptr<FollowUpAuthorizationRecovery> recovery,
-                                 std::shared_ptr<const Clock> clock, MonotonicInstant due, WaiterID id);
+                                 std::shared_ptr<const Clock> clock, MonotonicInstant due, WaiterID id,
+                                 TaskHandle timer);
+  static void resumeAll(Waiters waiters, AuthorizationResult result);
 
-  void addAuthorizationWaiter(Waiter waiter, std::shared_ptr<FollowUpNotificationScheduling> notifications,
+  void addAuthorizationWaiter(AuthorizationContinuation caller,
+                              std::shared_ptr<FollowUpNotificationScheduling> notifications,
                               std::chrono::nanoseconds timeout);
   void installAuthorizationTask(TaskHandle task);
   void finishAuthorizationRequest(bool granted);

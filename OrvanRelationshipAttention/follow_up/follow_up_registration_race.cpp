@@ -36,9 +36,10 @@ class FollowUpRegistrationDeadline {
   Continuation<Outcome> caller_;
 };
 
+/// A sleep that ends early counts as the deadline too; only the work's own end is known to find the matter closed.
 Task<void> expire(std::shared_ptr<FollowUpRegistrationDeadline> race, std::shared_ptr<const Clock> clock,
-                  MonotonicInstant deadline) {
-  co_await sleepUntil(std::move(clock), deadline);
+                  MonotonicInstant deadline, TaskHandle timer) {
+  co_await sleepUntil(std::move(clock), deadline, std::move(timer));
   race->finish(std::unexpected{std::make_exception_ptr(FollowUpRegistrationTimeout{})});
 }
 
@@ -50,10 +51,12 @@ Task<Outcome> outcomeOf(Task<LiveReminderRegistration> work) {
   }
 }
 
-Task<void> carryOut(std::shared_ptr<FollowUpRegistrationDeadline> race, std::function<void()> onWorkFinished,
-                    Task<LiveReminderRegistration> work) {
+/// `timer` is cancelled once the race is decided: a sleeper keeps an event loop from ending.
+Task<void> carryOut(std::shared_ptr<FollowUpRegistrationDeadline> race, TaskHandle timer,
+                    std::function<void()> onWorkFinished, Task<LiveReminderRegistration> work) {
   Outcome outcome = co_await outcomeOf(std::move(work));
   race->finish(std::move(outcome));
+  timer.cancel();
   onWorkFinished();
 }
 
@@ -61,7 +64,7 @@ Task<void> carryOut(std::shared_ptr<FollowUpRegistrationDeadline> race, std::fun
 
 FollowUpRegistrationBudget::FollowUpRegistrationBudget(std::shared_ptr<const Clock> clock,
                                                        std::chrono::nanoseconds timeout)
-    : clock_(std::move(clock)), deadline_(clock_->monotonicNow() + timeout) {}
+    : clock_(std::move(clock)), deadline_(monotonicInstantAfter(clock_->monotonicNow(), timeout)) {}
 
 Task<LiveReminderRegistration> racingRegistrationDeadline(Executor executor, std::shared_ptr<const Clock> clock,
                                                           MonotonicInstant deadline,
@@ -70,9 +73,10 @@ Task<LiveReminderRegistration> racingRegistrationDeadline(Executor executor, std
   auto start = [executor, clock, deadline, onWorkFinished = std::move(onWorkFinished),
                 work = std::move(work)](Continuation<Outcome> caller) mutable {
     const auto race = std::make_shared<FollowUpRegistrationDeadline>(std::move(caller));
-    // Neither side can be cancelled: nobody keeps a handle to either.
-    boost::asio::co_spawn(executor, expire(race, clock, deadline), boost::asio::detached);
-    boost::asio::co_spawn(executor, carryOut(race, std::move(onWorkFinished), std::move(work)), boost::asio::detached);
+    const TaskHandle timer;
+    boost::asio::co_spawn(executor, expire(race, clock, deadline, timer), boost::asio::detached);
+    boost::asio::co_spawn(executor, carryOut(race, timer, std::move(onWorkFinished), std::move(work)),
+                          boost::asio::detached);
   };
   Outcome outcome = co_await suspended<Outcome>(std::move(start));
   if (!outcome.has_value()) {
