@@ -3,6 +3,27 @@
 #include <utility>
 
 namespace orvan {
+namespace {
+
+/// The pool itself is never destroyed: with it would go the tasks that wait, and what those hold belongs to an
+/// application that has ended.
+class SharedThreads {
+ public:
+  SharedThreads() = default;
+  ~SharedThreads() {
+    pool_->stop();
+    pool_->join();
+  }
+  SharedThreads(const SharedThreads&) = delete;
+  SharedThreads& operator=(const SharedThreads&) = delete;
+
+  Executor executor() const { return pool_->get_executor(); }
+
+ private:
+  boost::asio::thread_pool* const pool_ = new boost::asio::thread_pool{2};
+};
+
+} // namespace
 
 WorkExecutor::WorkExecutor()
     : ownThread_(std::make_unique<boost::asio::thread_pool>(1)), executor_(ownThread_->get_executor()) {}
@@ -13,6 +34,11 @@ WorkExecutor::~WorkExecutor() {
   if (ownThread_ != nullptr) {
     ownThread_->join();
   }
+}
+
+Executor sharedWorkExecutor() {
+  static const SharedThreads threads;
+  return threads.executor();
 }
 
 } // namespace orvan

@@ -27,4 +27,8 @@ class WorkExecutor {
   Executor executor_;
 };
 
+/// Two threads that this process shares, for objects to which the application gives no executor. They start with the
+/// first call. When the process exits they are waited for: what runs then ends, what waits is never resumed.
+Executor sharedWorkExecutor();
+
 } // namespace orvan

@@ -9,6 +9,7 @@
 
 #include "OrvanPlatform/clock.h"
 #include "OrvanPlatform/log.h"
+#include "OrvanPlatform/work_executor.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up_item.h"
 #include "OrvanRelationshipAttention/disposition_store/follow_up_disposition_applying.h"
 #include "OrvanRelationshipAttention/follow_up/authorization_recheck.h"
@@ -36,12 +37,14 @@ struct FollowUpParts;
 /// store, on the executor given at construction and resume the caller on its own. A task may outlive the scheduler it
 /// came from: it keeps what it needs.
 ///
-/// A registration that could not be completed starts a watcher in the background, which registers what is missing once
-/// notifications are allowed. The watcher keeps the store and the executor's work alive for up to the window of
-/// AuthorizationRecheck: stop it with stopAuthorizationRecovery() or stopAuthorizationRecoveryAndDrain() before the
-/// executor's event loop goes.
+/// A registration waits for the user for up to the registration timeout of AuthorizationRecheck. One that could not be
+/// completed starts a watcher in the background, which registers what is missing once notifications are allowed. Both
+/// keep the store and the executor's work alive, the watcher for up to its window: end them with
+/// stopAuthorizationRecovery() or stopAuthorizationRecoveryAndDrain() before the executor's event loop goes.
 class FollowUpScheduler final : public FollowUpEffecting {
  public:
+  using AuthorizationRecheck = orvan::AuthorizationRecheck;
+
   /// A due time up to this far in the past is still accepted.
   static constexpr std::chrono::seconds pastTolerance{60};
   /// What a reminder says when nothing better is known.
@@ -49,7 +52,7 @@ class FollowUpScheduler final : public FollowUpEffecting {
 
   FollowUpScheduler(std::shared_ptr<DatabasePool> pool, std::shared_ptr<FollowUpNotificationScheduling> notifications,
                     std::shared_ptr<FollowUpDispositionApplying> dispositions,
-                    AuthorizationRecheck authorizationRecheck, Executor executor,
+                    AuthorizationRecheck authorizationRecheck, Executor executor = sharedWorkExecutor(),
                     std::shared_ptr<const Clock> clock = std::make_shared<SystemClock>(),
                     std::shared_ptr<LogSink> log = systemLogSink());
 
