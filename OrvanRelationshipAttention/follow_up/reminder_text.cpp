@@ -76,10 +76,17 @@ icu::UnicodeString uppercase(std::string_view text) {
   return unicode(text).toUpper(icu::Locale::getRoot());
 }
 
-bool isLowercaseLetter(std::string_view character) {
+/// Some letters are lowercase without having a capital; a letter with marks is when it has one.
+bool isLowercase(std::string_view character) {
   const icu::UnicodeString same = unicode(character);
-  return u_isUAlphabetic(firstCodePoint(character)) != 0 && uppercase(character) != same &&
-         unicode(character).toLower(icu::Locale::getRoot()) == same;
+  if (same.countChar32() == 1 && u_isULowercase(firstCodePoint(character)) != 0) {
+    return true;
+  }
+  return uppercase(character) != same && unicode(character).toLower(icu::Locale::getRoot()) == same;
+}
+
+bool isLowercaseLetter(std::string_view character) {
+  return u_isUAlphabetic(firstCodePoint(character)) != 0 && isLowercase(character);
 }
 
 std::string joined(Characters::const_iterator begin, Characters::const_iterator end) {
@@ -118,10 +125,31 @@ bool beginsWithLowercaseWord(const Characters& characters) {
   return end != characters.begin() && std::all_of(characters.begin(), end, isLowercaseLetter);
 }
 
+/// The same JSON with at most two digits in a row outside its strings: the parser refuses a number that no double
+/// holds, and no number is asked for.
+std::string withShortNumbers(std::string_view json) {
+  std::string text;
+  bool isInString = false;
+  bool isEscaped = false;
+  std::size_t digits = 0;
+  for (const char byte : json) {
+    const bool isDigit = !isInString && byte >= '0' && byte <= '9';
+    digits = isDigit ? digits + 1 : 0;
+    if (digits <= 2) {
+      text += byte;
+    }
+    if (byte == '"' && !isEscaped) {
+      isInString = !isInString;
+    }
+    isEscaped = isInString && byte == '\\' && !isEscaped;
+  }
+  return text;
+}
+
 } // namespace
 
 std::optional<std::string> userFollowUpOf(std::string_view userContext) {
-  const auto context = nlohmann::json::parse(userContext).get<nlohmann::json::object_t>();
+  const auto context = nlohmann::json::parse(withShortNumbers(userContext)).get<nlohmann::json::object_t>();
   const auto said = context.find("user_follow_up");
   if (said == context.end() || said->second.is_null()) {
     return std::nullopt;
