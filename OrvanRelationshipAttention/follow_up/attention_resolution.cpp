@@ -29,7 +29,7 @@ template <typename Body>
 ItemOrToken readItem(const Parts& parts, Body body) {
   try {
     return parts->pool->read(body);
-  } catch (const std::exception&) {
+  } catch (...) {
     return std::unexpected{EffectReasonToken::storeUnreadable};
   }
 }

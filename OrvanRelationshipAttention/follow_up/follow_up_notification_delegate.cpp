@@ -13,7 +13,7 @@ Task<PresentationOptions> optionsByStore(std::shared_ptr<DatabasePool> pool, std
     const bool mayPresent = pool->read(
         [&](Connection& connection) { return FollowUpScheduler::notificationMayPresent(connection, reminderID); });
     co_return mayPresent ? PresentationOptions::banner | PresentationOptions::sound : PresentationOptions{};
-  } catch (const std::exception&) {
+  } catch (...) {
     co_return PresentationOptions{};
   }
 }

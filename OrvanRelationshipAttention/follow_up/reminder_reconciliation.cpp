@@ -54,7 +54,7 @@ class ReconcileSlot {
 std::optional<std::vector<PersistedFollowUp>> readLiveFollowUps(const Parts& parts) {
   try {
     return parts->pool->read([](Connection& connection) { return liveFollowUps(connection); });
-  } catch (const std::exception&) {
+  } catch (...) {
     return std::nullopt;
   }
 }
@@ -94,7 +94,7 @@ bool wrote(const Parts& parts, Body body) {
   try {
     parts->pool->write(body);
     return true;
-  } catch (const std::exception&) {
+  } catch (...) {
     return false;
   }
 }
@@ -226,7 +226,10 @@ Task<void> runSteps(Parts parts, const MayContinue& mayContinue, Counts& counts)
 /// A pass; the caller holds the slot.
 Task<void> reconcile(Parts parts, MayContinue mayContinue) {
   Counts counts;
-  co_await runSteps(parts, mayContinue, counts);
+  try {
+    co_await runSteps(parts, mayContinue, counts);
+  } catch (...) { // NOLINT(bugprone-empty-catch): the port promises not to throw; a port that does has ended the pass.
+  }
   parts->log.write("follow-up reconcile", {{"cancelled", std::to_string(counts.cancelled)},
                                            {"registered", std::to_string(counts.registered)},
                                            {"settled", std::to_string(counts.settled)},
@@ -238,16 +241,32 @@ MayContinue continuationTest(const Parts& parts) {
   return [recovery = parts->authorizationRecovery] { return recovery->mayContinueReconcile(); };
 }
 
-/// Never throws, like the port's own withdrawals.
+/// Withdraws what is pending and what is shown, the one also when the port breaks its promise not to throw at the
+/// other.
 Task<void> withdraw(Parts parts, std::string key) {
-  co_await parts->notifications->cancel(key);
-  co_await parts->notifications->removeDelivered(key);
+  try {
+    co_await parts->notifications->cancel(key);
+  } catch (...) { // NOLINT(bugprone-empty-catch): withdrawing reports no outcome.
+  }
+  try {
+    co_await parts->notifications->removeDelivered(key);
+  } catch (...) { // NOLINT(bugprone-empty-catch): withdrawing reports no outcome.
+  }
+}
+
+Task<bool> isPending(Parts parts, std::string key) {
+  try {
+    const NotificationKeys pending = co_await parts->notifications->pendingRequestKeys();
+    co_return pending.contains(key);
+  } catch (...) {
+    co_return false;
+  }
 }
 
 std::optional<PersistedFollowUp> readFollowUp(const Parts& parts, const std::string& followUpID) {
   try {
     return parts->pool->read([&](Connection& connection) { return loadFollowUp(connection, followUpID); });
-  } catch (const std::exception&) {
+  } catch (...) {
     return std::nullopt;
   }
 }
@@ -289,8 +308,7 @@ Task<void> cancelPairReminder(Parts parts, std::string sourceObjectID, std::stri
 }
 
 Task<void> cancelIdentifiedReminder(Parts parts, std::string followUpID) {
-  const NotificationKeys pending = co_await parts->notifications->pendingRequestKeys();
-  const bool wasPending = pending.contains(followUpID);
+  const bool wasPending = co_await isPending(parts, followUpID);
   co_await withdraw(parts, followUpID);
   parts->log.write("follow-up cancel",
                    {{"key_hash", followUpKeyHash(followUpID)}, {"outcome", wasPending ? "cancelled" : "not_pending"}});

@@ -73,7 +73,7 @@ bool pairReminderIsLive(const Parts& parts, const std::string& sourceObjectID, c
     return parts->pool->read([&](Connection& connection) {
       return pairIsLive(connection, sourceObjectID, personID, ActionEffectStore::stamp(dueAt));
     });
-  } catch (const std::exception&) {
+  } catch (...) {
     return false;
   }
 }
@@ -82,7 +82,7 @@ bool reminderIsLive(const Parts& parts, const std::string& followUpID, const std
   try {
     const auto row = parts->pool->read([&](Connection& connection) { return liveFollowUp(connection, followUpID); });
     return row.has_value() && row->dueAt() == registeredDueAt;
-  } catch (const std::exception&) {
+  } catch (...) {
     return false;
   }
 }
@@ -90,7 +90,7 @@ bool reminderIsLive(const Parts& parts, const std::string& followUpID, const std
 std::string subjectOfSourceObject(const Parts& parts, const std::string& sourceObjectID) {
   try {
     return parts->pool->read([&](Connection& connection) { return notificationSubject(connection, sourceObjectID); });
-  } catch (const std::exception&) {
+  } catch (...) {
     return std::string{FollowUpScheduler::notificationTitle};
   }
 }
@@ -102,7 +102,7 @@ std::string subjectOfFollowUp(const Parts& parts, const std::string& followUpID)
       return row.has_value() ? notificationSubject(connection, row->sourceObjectID())
                              : std::string{FollowUpScheduler::notificationTitle};
     });
-  } catch (const std::exception&) {
+  } catch (...) {
     return std::string{FollowUpScheduler::notificationTitle};
   }
 }
