@@ -11,6 +11,9 @@
 namespace orvan {
 namespace {
 
+/// A timer does not reach as far as a calendar does.
+constexpr Instant::duration longestWait = std::chrono::days{365};
+
 std::exception_ptr refusal() {
   return std::make_exception_ptr(Error{NotificationCenterError::refused, "scripted"});
 }
@@ -96,7 +99,7 @@ std::function<void()> InMemoryNotificationCenter::whileAlive(std::function<void(
 }
 
 void InMemoryNotificationCenter::later(std::chrono::nanoseconds delay, std::function<void()> action) {
-  clock_->startTimer(clock_->monotonicNow() + delay, executor_,
+  clock_->startTimer(monotonicInstantAfter(clock_->monotonicNow(), delay), executor_,
                      [action = std::move(action)](SleepEnd /*end*/) { action(); });
 }
 
@@ -110,8 +113,11 @@ void InMemoryNotificationCenter::take(Operation operation, std::function<void()>
     case CenterBehaviour::Kind::answerLate:
       return later(behaviour.delay(), std::move(answer));
     case CenterBehaviour::Kind::answerTwice:
-      boost::asio::post(executor_, answer);
-      return boost::asio::post(executor_, std::move(answer));
+      // One after the other, also where the executor has several threads.
+      return boost::asio::post(executor_, [executor = executor_, answer = std::move(answer)] {
+        answer();
+        boost::asio::post(executor, answer);
+      });
     case CenterBehaviour::Kind::fail:
       return boost::asio::post(executor_, std::move(fail));
     case CenterBehaviour::Kind::throwError:
@@ -158,11 +164,38 @@ bool InMemoryNotificationCenter::store(NotificationRequest request) {
   std::string identifier = request.identifier();
   {
     const MutexLock lock{mutex_};
-    pending_.insert_or_assign(std::move(identifier), Pending{.request = std::move(request), .due = *due});
+    pending_.insert_or_assign(identifier, Pending{.request = std::move(request), .due = *due});
   }
-  const auto wait = std::max(Instant::duration{0}, *due - clock_->now());
-  later(wait, whileAlive([](InMemoryNotificationCenter& self) { self.deliverDue(); }));
+  watch(std::move(identifier), *due);
   return true;
+}
+
+void InMemoryNotificationCenter::watch(std::string identifier, Instant due) {
+  const auto wait = std::clamp(due - clock_->now(), Instant::duration::zero(), longestWait);
+  later(wait, whileAlive([identifier = std::move(identifier), due](InMemoryNotificationCenter& self) {
+          self.deliverWhenDue(identifier, due);
+        }));
+}
+
+void InMemoryNotificationCenter::deliverWhenDue(const std::string& identifier, Instant due) {
+  const Instant now = clock_->now();
+  std::optional<Notification> notification;
+  {
+    const MutexLock lock{mutex_};
+    const auto pending = pending_.find(identifier);
+    if (pending == pending_.end() || pending->second.due != due) {
+      return; // Withdrawn, or replaced by one that has a timer of its own.
+    }
+    if (due <= now) {
+      notification.emplace(now, std::move(pending->second.request));
+      pending_.erase(pending);
+    }
+  }
+  if (notification.has_value()) {
+    present(*std::move(notification));
+  } else {
+    watch(identifier, due);
+  }
 }
 
 void InMemoryNotificationCenter::add(NotificationRequest request,

@@ -128,6 +128,8 @@ class InMemoryNotificationCenter final : public NotificationCenter {
   NotificationSettings settings() const;
   bool askUser();
   bool store(NotificationRequest request);
+  void watch(std::string identifier, Instant due);
+  void deliverWhenDue(const std::string& identifier, Instant due);
   std::vector<NotificationRequest> pending() const;
   std::vector<Notification> delivered() const;
   std::vector<Notification> takeDue();

@@ -69,8 +69,19 @@ void ManualClock::setWallClock(Instant now) {
   elapsedAtWallStart_ = elapsed_;
 }
 
+void ManualClock::cancelTimers() {
+  Timers cancelled;
+  {
+    const MutexLock lock{mutex_};
+    cancelled.swap(timers_);
+  }
+  for (const auto& [due, timer] : cancelled) {
+    timer->end(SleepEnd::cancelled);
+  }
+}
+
 void ManualClock::dropTimers() {
-  std::multimap<MonotonicInstant, std::shared_ptr<Waiting>> dropped;
+  Timers dropped;
   const MutexLock lock{mutex_};
   dropped.swap(timers_);
 }

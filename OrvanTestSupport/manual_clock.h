@@ -27,8 +27,10 @@ class ManualClock final : public Clock, public std::enable_shared_from_this<Manu
   /// Sets the wall clock, as a user does: the monotonic clock and the timers do not notice.
   void setWallClock(Instant now);
 
-  /// Forgets every wake-up that is waiting; it never comes. What slept on one is destroyed here, before its executor's
-  /// event loop goes.
+  /// Wakes every sleeper now, with SleepEnd::cancelled.
+  void cancelTimers();
+  /// Forgets every wake-up that is waiting; it never comes. A coroutine that slept on one is unwound by its executor's
+  /// event loop, in its next turn or when it goes, and not inside this call.
   void dropTimers();
 
   /// How many wake-ups are waiting, and when the earliest one is due.
@@ -43,13 +45,15 @@ class ManualClock final : public Clock, public std::enable_shared_from_this<Manu
  private:
   class Waiting;
 
+  using Timers = std::multimap<MonotonicInstant, std::shared_ptr<Waiting>>;
+
   Instant wallNow() const ORVAN_REQUIRES(mutex_);
 
   mutable Mutex mutex_;
   Instant wallStart_ ORVAN_GUARDED_BY(mutex_);
   std::chrono::nanoseconds elapsed_ ORVAN_GUARDED_BY(mutex_){0};
   std::chrono::nanoseconds elapsedAtWallStart_ ORVAN_GUARDED_BY(mutex_){0};
-  mutable std::multimap<MonotonicInstant, std::shared_ptr<Waiting>> timers_ ORVAN_GUARDED_BY(mutex_);
+  mutable Timers timers_ ORVAN_GUARDED_BY(mutex_);
 };
 
 } // namespace orvan

@@ -27,10 +27,11 @@ class NotificationCenterDelegate {
 /// What shows an application's notifications: a service of the desktop, or one in memory for tests.
 ///
 /// The operations in the first group are what a centre implements. Each takes a completion handler that the centre
-/// calls once, from any thread, and each may throw instead of taking the question. The second group is what callers
-/// use: the same operations as awaitables, which resume on the awaiting coroutine's executor and hold their caller
-/// harmless when a centre answers twice (the first answer counts), throws, or drops a handler
-/// (NotificationCenterError:: unanswered). A centre that never answers is waited for.
+/// calls once, from any thread, and each may throw instead of taking the question. When its service or the connection
+/// to it goes, a centre drops the handlers it has kept, so that nobody waits for an answer that cannot come. The second
+/// group is what callers use: the same operations as awaitables, which resume on the awaiting coroutine's executor and
+/// hold their caller harmless when a centre answers twice (the first answer counts), throws, or drops a handler
+/// (NotificationCenterError::unanswered). A centre that never answers is waited for.
 ///
 /// All operations may be called from any thread. What is pending or delivered belongs to the centre and may survive the
 /// process.
