@@ -14,14 +14,18 @@ using testing::Pair;
 
 constexpr auto started = "follow-up authorization watcher started";
 
+std::string ended(const std::string& outcome) {
+  return "follow-up authorization watcher ended outcome=" + outcome;
+}
+
 class AuthorizationWatcher : public FollowUpStoreTest {
  protected:
   /// Leaves a live follow-up without its reminder and the watcher running, refusal final for it.
   void startByFailedRegistration() {
     schedule("f-1", clock->now() + 24h);
     center->scriptCall(Operation::add, 1, CenterBehaviour::fail());
-    resultOf(scheduler.registerReminder("f-1", "a title", inOneHour()));
-    ASSERT_EQ(log->messages().back(), started);
+    EXPECT_EQ(registerById().get(), EffectReasonToken::reminderNotRegistered);
+    ASSERT_EQ(lastLine(), started);
     log->clear();
   }
 
@@ -30,14 +34,18 @@ class AuthorizationWatcher : public FollowUpStoreTest {
     schedule("f-1", clock->now() + 24h);
     center->setAuthorizationStatus(AuthorizationStatus::notDetermined);
     center->script(Operation::requestAuthorization, CenterBehaviour::hang());
-    auto token = start(scheduler.registerReminder("f-1", "a title", inOneHour()));
-    advance(20s);
-    ASSERT_TRUE(isReady(token));
+    auto token = registerById();
+    advance(20s - 1ns);
+    EXPECT_FALSE(isReady(token));
+    const auto before = checks();
+    advance(1ns);
+    EXPECT_EQ(token.get(), EffectReasonToken::authorizationPending);
+    ASSERT_EQ(lastLine(), started);
+    EXPECT_EQ(checks() - before, 2U) << "it checks at once";
     log->clear();
   }
 
   std::size_t checks() const { return center->callCount(Operation::notificationSettings); }
-  std::string ending() const { return log->messages().empty() ? "" : log->messages().back(); }
 };
 
 TEST_F(AuthorizationWatcher, SleepsItsIntervalAndThenRegistersWhatIsMissing) {
@@ -46,11 +54,8 @@ TEST_F(AuthorizationWatcher, SleepsItsIntervalAndThenRegistersWhatIsMissing) {
   EXPECT_THAT(pending(), IsEmpty());
   advance(1ns);
   EXPECT_THAT(pending(), ElementsAre(Pair("f-1", "Follow-up reminder")));
-  EXPECT_THAT(
-      log->messages(),
-      ElementsAre(testing::HasSubstr("outcome=added"),
-                  "follow-up reconcile cancelled=0 registered=1 settled=1 skipped_past_due=0 delivered_removed=0",
-                  "follow-up authorization watcher ended outcome=reconciled"));
+  EXPECT_THAT(log->messages(),
+              ElementsAre(testing::HasSubstr("outcome=added"), passLine(0, 1, 1, 0, 0), ended("reconciled")));
 }
 
 TEST_F(AuthorizationWatcher, ChecksEachIntervalUntilItsWindowEnds) {
@@ -60,113 +65,99 @@ TEST_F(AuthorizationWatcher, ChecksEachIntervalUntilItsWindowEnds) {
     advance(1s);
   }
   EXPECT_EQ(checks() - before, 2U * 119U) << "two questions every five seconds";
-  EXPECT_EQ(ending(), "");
+  EXPECT_EQ(lastLine(), "");
   advance(1s);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=window");
+  EXPECT_EQ(lastLine(), ended("window"));
   advance(1h);
   EXPECT_EQ(checks() - before, 2U * 119U);
 }
 
-TEST_F(AuthorizationWatcher, GoesOnWhileRemindersAreOwedAndEndsOnceNoneIs) {
+TEST_F(AuthorizationWatcher, ASleepThatIsCutShortWithoutStoppingEndsItAsItsWindowDoes) {
+  startByFailedRegistration();
+  clock->cancelTimers();
+  settle();
+  EXPECT_EQ(lastLine(), ended("window"));
+}
+
+TEST_F(AuthorizationWatcher, GoesOnWhileRemindersAreOwedOrTheStoreCannotSay) {
   startByFailedRegistration();
   center->script(Operation::add, CenterBehaviour::fail());
   advance(5s);
-  advance(5s);
-  EXPECT_EQ(ending(), "follow-up reconcile cancelled=0 registered=0 settled=0 skipped_past_due=0 delivered_removed=0");
+  EXPECT_EQ(lastLine(), passLine(0, 0, 0, 0, 0));
   complete("f-1");
+  execute("ALTER TABLE follow_up RENAME TO hidden");
+  log->clear();
   advance(5s);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=reconciled");
+  EXPECT_EQ(lastLine(), passLine(0, 0, 0, 0, 0));
+  execute("ALTER TABLE hidden RENAME TO follow_up");
+  advance(5s);
+  EXPECT_EQ(lastLine(), ended("reconciled"));
 }
 
-TEST_F(AuthorizationWatcher, EndsWhenTheUserHasDecidedAgainst) {
-  startByFailedRegistration();
+TEST_F(AuthorizationWatcher, ARefusalEndsItUnlessItWasAskedToWatchOn) {
+  schedule("f-1", inOneHour());
   center->setAuthorizationStatus(AuthorizationStatus::notDetermined);
+  center->script(Operation::requestAuthorization, CenterBehaviour::fail());
+  EXPECT_EQ(registerById().get(), EffectReasonToken::authorizationPending);
   advance(5s);
-  EXPECT_EQ(ending(), "");
+  EXPECT_EQ(lastLine(), started) << "the user has not decided";
   center->setAuthorizationStatus(AuthorizationStatus::denied);
   advance(5s);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=denied");
-}
+  EXPECT_EQ(lastLine(), ended("denied"));
 
-TEST_F(AuthorizationWatcher, WatchesOnAfterARefusalWhenAskedTo) {
   startByUnansweredQuestion();
   center->setAuthorizationStatus(AuthorizationStatus::denied);
   advance(5s);
-  advance(5s);
-  EXPECT_EQ(ending(), "");
+  EXPECT_EQ(lastLine(), "");
   center->setAuthorizationStatus(AuthorizationStatus::authorized);
   advance(5s);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=reconciled");
-  EXPECT_THAT(pending(), ElementsAre(Pair("f-1", "Follow-up reminder")));
+  EXPECT_EQ(lastLine(), ended("reconciled"));
 }
 
 TEST_F(AuthorizationWatcher, OneRunsAtATimeAndALaterOneStartsAfresh) {
   startByFailedRegistration();
   center->scriptCall(Operation::add, 1, CenterBehaviour::fail());
-  resultOf(scheduler.registerReminder("f-1", "a title", inOneHour()));
+  registerById();
   EXPECT_THAT(log->messages(), Not(Contains(started)));
   advance(5s);
-  ASSERT_EQ(ending(), "follow-up authorization watcher ended outcome=reconciled");
-  center->scriptCall(Operation::add, 1, CenterBehaviour::fail());
-  resultOf(scheduler.registerReminder("f-1", "a title", inOneHour()));
-  EXPECT_EQ(ending(), started);
+  ASSERT_EQ(lastLine(), ended("reconciled"));
+  startByFailedRegistration();
 }
 
-TEST_F(AuthorizationWatcher, StoppingEndsItAsleepOrAtWork) {
-  startByFailedRegistration();
-  scheduler.stopAuthorizationRecovery();
+TEST_F(AuthorizationWatcher, StoppingEndsItsSleepAlsoWhenItsSchedulerIsGone) {
+  schedule("f-1", inOneHour());
+  center->script(Operation::add, CenterBehaviour::fail());
+  auto other = std::make_unique<FollowUpScheduler>(makeScheduler(pool));
+  resultOf(other->registerReminder("f-1", "a title", inOneHour()));
+  const FollowUpScheduler copy = *other;
+  other.reset();
+  advance(5s);
+  copy.stopAuthorizationRecovery();
   settle();
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=stopped");
+  EXPECT_EQ(lastLine(), ended("stopped"));
+  EXPECT_EQ(clock->timerCount(), 0U);
 }
 
 TEST_F(AuthorizationWatcher, AnAnswerAfterStoppingStartsNothing) {
   startByFailedRegistration();
-  center->script(Operation::notificationSettings, CenterBehaviour::hang());
+  center->scriptCall(Operation::notificationSettings, 1, CenterBehaviour::hang());
   advance(5s);
   scheduler.stopAuthorizationRecovery();
-  center->script(Operation::notificationSettings, CenterBehaviour::answer());
-  center->answerHeld();
-  settle();
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=stopped");
+  answerHeld();
+  EXPECT_EQ(lastLine(), ended("stopped"));
   EXPECT_THAT(pending(), IsEmpty());
-}
-
-TEST_F(AuthorizationWatcher, DrainingWaitsForTheItemItsPassHasInHand) {
-  startByFailedRegistration();
-  schedule("f-2", clock->now() + 24h);
-  center->script(Operation::add, CenterBehaviour::hang());
-  advance(5s);
-  auto drained = start(scheduler.stopAuthorizationRecoveryAndDrain());
-  EXPECT_FALSE(isReady(drained));
-  center->answerHeld();
-  settle();
-  EXPECT_TRUE(isReady(drained));
-  EXPECT_EQ(pending().size(), 1U);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=stopped");
 }
 
 TEST_F(AuthorizationWatcher, PassesOverAPassThatAlreadyRuns) {
   startByFailedRegistration();
-  center->script(Operation::deliveredNotifications, CenterBehaviour::hang());
+  center->scriptCall(Operation::deliveredNotifications, 1, CenterBehaviour::hang());
   auto pass = start(scheduler.reconcileReminders());
   advance(5s);
-  EXPECT_EQ(ending(), "") << "a reminder is owed, and it neither reconciles nor waits";
-  center->script(Operation::deliveredNotifications, CenterBehaviour::answer());
-  center->answerHeld();
-  settle();
+  EXPECT_EQ(lastLine(), "") << "a reminder is owed, and it neither reconciles nor waits";
+  answerHeld();
   EXPECT_TRUE(isReady(pass));
   advance(5s);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=reconciled");
-}
-
-TEST_F(AuthorizationWatcher, KeepsWatchingWhileTheStoreCannotBeRead) {
-  startByFailedRegistration();
-  execute("ALTER TABLE follow_up RENAME TO hidden");
-  advance(5s);
-  EXPECT_EQ(ending(), "follow-up reconcile cancelled=0 registered=0 settled=0 skipped_past_due=0 delivered_removed=0");
-  execute("ALTER TABLE hidden RENAME TO follow_up");
-  advance(5s);
-  EXPECT_EQ(ending(), "follow-up authorization watcher ended outcome=reconciled");
+  EXPECT_EQ(lastLine(), ended("reconciled"));
 }
 
 } // namespace

@@ -2,8 +2,7 @@
 
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/notification_center/notification_center_error.h"
-#include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
-#include "event_loop_test.h"
+#include "follow_up_store_test.h"
 
 namespace orvan {
 namespace {
@@ -12,12 +11,10 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
-class UserNotifications : public EventLoopTest {
+class UserNotifications : public NotificationPortTest {
  protected:
-  void setStatus(AuthorizationStatus status) { center->setAuthorizationStatus(status); }
-
   void hold(std::string identifier, UserInfo userInfo) {
-    resultOf(center->added(request(std::move(identifier), std::move(userInfo), clock->now() + 1h)));
+    resultOf(center->added(request(std::move(identifier), clock->now() + 1h, std::move(userInfo))));
   }
 };
 
@@ -34,14 +31,6 @@ TEST_F(UserNotifications, AReminderIsMarkedAndDueAtItsSecondInTheUsersCalendar) 
                                            "outcome=added"));
   EXPECT_EQ(log->entries().front().category, "follow-up-scheduler");
   unsetenv("TZ");
-}
-
-TEST_F(UserNotifications, ARefusedReminderIsLoggedByItsErrorsTypeAndThrown) {
-  center->script(Operation::add, CenterBehaviour::fail());
-  auto registered = start(notifications->registerRequest("f-1", "Call", clock->now()));
-  EXPECT_THROW(registered.get(), Error);
-  EXPECT_THAT(log->messages(), ElementsAre("follow-up register key_hash=3defc6e63240 due_minute=2026-03-04T09:15Z "
-                                           "outcome=failed error=orvan::Error"));
 }
 
 TEST_F(UserNotifications, OnlyOwnRequestsAreReported) {
@@ -61,76 +50,50 @@ TEST_F(UserNotifications, OnlyOwnRequestsAreReported) {
               UnorderedElementsAre("marked", "5:hello|3:abc", "fu-v25:x"));
 }
 
-TEST_F(UserNotifications, WithdrawingTouchesOnlyTheSetItNames) {
-  hold("shown", {{"orvan.follow-up.reminder", true}});
-  advance(1h);
-  hold("shown", {{"orvan.follow-up.reminder", true}});
-  resultOf(notifications->cancel("shown"));
-  EXPECT_TRUE(resultOf(notifications->pendingRequestKeys()).empty());
-  EXPECT_THAT(resultOf(notifications->deliveredRequestKeys()), ElementsAre("shown"));
-  resultOf(notifications->removeDelivered("shown"));
-  EXPECT_TRUE(resultOf(notifications->deliveredRequestKeys()).empty());
-}
-
-TEST_F(UserNotifications, ReadsTheStatusAsGrantedUndeterminedOrNeither) {
-  const auto reading = [this](AuthorizationStatus status) {
-    setStatus(status);
-    return std::pair{resultOf(notifications->authorizationGranted()),
-                     resultOf(notifications->authorizationIsUndetermined())};
+TEST_F(UserNotifications, ReadsTheStatusAndLogsItAfterAsking) {
+  struct Reading {
+    AuthorizationStatus status;
+    bool granted;
+    const char* word;
   };
-  EXPECT_EQ(reading(AuthorizationStatus::notDetermined), std::pair(false, true));
-  EXPECT_EQ(reading(AuthorizationStatus::denied), std::pair(false, false));
-  EXPECT_EQ(reading(AuthorizationStatus::authorized), std::pair(true, false));
-  EXPECT_EQ(reading(AuthorizationStatus::provisional), std::pair(true, false));
-  EXPECT_EQ(reading(static_cast<AuthorizationStatus>(17)), std::pair(false, false));
-}
-
-TEST_F(UserNotifications, AskingLogsTheStatusThatIsThenInForce) {
-  for (const auto answer : {AuthorizationStatus::authorized, AuthorizationStatus::provisional,
-                            AuthorizationStatus::denied, static_cast<AuthorizationStatus>(17)}) {
-    setStatus(answer);
-    resultOf(notifications->requestAuthorization());
+  for (const auto& [status, granted, word] : {Reading{AuthorizationStatus::notDetermined, false, "notDetermined"},
+                                              Reading{AuthorizationStatus::denied, false, "denied"},
+                                              Reading{AuthorizationStatus::authorized, true, "granted"},
+                                              Reading{AuthorizationStatus::provisional, true, "provisional"},
+                                              Reading{static_cast<AuthorizationStatus>(17), false, "denied"}}) {
+    center->setAuthorizationStatus(status);
+    center->setUserAnswer(status);
+    EXPECT_EQ(resultOf(notifications->authorizationGranted()), granted) << word;
+    EXPECT_EQ(resultOf(notifications->authorizationIsUndetermined()), status == AuthorizationStatus::notDetermined);
+    EXPECT_EQ(resultOf(notifications->requestAuthorization()), granted) << word;
+    EXPECT_EQ(log->messages().back(), std::string{"follow-up authorization result="} + word);
   }
-  center->setUserAnswer(AuthorizationStatus::notDetermined);
-  setStatus(AuthorizationStatus::notDetermined);
-  EXPECT_FALSE(resultOf(notifications->requestAuthorization()));
-  EXPECT_THAT(log->messages(),
-              ElementsAre("follow-up authorization result=granted", "follow-up authorization result=provisional",
-                          "follow-up authorization result=denied", "follow-up authorization result=denied",
-                          "follow-up authorization result=notDetermined"));
 }
 
-TEST_F(UserNotifications, AFailedQuestionIsLoggedWithDomainAndCodeAndReadsAsNotGranted) {
+TEST_F(UserNotifications, OfACenterThatFailsOnlyRegisteringThrowsAndErrorsAreLoggedByTheirKind) {
+  center->scriptCall(Operation::add, 1, CenterBehaviour::fail());
   center->scriptCall(Operation::requestAuthorization, 1, CenterBehaviour::fail());
   center->scriptCall(Operation::requestAuthorization, 2, CenterBehaviour::throwError());
+  EXPECT_THROW(resultOf(notifications->registerRequest("f-1", "Call", clock->now())), Error);
   EXPECT_FALSE(resultOf(notifications->requestAuthorization()));
   EXPECT_FALSE(resultOf(notifications->requestAuthorization()));
   EXPECT_THAT(log->messages(),
-              ElementsAre("follow-up authorization result=error domain=orvan.notification-center code=3",
+              ElementsAre("follow-up register key_hash=3defc6e63240 due_minute=2026-03-04T09:15Z outcome=failed "
+                          "error=orvan::Error",
+                          "follow-up authorization result=error domain=orvan.notification-center code=3",
                           "follow-up authorization result=error domain=orvan.notification-center code=1"));
-}
-
-TEST_F(UserNotifications, ACenterThatThrowsReadsAsSettledAndEmpty) {
-  center->script(Operation::notificationSettings, CenterBehaviour::throwError());
-  center->script(Operation::pendingRequests, CenterBehaviour::throwError());
-  center->script(Operation::deliveredNotifications, CenterBehaviour::throwError());
+  for (const auto question :
+       {Operation::notificationSettings, Operation::pendingRequests, Operation::deliveredNotifications}) {
+    center->script(question, CenterBehaviour::throwError());
+  }
   EXPECT_FALSE(resultOf(notifications->authorizationGranted()));
   EXPECT_FALSE(resultOf(notifications->authorizationIsUndetermined()));
   EXPECT_TRUE(resultOf(notifications->pendingRequestKeys()).empty());
   EXPECT_TRUE(resultOf(notifications->deliveredRequestKeys()).empty());
 }
 
-class FiveOperationsOnly final : public FollowUpNotificationScheduling {
- public:
-  Task<bool> authorizationGranted() override { co_return true; }
-  Task<bool> requestAuthorization() override { co_return true; }
-  Task<void> registerRequest(std::string /*key*/, std::string /*title*/, Instant /*dueAt*/) override { co_return; }
-  Task<NotificationKeys> pendingRequestKeys() override { co_return NotificationKeys{"f-1"}; }
-  Task<void> cancel(std::string /*key*/) override { co_return; }
-};
-
 TEST_F(UserNotifications, APortMayLeaveOutWhatItsPlatformLacks) {
-  FiveOperationsOnly port;
+  PlainPort port;
   EXPECT_FALSE(resultOf(port.authorizationIsUndetermined()));
   EXPECT_TRUE(resultOf(port.deliveredRequestKeys()).empty());
   EXPECT_NO_THROW(resultOf(port.removeDelivered("f-1")));

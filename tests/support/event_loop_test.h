@@ -11,8 +11,6 @@
 #include <utility>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
-#include "OrvanTestSupport/capturing_log.h"
 #include "OrvanTestSupport/in_memory_notification_center.h"
 #include "OrvanTestSupport/manual_clock.h"
 
@@ -41,6 +39,11 @@ class EventLoopTest : public testing::Test {
     settle();
   }
 
+  void answerHeld() {
+    center->answerHeld();
+    settle();
+  }
+
   /// Starts `task` and runs it as far as it gets.
   template <typename Result>
   std::future<Result> start(Task<Result> task) {
@@ -64,7 +67,7 @@ class EventLoopTest : public testing::Test {
     return future.get();
   }
 
-  static NotificationRequest request(std::string identifier, UserInfo userInfo, Instant due) {
+  static NotificationRequest request(std::string identifier, Instant due, UserInfo userInfo = {}) {
     return NotificationRequest{std::move(identifier), NotificationContent{"Call", std::move(userInfo)},
                                CalendarTrigger{userCalendarComponents(due)}};
   }
@@ -73,9 +76,6 @@ class EventLoopTest : public testing::Test {
   std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>(*parseInternetDateTime("2026-03-04T09:15:00Z"));
   std::shared_ptr<InMemoryNotificationCenter> center =
       std::make_shared<InMemoryNotificationCenter>(loop.get_executor(), clock);
-  std::shared_ptr<CapturingLog> log = std::make_shared<CapturingLog>();
-  std::shared_ptr<FollowUpNotificationScheduling> notifications =
-      std::make_shared<UserNotificationsFollowUpScheduling>(log);
 };
 
 } // namespace orvan
