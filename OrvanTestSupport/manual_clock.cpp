@@ -10,9 +10,10 @@ namespace orvan {
 
 class ManualClock::Waiting final : public Timer, public std::enable_shared_from_this<ManualClock::Waiting> {
  public:
-  Waiting(std::weak_ptr<const ManualClock> clock, const Executor& executor,
+  Waiting(std::weak_ptr<const ManualClock> clock, Place place, const Executor& executor,
           std::move_only_function<void(SleepEnd)> wake)
       : clock_(std::move(clock)),
+        place_(place),
         executor_(boost::asio::prefer(executor, boost::asio::execution::outstanding_work.tracked)),
         wake_(std::move(wake)) {}
 
@@ -21,12 +22,12 @@ class ManualClock::Waiting final : public Timer, public std::enable_shared_from_
     if (clock == nullptr) {
       return;
     }
-    bool waiting = false;
+    Timers::node_type waiting;
     {
       const MutexLock lock{clock->mutex_};
-      waiting = std::erase_if(clock->timers_, [this](const auto& timer) { return timer.second.get() == this; }) > 0;
+      waiting = clock->timers_.extract(place_);
     }
-    if (waiting) {
+    if (!waiting.empty()) {
       end(SleepEnd::cancelled);
     }
   }
@@ -39,6 +40,7 @@ class ManualClock::Waiting final : public Timer, public std::enable_shared_from_
 
  private:
   std::weak_ptr<const ManualClock> clock_;
+  const Place place_;
   Executor executor_;
   std::move_only_function<void(SleepEnd)> wake_;
 };
@@ -52,7 +54,7 @@ void ManualClock::advance(std::chrono::nanoseconds duration) {
   {
     const MutexLock lock{mutex_};
     elapsed_ += duration;
-    const auto end = timers_.upper_bound(MonotonicInstant{elapsed_});
+    const auto end = timers_.lower_bound(Place{MonotonicInstant{elapsed_}, timersStarted_});
     for (auto timer = timers_.begin(); timer != end; ++timer) {
       due.push_back(std::move(timer->second));
     }
@@ -75,7 +77,7 @@ void ManualClock::cancelTimers() {
     const MutexLock lock{mutex_};
     cancelled.swap(timers_);
   }
-  for (const auto& [due, timer] : cancelled) {
+  for (const auto& [place, timer] : cancelled) {
     timer->end(SleepEnd::cancelled);
   }
 }
@@ -96,7 +98,7 @@ std::optional<std::chrono::nanoseconds> ManualClock::timeToNextTimer() const {
   if (timers_.empty()) {
     return std::nullopt;
   }
-  return timers_.begin()->first - MonotonicInstant{elapsed_};
+  return timers_.begin()->first.first - MonotonicInstant{elapsed_};
 }
 
 Instant ManualClock::wallNow() const {
@@ -115,13 +117,15 @@ MonotonicInstant ManualClock::monotonicNow() const {
 
 std::shared_ptr<Timer> ManualClock::startTimer(MonotonicInstant due, Executor executor,
                                                std::move_only_function<void(SleepEnd)> wake) const {
-  auto timer = std::make_shared<Waiting>(weak_from_this(), executor, std::move(wake));
+  std::shared_ptr<Waiting> timer;
   bool isDue = false;
   {
     const MutexLock lock{mutex_};
+    const Place place{due, timersStarted_++};
+    timer = std::make_shared<Waiting>(weak_from_this(), place, executor, std::move(wake));
     isDue = due <= MonotonicInstant{elapsed_};
     if (!isDue) {
-      timers_.emplace(due, timer);
+      timers_.emplace(place, timer);
     }
   }
   if (isDue) {

@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "OrvanPlatform/clock.h"
 #include "OrvanPlatform/mutex.h"
@@ -45,7 +47,9 @@ class ManualClock final : public Clock, public std::enable_shared_from_this<Manu
  private:
   class Waiting;
 
-  using Timers = std::multimap<MonotonicInstant, std::shared_ptr<Waiting>>;
+  /// When a timer is due, and as which of those it was started.
+  using Place = std::pair<MonotonicInstant, std::uint64_t>;
+  using Timers = std::map<Place, std::shared_ptr<Waiting>>;
 
   Instant wallNow() const ORVAN_REQUIRES(mutex_);
 
@@ -53,6 +57,7 @@ class ManualClock final : public Clock, public std::enable_shared_from_this<Manu
   Instant wallStart_ ORVAN_GUARDED_BY(mutex_);
   std::chrono::nanoseconds elapsed_ ORVAN_GUARDED_BY(mutex_){0};
   std::chrono::nanoseconds elapsedAtWallStart_ ORVAN_GUARDED_BY(mutex_){0};
+  mutable std::uint64_t timersStarted_ ORVAN_GUARDED_BY(mutex_) = 0;
   mutable Timers timers_ ORVAN_GUARDED_BY(mutex_);
 };
 
