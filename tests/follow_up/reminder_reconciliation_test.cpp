@@ -129,6 +129,18 @@ TEST_F(ReminderReconciliation, OnePassRunsAtATimeAndDrainingLetsItFinishTheItemI
   resultOf(scheduler.stopAuthorizationRecoveryAndDrain());
 }
 
+TEST_F(ReminderReconciliation, AfterTheItemInHandADrainedPassTakesNoFurtherStep) {
+  schedule("f-1", inOneHour());
+  owe("undone_unlink", "gone");
+  center->script(Operation::add, CenterBehaviour::hang());
+  start(scheduler.reconcileReminders());
+  auto drained = start(scheduler.stopAuthorizationRecoveryAndDrain());
+  answerHeld();
+  EXPECT_TRUE(isReady(drained));
+  EXPECT_EQ(lastLine(), passLine(0, 1, 1, 0, 0));
+  EXPECT_EQ(settledAt("undone_unlink"), "(null)");
+}
+
 TEST_F(ReminderReconciliation, StoppingEndsAPassBeforeItsNextStep) {
   holdPending("unknown");
   center->script(Operation::deliveredNotifications, CenterBehaviour::hang());

@@ -126,10 +126,12 @@ TEST_F(ReminderRegistration, AFollowUpThatEndsOrMovesWhileTheCenterAcceptsIsWith
   EXPECT_THAT(delivered(), IsEmpty()) << "also when it was shown meanwhile";
 
   schedule("f-1", inOneHour());
-  auto moved = registerPair(inOneHour());
+  auto movedByPair = registerPair(inOneHour());
+  auto movedById = registerById();
   schedule("f-1", inOneHour() + 1h);
   advance(5s);
-  EXPECT_EQ(moved.get(), EffectReasonToken::followUpNotLive);
+  EXPECT_EQ(movedByPair.get(), EffectReasonToken::followUpNotLive);
+  EXPECT_EQ(movedById.get(), EffectReasonToken::followUpNotLive);
   EXPECT_THAT(pending(), IsEmpty());
 }
 

@@ -96,11 +96,12 @@ class AskedQuestions : public testing::Test {
 TEST_F(AskedQuestions, AreCommitmentsUntilTheImportAfterTheAnswer) {
   askMe();
   EXPECT_THAT(store.commitments(), ElementsAre("unanswered_question"));
-  EXPECT_THAT(store.texts("SELECT statement FROM claim_text "
+  EXPECT_THAT(store.texts("SELECT detected_at || ' ' || statement FROM claim_text "
                           "JOIN claim_evidence evidence ON evidence.claim_id = claim_text.claim_id "
                           "JOIN open_loop ON open_loop.evidence_ref = evidence.id "
                           "JOIN source_event ON source_event.id = evidence.source_event_id"),
-              ElementsAre("Shall we meet?"));
+              ElementsAre("2026-03-02T10:00:01Z Shall we meet?"))
+      << "after the mail itself, and before whatever follows";
   store.import({});
   EXPECT_THAT(states(), ElementsAre("open")) << "once, however often it is weighed";
   answer();
