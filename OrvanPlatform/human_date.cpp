@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "OrvanPlatform/user_locale.h"
-#include "OrvanPlatform/user_time_zone.h"
+#include "OrvanPlatform/internal/user_locale.h"
+#include "OrvanPlatform/internal/user_time_zone.h"
 
 namespace orvan {
 namespace {
@@ -19,12 +19,12 @@ struct Formatter {
 
 const icu::DateFormat* currentFormat() {
   thread_local Formatter kept;
-  auto locale = userLocaleName();
-  auto zone = userTimeZoneSetting();
+  auto locale = internal::userLocaleName();
+  auto zone = internal::userTimeZoneSetting();
   if (kept.format == nullptr || kept.locale != locale || kept.zone != zone) {
-    kept.format.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, userLocale(locale)));
+    kept.format.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, internal::userLocale(locale)));
     if (kept.format != nullptr) {
-      kept.format->adoptTimeZone(userTimeZone().release());
+      kept.format->adoptTimeZone(internal::userTimeZone().release());
     }
     kept.locale = std::move(locale);
     kept.zone = std::move(zone);
@@ -48,7 +48,7 @@ std::string humanDateText(Instant instant) {
 
 std::string userTimeZoneName() {
   icu::UnicodeString name;
-  userTimeZone()->getID(name);
+  internal::userTimeZone()->getID(name);
   std::string text;
   name.toUTF8String(text);
   return text;

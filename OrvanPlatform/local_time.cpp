@@ -2,7 +2,7 @@
 
 #include <unicode/basictz.h>
 
-#include "OrvanPlatform/user_time_zone.h"
+#include "OrvanPlatform/internal/user_time_zone.h"
 
 namespace orvan {
 namespace {
@@ -21,13 +21,13 @@ std::chrono::local_seconds localTimeOf(Instant instant) {
   std::int32_t standard = 0;
   std::int32_t daylight = 0;
   UErrorCode status = U_ZERO_ERROR;
-  userTimeZone()->getOffset(asDate(sinceEpoch), 0, standard, daylight, status);
+  internal::userTimeZone()->getOffset(asDate(sinceEpoch), 0, standard, daylight, status);
   return std::chrono::local_seconds{sinceEpoch +
                                     std::chrono::duration_cast<seconds>(milliseconds{standard + daylight})};
 }
 
 Instant instantOfLocalTime(std::chrono::local_seconds time) {
-  const auto zone = userTimeZone();
+  const auto zone = internal::userTimeZone();
   std::int32_t standard = 0;
   std::int32_t daylight = 0;
   UErrorCode status = U_ZERO_ERROR;

@@ -4,15 +4,15 @@
 
 #include <memory>
 
-#include "OrvanPlatform/user_locale.h"
-#include "OrvanPlatform/user_time_zone.h"
+#include "OrvanPlatform/internal/user_locale.h"
+#include "OrvanPlatform/internal/user_time_zone.h"
 
 namespace orvan {
 namespace {
 
 std::unique_ptr<icu::Calendar> userCalendar(UErrorCode& error) {
-  return std::unique_ptr<icu::Calendar>{
-      icu::Calendar::createInstance(userTimeZone().release(), userLocale(userLocaleName()), error)};
+  return std::unique_ptr<icu::Calendar>{icu::Calendar::createInstance(
+      internal::userTimeZone().release(), internal::userLocale(internal::userLocaleName()), error)};
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "OrvanPlatform/user_time_zone.h"
+#include "OrvanPlatform/internal/user_time_zone.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,7 +9,7 @@
 
 #include "OrvanPlatform/mutex.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr const char* systemZone = "/etc/localtime";
@@ -43,4 +43,4 @@ std::unique_ptr<icu::TimeZone> userTimeZone() {
   return std::unique_ptr<icu::TimeZone>{icu::TimeZone::detectHostTimeZone()};
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanRelationshipAttention/disposition_store/disposition_rows.h"
+#include "OrvanRelationshipAttention/disposition_store/internal/disposition_rows.h"
 #include "OrvanRelationshipAttention/store_access/plaintext_database.h"
 #include "OrvanRelationshipAttention/store_access/store_key.h"
 #include "OrvanSpineCore/store_write_diagnostics.h"
@@ -162,6 +162,11 @@ Task<AttentionItemDispositionRecord> AttentionDispositionStore::apply(AttentionC
 
 Task<std::vector<AttentionItemDispositionRecord>> AttentionDispositionStore::records(std::string personID) {
   return Desk::recordsInTurn(desk_, std::move(personID));
+}
+
+std::vector<AttentionItemDispositionRecord> AttentionDispositionStore::records(std::string_view personID,
+                                                                               Connection& connection) {
+  return internal::loadRecords(personID, connection);
 }
 
 } // namespace orvan

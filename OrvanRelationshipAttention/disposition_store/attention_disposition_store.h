@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "OrvanPlatform/executor.h"
@@ -13,6 +14,7 @@
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store_error.h"
 #include "OrvanRelationshipAttention/disposition_store/follow_up_disposition_applying.h"
 #include "OrvanSpineCore/credential_vault.h"
+#include "OrvanStore/connection.h"
 
 namespace orvan {
 
@@ -60,6 +62,10 @@ class AttentionDispositionStore final : public FollowUpDispositionApplying {
   /// What the user decided about a person's items, in the store's order, snoozes that are over included. Records that
   /// cannot be read are left out. Throws StoreError.
   Task<std::vector<AttentionItemDispositionRecord>> records(std::string personID);
+
+  /// The same within the caller's read, on the caller's thread: for programs that have the store open already, since
+  /// opening a disposition store derives the key anew.
+  static std::vector<AttentionItemDispositionRecord> records(std::string_view personID, Connection& connection);
 
   /// Where operations run.
   const Executor& executor() const noexcept { return work_.get(); }

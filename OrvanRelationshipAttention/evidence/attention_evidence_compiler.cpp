@@ -10,7 +10,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/precondition.h"
 #include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanRelationshipAttention/store_access/plaintext_database.h"
 #include "OrvanRelationshipAttention/store_access/store_key.h"
 #include "OrvanSpineCore/store_write_diagnostics.h"
@@ -134,7 +134,7 @@ class AttentionEvidenceCompiler::Desk {
   std::unique_ptr<DatabaseQueue> database_;
   std::shared_ptr<ProjectionReader> observatory_;
   AttentionEvidenceCompilerOptions options_;
-  EvidenceQueries queries_;
+  internal::EvidenceQueries queries_;
   boost::asio::strand<Executor> turn_;
 };
 
@@ -147,15 +147,16 @@ AttentionEvidenceBundle AttentionEvidenceCompiler::Desk::compile(std::string per
       database_->read([&](Connection& connection) { return queries_.fetchOpenThreads(personKey, asOf, connection); });
   auto upcomingInteractions = database_->read(
       [&](Connection& connection) { return queries_.fetchUpcomingInteractions(personKey, asOf, connection); });
-  const auto history = database_->read(
-      [&](Connection& connection) { return EvidenceQueries::fetchInteractionTimestamps(personKey, connection); });
+  const auto history = database_->read([&](Connection& connection) {
+    return internal::EvidenceQueries::fetchInteractionTimestamps(personKey, connection);
+  });
   auto changedContext = ChangedContextDetector::detectResumption(history, asOf, options_.quietPeriodThresholdDays(),
                                                                  options_.recentWindowDays(),
                                                                  options_.maxResumedInteractionIDsPerBundle());
   auto commitments =
       database_->read([&](Connection& connection) { return queries_.fetchCommitments(personKey, connection); });
   auto sourceFreshness = database_->read(
-      [&](Connection& connection) { return EvidenceQueries::fetchSourceFreshness(personKey, connection); });
+      [&](Connection& connection) { return internal::EvidenceQueries::fetchSourceFreshness(personKey, connection); });
   auto corrections = database_->read(
       [&](Connection& connection) { return queries_.fetchUserCorrections(personKey, asOf, connection); });
   return {std::move(personKey),     std::move(generatedAt),          options_.recentWindowDays(),

@@ -8,7 +8,6 @@
 
 #include "OrvanObservatory/store_projection_reader.h"
 #include "OrvanPlatform/error.h"
-#include "OrvanRelationshipAttention/disposition_store/disposition_rows.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
 
@@ -147,7 +146,8 @@ AttentionEvidenceBundle Workspace::bundle(const std::string& personKey) {
 
 /// On the connection that is open anyway: a disposition store would derive the key twice more, to write and to read.
 std::vector<AttentionItemDispositionRecord> Workspace::records(const std::string& personKey) {
-  return store().read([&personKey](Connection& connection) { return internal::loadRecords(personKey, connection); });
+  return store().read(
+      [&personKey](Connection& connection) { return AttentionDispositionStore::records(personKey, connection); });
 }
 
 DatabaseQueue& Workspace::writableStore() {

@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 #include "OrvanPlatform/internet_date_time.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 TEST(FollowUpKey, CountsBytesSoThatNoTwoPairsShareAKey) {
@@ -40,4 +40,4 @@ TEST(MinuteStamp, DropsWhatLiesBelowTheMinute) {
 }
 
 } // namespace
-} // namespace orvan
+} // namespace orvan::internal

@@ -13,7 +13,7 @@
 
 #include "OrvanObservatory/store_projection_reader.h"
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/canonical_schema.h"
 #include "OrvanStore/database_queue.h"
 #include "application/import/ledger/mail_importer.h"
@@ -92,7 +92,7 @@ class ImportStore {
   /// One text of each piece of evidence on the person with that address.
   template <typename Fetch, typename TextOf, typename... Arguments>
   Texts evidence(Fetch fetch, TextOf textOf, std::string_view address, const Arguments&... arguments) {
-    const EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
+    const internal::EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
     const auto personKey = personIDOf(identityIDOf(address));
     const auto pieces =
         queue.read([&](Connection& connection) { return (queries.*fetch)(personKey, arguments..., connection); });
@@ -140,14 +140,16 @@ class ImportStore {
   }
   /// When each mail that waits for the user's reply came.
   Texts waiting(std::string_view address = zoe) {
-    return evidence(&EvidenceQueries::fetchOpenThreads, &OpenThreadEvidence::lastInboundOccurredAt, address, asOf());
+    return evidence(&internal::EvidenceQueries::fetchOpenThreads, &OpenThreadEvidence::lastInboundOccurredAt, address,
+                    asOf());
   }
   Texts upcoming(std::string_view who = zoe) {
-    return evidence(&EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt, who, asOf());
+    return evidence(&internal::EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt,
+                    who, asOf());
   }
   /// The kinds of what is open between the user and the person.
   Texts commitments(std::string_view address = zoe) {
-    return evidence(&EvidenceQueries::fetchCommitments, &CommitmentEvidence::kind, address);
+    return evidence(&internal::EvidenceQueries::fetchCommitments, &CommitmentEvidence::kind, address);
   }
   /// Each thread as the times of what happened in it.
   Texts threads() {

@@ -12,10 +12,10 @@
 #include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
 #include "OrvanStore/connection.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 /// The reads behind a bundle, one statement or family of statements in each source file. Each runs within the caller's
-/// read of the store and throws StoreError. Internal to the library.
+/// read of the store and throws StoreError.
 ///
 /// A person is the set of identities whose membership is live: `ended_at` NULL and `state` 'high_conf' or 'confirmed'.
 /// A row that lacks a column it needs is passed over.
@@ -44,4 +44,4 @@ class EvidenceQueries {
   AttentionEvidenceCompilerOptions options_;
 };
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_parts.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_parts.h"
 #include "OrvanSpineCore/effect_reason_token.h"
 
 /// How the user's settling of a follow-up reaches its attention item. The follow-up itself stays as it is.

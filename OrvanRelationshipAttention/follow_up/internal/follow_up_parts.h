@@ -6,11 +6,11 @@
 #include "OrvanPlatform/log.h"
 #include "OrvanRelationshipAttention/disposition_store/follow_up_disposition_applying.h"
 #include "OrvanRelationshipAttention/follow_up/authorization_recheck.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_authorization_recovery.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_notification_scheduling.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_authorization_recovery.h"
 #include "OrvanStore/database_pool.h"
 
-/// What the files of this folder share. Not installed.
+/// What the files of this folder share.
 namespace orvan::internal {
 
 /// What the copies of one scheduler and the tasks they started share. Never changed after construction.

@@ -10,7 +10,7 @@
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up_item.h"
 #include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
 
-/// What the folders of this library share about catch-up items. Not installed: embedding code gets items from the
+/// What the folders of this library share about catch-up items. Embedding code gets items from the
 /// selector. Everything here is pure and may be called from any thread.
 namespace orvan::internal {
 

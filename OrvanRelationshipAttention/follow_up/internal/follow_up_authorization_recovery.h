@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "OrvanPlatform/clock.h"
-#include "OrvanPlatform/continuation.h"
+#include "OrvanPlatform/internal/continuation.h"
+#include "OrvanPlatform/internal/sleep.h"
 #include "OrvanPlatform/mutex.h"
-#include "OrvanPlatform/sleep.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_notification_scheduling.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 /// What all copies of one scheduler share about authorization and reconciliation: many callers wait for one request,
 /// one watcher is claimed at a time, one reconciliation pass holds the slot at a time, and all of it stops in order.
@@ -118,4 +118,4 @@ class FollowUpAuthorizationRecovery : public std::enable_shared_from_this<Follow
   WaiterID nextWaiterID_ ORVAN_GUARDED_BY(lock_) = 0;
 };
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -5,7 +5,7 @@
 #include "OrvanPlatform/clock.h"
 #include "OrvanPlatform/mutex.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 /// Names one background task to those who may end it early. Copies name the same task.
 ///
@@ -34,4 +34,4 @@ Task<SleepEnd> sleepUntil(std::shared_ptr<const Clock> clock, MonotonicInstant d
 /// The same for a sleep that nobody cancels.
 Task<SleepEnd> sleepUntil(std::shared_ptr<const Clock> clock, MonotonicInstant due);
 
-} // namespace orvan
+} // namespace orvan::internal

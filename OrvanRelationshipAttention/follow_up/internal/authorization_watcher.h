@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_parts.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_parts.h"
 
 namespace orvan::internal {
 

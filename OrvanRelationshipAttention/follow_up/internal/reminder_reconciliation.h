@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_parts.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_parts.h"
 
 /// How the notification centre is brought in line with the live follow-ups.
 namespace orvan::internal {

@@ -8,7 +8,7 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_item.h"
 
-/// What the folders of this library share about why-now items. Not installed: embedding code neither builds items nor
+/// What the folders of this library share about why-now items. Embedding code neither builds items nor
 /// sees their validity. Everything here is pure and may be called from any thread.
 namespace orvan::internal {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_parts.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_registration_race.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_parts.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_registration_race.h"
 #include "OrvanSpineCore/effect_reason_token.h"
 
 /// How one live follow-up gets its reminder. All of it runs on the scheduler's executor and reads the store there.

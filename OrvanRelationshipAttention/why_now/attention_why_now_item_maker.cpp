@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+#include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
 
 #include <algorithm>
 #include <utility>

@@ -6,7 +6,7 @@
 
 #include "OrvanPlatform/clock.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 /// How registering one reminder ended.
 enum class LiveReminderRegistration { registered, notLive, pastDue };
@@ -40,4 +40,4 @@ Task<LiveReminderRegistration> racingRegistrationDeadline(Executor executor, std
                                                           std::function<void()> onWorkFinished,
                                                           Task<LiveReminderRegistration> work);
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -11,7 +11,7 @@
 
 #include "OrvanPlatform/executor.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 /// Where one suspended coroutine goes on. Whoever holds it owes it exactly one resume(); dropping it instead destroys
 /// the coroutine without running the rest of it.
@@ -50,4 +50,4 @@ Task<Result> suspended(Park park) {
       std::move(start), boost::asio::use_awaitable);
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -6,7 +6,7 @@
 
 #include "OrvanPlatform/instant.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 /// The key of the one follow-up that a source object and a person have: "3:abc|2:p1". The lengths are UTF-8 bytes, so
 /// two different pairs never share a key.
@@ -39,4 +39,4 @@ std::string followUpKeyHash(std::string_view key);
 /// "2026-03-05T14:07Z": the minute an instant lies in, in UTC, as log lines have it.
 std::string iso8601Minute(Instant instant);
 
-} // namespace orvan
+} // namespace orvan::internal
