@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_options.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_compiler_options.h"
 #include "tests/support/test_store.h"
 
 namespace orvan::bench {

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "OrvanPlatform/instant.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_options.h"
-#include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_compiler_options.h"
+#include "OrvanRelationshipAttention/evidence/values/changed_context_detector.h"
 #include "OrvanStore/connection.h"
 
 namespace orvan::internal {

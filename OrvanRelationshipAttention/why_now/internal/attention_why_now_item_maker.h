@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_item.h"
 
 /// What the folders of this library share about why-now items. Embedding code neither builds items nor

@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
+#include "OrvanRelationshipAttention/evidence/values/changed_context_detector.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 
 #include <gtest/gtest.h>
 

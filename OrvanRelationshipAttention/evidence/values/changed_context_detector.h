@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "OrvanPlatform/instant.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 
 namespace orvan {
 
