@@ -19,7 +19,7 @@ string(JOIN "|" internal_headers
 function(orvan_install_headers folder)
   # Read when the package is installed: listing the folder while configuring would have every build look for new files.
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
-    FILES_MATCHING PATTERN "*.h" REGEX "(${internal_headers})\\.h$" EXCLUDE)
+    FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE REGEX "(${internal_headers})\\.h$" EXCLUDE)
 endfunction()
 
 get_property(libraries GLOBAL PROPERTY ORVAN_LIBRARIES)

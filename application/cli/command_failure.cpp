@@ -37,6 +37,8 @@ std::string sentenceOf(CredentialVaultError error) {
              "again.";
     case CredentialVaultError::keyExists:
       return "There is a key already; it was left as it is.";
+    case CredentialVaultError::keyFileNotRegular:
+      return "The key file is a folder, a pipe or a device; name the file that holds the key with --key-file.";
   }
   return "The store key could not be loaded.";
 }
