@@ -224,6 +224,10 @@ TEST_F(CommandLine, ExplainsADamagedStoreAndANamelessPerson) {
   EXPECT_EQ(run({"doctor"}).status, 0);
   change("UPDATE person SET display_name = ' '");
   EXPECT_EQ(list()["notShown"].at(0)["reason"], "noName");
+  std::ofstream(path("store.db.before-version-2")) << "left";
+  const auto withACopy = run({"doctor"});
+  EXPECT_EQ(withACopy.status, 1);
+  EXPECT_NE(withACopy.output.find(path("store.db.before-version-2")), std::string::npos) << withACopy.output;
   change("DROP INDEX open_loop_by_person");
   const auto examined = run({"doctor"});
   EXPECT_EQ(examined.status, 1);
