@@ -22,7 +22,9 @@ using Access = ApplicationStore::Access;
 
 class OwnStore : public testing::Test {
  protected:
-  OwnStore() { deriveKeysQuickly(); }
+  explicit OwnStore(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) : folder(parent) {
+    deriveKeysQuickly();
+  }
 
   std::error_code create() const {
     return faultOf([this] { ApplicationStore::create(file, vault); });
@@ -109,6 +111,8 @@ TEST_F(OwnStore, SaysThatTheSystemIsExhaustedWhereverTheOpeningFindsOut) {
 /// A store as the first version left it, with a person and an address of the user's.
 class OlderStore : public OwnStore {
  protected:
+  OlderStore() : OwnStore("/dev/shm") {} // Where a sync, of which there are thousands here, costs nothing.
+
   void makeOlderStore() const {
     for (const char* end : {"", "-wal", "-shm"}) {
       std::filesystem::remove(file.string() + end);
