@@ -1,5 +1,8 @@
 #include "OrvanSpineCore/canonical_schema.h"
 
+#include <array>
+#include <string>
+
 namespace orvan {
 namespace {
 
@@ -253,19 +256,97 @@ CREATE INDEX post_commit_obligation_owed
   ON post_commit_obligation (kind, notification_key) WHERE settled_at IS NULL;
 )sql";
 
-// "Orvn", so that tools can tell what the file is once it is decrypted.
-constexpr const char* identity = R"sql(
-PRAGMA application_id = 0x4f72766e;
-PRAGMA user_version = 1;
+// What only the importers use. They made these tables themselves in stores of version 1, where they may be missing.
+constexpr const char* imports = R"sql(
+CREATE TABLE IF NOT EXISTS own_address (
+  address TEXT NOT NULL PRIMARY KEY
+) STRICT, WITHOUT ROWID;
+
+-- Every Message-ID that was read or referred to, as a number made from it: which thread it belongs to, and whether the
+-- mail itself was 'imported', 'passed_over' (nobody wrote it to the user) or only 'referenced' so far.
+CREATE TABLE IF NOT EXISTS mail_reference (
+  message_key INTEGER PRIMARY KEY,
+  thread_id TEXT,
+  state TEXT NOT NULL
+) STRICT;
+
+-- Threads that a later mail showed to be part of another one.
+CREATE TABLE IF NOT EXISTS merged_thread (
+  thread_id TEXT NOT NULL PRIMARY KEY,
+  merged_into TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS merged_thread_by_target ON merged_thread (merged_into);
+
+-- Questions put to the user that are not known to be answered.
+CREATE TABLE IF NOT EXISTS pending_question (
+  interaction_id TEXT NOT NULL PRIMARY KEY,
+  thread_id TEXT NOT NULL,
+  source_identity_id TEXT NOT NULL,
+  asked_at TEXT NOT NULL,
+  question TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS pending_question_by_thread ON pending_question (thread_id);
+
+-- Which calendar files list a meeting and at which import of each it was seen last.
+CREATE TABLE IF NOT EXISTS calendar_entry (
+  interaction_id TEXT NOT NULL,
+  calendar TEXT NOT NULL,
+  seen_in INTEGER NOT NULL,
+  PRIMARY KEY (interaction_id, calendar)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS calendar_entry_by_calendar ON calendar_entry (calendar, seen_in);
 )sql";
+
+void createWhatTheLibraryReads(Connection& connection) {
+  for (const char* script : {people, history, claimsAndLoops, whatMayBeShown, attention, followUps, actions}) {
+    connection.executeScript(script);
+  }
+}
+
+void createWhatImportsRemember(Connection& connection) {
+  connection.executeScript(imports);
+}
+
+/// From the version before to `version`, within the caller's transaction.
+struct Step {
+  std::int64_t version;
+  void (*make)(Connection& connection);
+};
+
+// A new store goes all steps, an older one those that it lacks. A step that was published stays as it is; what is to
+// change becomes the next one.
+constexpr std::array<Step, 2> steps{{
+    {1, createWhatTheLibraryReads},
+    {2, createWhatImportsRemember},
+}};
+
+void makeStepsAfter(std::int64_t version, Connection& connection) {
+  for (const auto& step : steps) {
+    if (step.version > version) {
+      step.make(connection);
+      connection.executeScript("PRAGMA user_version = " + std::to_string(step.version));
+    }
+  }
+}
 
 } // namespace
 
+SchemaIdentity SchemaIdentity::of(Connection& connection) {
+  return {connection.fetchOptionalInteger("PRAGMA application_id").value_or(0),
+          connection.fetchOptionalInteger("PRAGMA user_version").value_or(0)};
+}
+
+SchemaIdentity SchemaIdentity::newest() noexcept {
+  return {orvan, steps.back().version};
+}
+
 void createCanonicalSchema(Connection& connection) {
-  for (const char* script :
-       {people, history, claimsAndLoops, whatMayBeShown, attention, followUps, actions, identity}) {
-    connection.executeScript(script);
-  }
+  makeStepsAfter(0, connection);
+  connection.executeScript("PRAGMA application_id = " + std::to_string(SchemaIdentity::orvan));
+}
+
+void moveCanonicalSchemaForward(Connection& connection) {
+  makeStepsAfter(SchemaIdentity::of(connection).version, connection);
 }
 
 } // namespace orvan

@@ -60,7 +60,9 @@ class AttentionDispositionStore final : public FollowUpDispositionApplying {
                                              Instant asOf) override;
 
   /// What the user decided about a person's items, in the store's order, snoozes that are over included. Records that
-  /// cannot be read are left out. Throws StoreError.
+  /// cannot be read are left out. Throws StoreError when reading fails, and Error when the reading connection, which
+  /// the first call opens, cannot be opened: invalidKeyLength, or cannotOpenEncryptedStore for everything else, be it
+  /// the vault or another file in the place of the one the store was opened on. The next call tries again.
   Task<std::vector<AttentionItemDispositionRecord>> records(std::string personID);
 
   /// The same within the caller's read, on the caller's thread: for programs that have the store open already, since

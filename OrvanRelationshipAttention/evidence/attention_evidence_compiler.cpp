@@ -11,9 +11,7 @@
 #include "OrvanPlatform/precondition.h"
 #include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanRelationshipAttention/evidence/values/changed_context_detector.h"
-#include "OrvanRelationshipAttention/store_access/plaintext_database.h"
-#include "OrvanRelationshipAttention/store_access/store_key.h"
-#include "OrvanSpineCore/store_write_diagnostics.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "OrvanStore/database_queue.h"
 
 namespace orvan {
@@ -33,48 +31,25 @@ constexpr std::array projectableTables{"person",
                                        "exclusion_rule",
                                        "deletion_tombstone"};
 
-void prepareConnection(Connection& connection, const StoreKeyProvider& keyProvider) {
-  keyConnection(connection, keyProvider, AttentionEvidenceCompilerError::invalidKeyLength);
-  connection.executeScript("PRAGMA cipher_page_size = 4096");
-  connection.executeScript("PRAGMA busy_timeout = 5000");
-  connection.executeScript("PRAGMA query_only = 1");
-  StoreWriteDiagnostics::attach(connection, StorePool::relationshipAttention, nullptr);
-}
-
-/// Counting the schema's rows is the first statement to touch the file's pages: it fails under a wrong key.
-void verifyEncryption(Connection& connection) {
-  if (!isSQLCipher(connection)) {
-    throw Error(AttentionEvidenceCompilerError::cannotOpenEncryptedStore, "asking for SQLCipher's version");
+void rejectPlaintext(const std::filesystem::path& file) {
+  try {
+    EncryptedStore::examine(file, StoreRole::evidenceCompiler);
+  } catch (const Error& error) {
+    if (error.code() == EncryptedStoreError::plaintext) {
+      throw Error(AttentionEvidenceCompilerError::plaintextDatabaseRejected, "opening the store for reading");
+    }
+    throw;
   }
-  connection.execute("SELECT count(*) FROM sqlite_master");
-}
-
-/// The ceiling waits for the verification, because setting it reads the schema.
-void verifyThenGrowPageCache(Connection& connection) {
-  verifyEncryption(connection);
-  connection.setPageCacheCeiling(ConnectionConfiguration{}.pageCacheCeilingKiB);
-}
-
-std::unique_ptr<DatabaseQueue> openReadOnlyQueue(const std::filesystem::path& file, StoreKeyProvider keyProvider) {
-  ConnectionConfiguration configuration;
-  configuration.mode = OpenMode::readOnly;
-  configuration.pageCacheCeilingKiB = 0;
-  configuration.prepare = [keyProvider = std::move(keyProvider)](Connection& connection) {
-    prepareConnection(connection, keyProvider);
-  };
-  auto queue = std::make_unique<DatabaseQueue>(file, configuration);
-  queue->read(verifyThenGrowPageCache);
-  return queue;
 }
 
 std::unique_ptr<DatabaseQueue> openStoreIfThere(const std::filesystem::path& file, CredentialVault credentialVault) {
-  rejectPlaintextDatabase(file, AttentionEvidenceCompilerError::plaintextDatabaseRejected);
-  std::error_code ignored;
-  if (!std::filesystem::exists(file, ignored)) {
+  rejectPlaintext(file);
+  const EncryptedStore store(file, std::move(credentialVault));
+  if (!store.exists()) {
     return nullptr;
   }
   try {
-    return openReadOnlyQueue(file, makeStoreKeyProvider(std::move(credentialVault)));
+    return store.openQueue(StoreRole::evidenceCompiler);
   } catch (...) { // A vault may throw anything.
     throw Error(AttentionEvidenceCompilerError::cannotOpenEncryptedStore, "opening the store for reading");
   }

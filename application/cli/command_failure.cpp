@@ -1,7 +1,5 @@
 #include "application/cli/command_failure.h"
 
-#include <sqlite3.h>
-
 #include <exception>
 #include <new>
 
@@ -13,6 +11,7 @@
 #include "application/import/calendar/calendar_source.h"
 #include "application/import/mail/mail_source_error.h"
 #include "application/store/application_store_error.h"
+#include "application/store/store_failure.h"
 
 namespace orvan {
 namespace {
@@ -37,24 +36,21 @@ std::string sentenceOf(CredentialVaultError error) {
              "again.";
     case CredentialVaultError::keyExists:
       return "There is a key already; it was left as it is.";
+    case CredentialVaultError::keyFileNotRegular:
+      return "The key file is a folder, a pipe or a device; name the file that holds the key with --key-file.";
   }
   return "The store key could not be loaded.";
 }
 
 std::string sentenceOf(const StoreError& error) {
-  switch (error.extendedCode() & 0xff) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return make_error_code(ApplicationStoreError::storeBusy).message();
-    case SQLITE_FULL:
-      return make_error_code(ApplicationStoreError::diskFull).message();
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
+  const auto failure = failureOf(error);
+  switch (failure) {
+    case ApplicationStoreError::cannotDecrypt: // It was opened with the key.
       return "The store is damaged; restore it from a backup ('orvan doctor' tells more).";
-    case SQLITE_READONLY:
-      return make_error_code(ApplicationStoreError::storeReadOnly).message();
-    default:
+    case ApplicationStoreError::cannotReadStore:
       return "The store could not be read or written (" + error.code().message() + "); 'orvan doctor' tells more.";
+    default:
+      return make_error_code(failure).message();
   }
 }
 
@@ -62,15 +58,15 @@ ExitCode codeOf(CredentialVaultError error) {
   return error == CredentialVaultError::keyExists ? ExitCode::failed : ExitCode::cannotOpen;
 }
 
-CommandFailure failureOf(ApplicationStoreError error) {
+CommandFailure commandFailureOf(ApplicationStoreError error) {
   const bool isOpening = error != ApplicationStoreError::storeExists && error != ApplicationStoreError::cannotCreate;
   return {isOpening ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
 }
 
-CommandFailure failureOf(const Error& error) {
+CommandFailure commandFailureOf(const Error& error) {
   const auto& code = error.code();
   if (isOf<ApplicationStoreError>(code)) {
-    return failureOf(static_cast<ApplicationStoreError>(code.value()));
+    return commandFailureOf(static_cast<ApplicationStoreError>(code.value()));
   }
   if (isOf<CredentialVaultError>(code)) {
     const auto vaultError = static_cast<CredentialVaultError>(code.value());
@@ -78,19 +74,19 @@ CommandFailure failureOf(const Error& error) {
   }
   if (code == AttentionEvidenceCompilerError::plaintextDatabaseRejected ||
       code == AttentionDispositionStoreError::plaintextDatabaseRejected) {
-    return failureOf(ApplicationStoreError::plaintextStore);
+    return commandFailureOf(ApplicationStoreError::plaintextStore);
   }
   if (code == AttentionDispositionStoreError::canonicalSchemaUnavailable) {
-    return failureOf(ApplicationStoreError::schemaMissing);
+    return commandFailureOf(ApplicationStoreError::schemaMissing);
   }
   if (code == AttentionDispositionStoreError::invalidKeyLength) {
-    return failureOf(ApplicationStoreError::keyMalformed);
+    return commandFailureOf(ApplicationStoreError::keyMalformed);
   }
   if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
     return {ExitCode::failed, code.message()};
   }
   // The library's own connections open after the application's has told a wrong key from everything else.
-  return failureOf(ApplicationStoreError::cannotReachStore);
+  return commandFailureOf(ApplicationStoreError::cannotReachStore);
 }
 
 } // namespace
@@ -103,7 +99,7 @@ CommandFailure failureOfCurrentException() {
   } catch (const StoreError& error) {
     return {ExitCode::failed, sentenceOf(error)};
   } catch (const Error& error) {
-    return failureOf(error);
+    return commandFailureOf(error);
   } catch (const std::bad_alloc&) {
     return {ExitCode::failed, "There is not enough memory for this."};
   } catch (const std::exception&) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/printable_text.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
@@ -111,6 +112,18 @@ std::string lookAtPages(DatabaseQueue& store) {
   });
 }
 
+std::string lookAtCopies(const WorkspaceSettings& settings) {
+  const auto copies = ApplicationStore::copiesLeft(settings.store);
+  if (!copies.empty()) {
+    throw CommandFailure(
+        ExitCode::failed,
+        "A copy of the store from before it was brought to a newer version was left by an interruption; "
+        "remove it when the store opens, put it in the store's place when it does not: " +
+            printableText(copies.front().string()));
+  }
+  return "none was left behind";
+}
+
 std::string lookAtLog(const WorkspaceSettings& settings) {
   const auto size = ApplicationStore::logSize(settings.store);
   constexpr std::uintmax_t tooLarge = std::uintmax_t{256} * 1024 * 1024;
@@ -136,6 +149,7 @@ std::vector<Finding> examine(const WorkspaceSettings& settings, const Credential
     findings.push_back(lookAt("pages", [&] { return lookAtPages(*store); }));
     findings.push_back(lookAt("log", [&] { return lookAtLog(settings); }));
   }
+  findings.push_back(lookAt("copies", [&] { return lookAtCopies(settings); }));
   return findings;
 }
 

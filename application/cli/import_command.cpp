@@ -11,7 +11,6 @@
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
-#include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
@@ -65,10 +64,8 @@ std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Insta
   for (const auto& written : arguments.ownAddresses) {
     given.push_back(normalizedAddress(written));
   }
-  const auto all = store.write([&](Connection& connection) {
-    createImportTables(connection);
-    return rememberOwnAddresses(given, formatInternetDateTime(now), connection);
-  });
+  const auto all = store.write(
+      [&](Connection& connection) { return rememberOwnAddresses(given, formatInternetDateTime(now), connection); });
   if (all.empty()) {
     throw CommandFailure(ExitCode::wrongCommandLine, "Say which addresses are yours: --me ADDRESS...");
   }

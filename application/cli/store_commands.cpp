@@ -30,8 +30,16 @@ bool ensureKey(const Workspace& workspace) {
   if (keyFile.loadLocalStoreKey()) {
     return false;
   }
-  keyFile.create();
-  return true;
+  try {
+    keyFile.create();
+    return true;
+  } catch (const Error& error) {
+    // Another program made it at this moment.
+    if (error.code() != CredentialVaultError::keyExists) {
+      throw;
+    }
+    return false;
+  }
 }
 
 } // namespace

@@ -173,7 +173,7 @@ TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   std::filesystem::permissions(path("store.db"), perms::owner_all);
   const auto folder = run({"catch-up"});
   EXPECT_EQ(folder.status, 3);
-  EXPECT_NE(folder.errors.find("cannot be opened; check"), std::string::npos) << "not told as a wrong key";
+  EXPECT_NE(folder.errors.find("is a folder, a pipe or a device"), std::string::npos) << folder.errors;
   std::filesystem::remove(path("store.db"));
   ASSERT_EQ(run({"init"}).status, 0);
   EXPECT_EQ(run({"init"}).status, 1) << "never over an existing store";
@@ -224,6 +224,10 @@ TEST_F(CommandLine, ExplainsADamagedStoreAndANamelessPerson) {
   EXPECT_EQ(run({"doctor"}).status, 0);
   change("UPDATE person SET display_name = ' '");
   EXPECT_EQ(list()["notShown"].at(0)["reason"], "noName");
+  std::ofstream(path("store.db.before-version-2")) << "left";
+  const auto withACopy = run({"doctor"});
+  EXPECT_EQ(withACopy.status, 1);
+  EXPECT_NE(withACopy.output.find(path("store.db.before-version-2")), std::string::npos) << withACopy.output;
   change("DROP INDEX open_loop_by_person");
   const auto examined = run({"doctor"});
   EXPECT_EQ(examined.status, 1);

@@ -13,7 +13,6 @@
 #include "OrvanPlatform/precondition.h"
 #include "application/import/ledger/handoff.h"
 #include "application/import/ledger/history_rows.h"
-#include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/mail_batch.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/ledger/question_ledger.h"
@@ -222,7 +221,6 @@ MailReport MailImporter::import(MailSource& source, const MailProgress& progress
   const auto now = formatInternetDateTime(context_.now);
   SourceAccount account;
   const auto ownAddresses = store_.write([&](Connection& connection) {
-    createImportTables(connection);
     account = mailAccountOf(context_.ownAddresses.front(), connection);
     recordImportStarted(account, now, connection);
     return rememberOwnAddresses(context_.ownAddresses, now, connection);

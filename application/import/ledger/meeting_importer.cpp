@@ -9,7 +9,6 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "application/import/ledger/bounded_text.h"
 #include "application/import/ledger/history_rows.h"
-#include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/ledger/people_ledger.h"
 #include "application/import/ledger/stable_id.h"
@@ -131,7 +130,6 @@ class CalendarImport {
   CalendarImport(std::string calendar, std::string now) : calendar_(std::move(calendar)), now_(std::move(now)) {}
 
   void begin(const std::vector<std::string>& ownAddresses, Connection& connection) {
-    createImportTables(connection);
     account_ = calendarAccountOf(ownAddresses.front(), connection);
     recordImportStarted(account_, now_, connection);
     ownAddresses_ = rememberOwnAddresses(ownAddresses, now_, connection);
