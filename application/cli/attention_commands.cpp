@@ -8,8 +8,8 @@
 namespace orvan {
 namespace {
 
-std::string nameOf(Workspace& workspace, const std::string& personKey) {
-  const auto& people = workspace.people();
+std::string nameOf(Session& session, const std::string& personKey) {
+  const auto& people = session.people();
   const auto person = std::ranges::find(people, personKey, &ProjectedPerson::personKey);
   return person == people.end() ? "Somebody unknown" : person->displayName();
 }
@@ -17,7 +17,7 @@ std::string nameOf(Workspace& workspace, const std::string& personKey) {
 } // namespace
 
 void runPeople(const CommandContext& context) {
-  const auto& people = context.workspace.people();
+  const auto& people = context.session.people();
   if (context.output == OutputForm::json) {
     printJson(toJson(people));
   } else {
@@ -26,30 +26,30 @@ void runPeople(const CommandContext& context) {
 }
 
 void runBundle(const CommandContext& context, const std::string& person) {
-  context.workspace.openForReading();
-  const auto bundle = context.workspace.bundle(context.workspace.personKeyOf(person));
+  context.session.openForReading();
+  const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);
   if (context.output == OutputForm::json) {
     printJson(toJson(bundle));
   } else {
-    HumanOutput{}.bundle(bundle, nameOf(context.workspace, bundle.personKey()));
+    HumanOutput{}.bundle(bundle, nameOf(context.session, bundle.personKey()));
   }
 }
 
 void runBundles(const CommandContext& context) {
-  const auto bundles = context.workspace.bundles();
+  const auto bundles = context.session.bundles(context.asOf);
   if (context.output == OutputForm::json) {
     printJson(toJson(bundles));
     return;
   }
   const HumanOutput output;
   for (const auto& bundle : bundles) {
-    output.bundle(bundle, nameOf(context.workspace, bundle.personKey()));
+    output.bundle(bundle, nameOf(context.session, bundle.personKey()));
   }
 }
 
 void runWhy(const CommandContext& context, const std::string& person) {
-  context.workspace.openForReading();
-  const auto bundle = context.workspace.bundle(context.workspace.personKeyOf(person));
+  context.session.openForReading();
+  const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);
   const auto item = AttentionWhyNowSelector::select(bundle);
   if (context.output == OutputForm::json) {
     printJson(item ? toJson(*item) : Json(nullptr));
@@ -61,11 +61,11 @@ void runWhy(const CommandContext& context, const std::string& person) {
 }
 
 void runCatchUp(const CommandContext& context, Explanation explanation) {
-  const auto list = makeCatchUpList(context.workspace, explanation);
+  const auto list = makeCatchUpList(context.session, context.asOf, explanation);
   if (context.output == OutputForm::json) {
     printJson(toJson(list, explanation));
   } else {
-    HumanOutput{}.catchUpList(list, context.workspace.settings().asOf);
+    HumanOutput{}.catchUpList(list, context.asOf);
   }
 }
 

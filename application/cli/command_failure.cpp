@@ -12,6 +12,7 @@
 #include "OrvanStore/store_error.h"
 #include "application/import/calendar/calendar_source.h"
 #include "application/import/mail/mail_source_error.h"
+#include "application/session/decision.h"
 #include "application/store/application_store_error.h"
 
 namespace orvan {
@@ -67,6 +68,32 @@ CommandFailure failureOf(ApplicationStoreError error) {
   return {isOpening ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
 }
 
+std::string sentenceOf(SessionError error) {
+  switch (error) {
+    case SessionError::personUnknown:
+      return "Nobody has that key, name or address; 'orvan people' lists everybody.";
+    case SessionError::personAmbiguous:
+      return "Several people go by that name; name the one you mean by key ('orvan people' lists them).";
+    case SessionError::noReasonNow:
+      return "There is no reason to get in touch with that person now; 'orvan catch-up' shows the list.";
+    case SessionError::reasonChanged:
+      return "The reason has changed meanwhile, so nothing was done; 'orvan catch-up' shows the list.";
+    case SessionError::snoozeEndPast:
+      return "A snooze has to end in the future; nothing was changed.";
+    case SessionError::cannotMakeFolder:
+      return "The folder for the store could not be made; choose another with --store.";
+  }
+  return "That could not be done.";
+}
+
+CommandFailure failureOf(const ReasonChanged& error) {
+  std::string now = error.current().headline();
+  for (const auto& line : error.current().evidenceLines()) {
+    now += " " + line;
+  }
+  return {ExitCode::failed, "The reason has changed meanwhile, so nothing was done. It is now: " + now};
+}
+
 CommandFailure failureOf(const Error& error) {
   const auto& code = error.code();
   if (isOf<ApplicationStoreError>(code)) {
@@ -86,6 +113,9 @@ CommandFailure failureOf(const Error& error) {
   if (code == AttentionDispositionStoreError::invalidKeyLength) {
     return failureOf(ApplicationStoreError::keyMalformed);
   }
+  if (isOf<SessionError>(code)) {
+    return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};
+  }
   if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
     return {ExitCode::failed, code.message()};
   }
@@ -102,6 +132,8 @@ CommandFailure failureOfCurrentException() {
     return failure;
   } catch (const StoreError& error) {
     return {ExitCode::failed, sentenceOf(error)};
+  } catch (const ReasonChanged& error) {
+    return failureOf(error);
   } catch (const Error& error) {
     return failureOf(error);
   } catch (const std::bad_alloc&) {

@@ -1,6 +1,7 @@
 #include "application/cli/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -130,24 +131,28 @@ void addKeepingCommands(CLI::App& program, Invocation& invocation) {
   addCommand(program, invocation, "checkpoint", "Move the write-ahead log into the store file", runCheckpoint);
 }
 
-WorkspaceSettings settingsOf(const Invocation& invocation) {
-  auto settings = WorkspaceSettings::defaults();
+SessionSettings settingsOf(const Invocation& invocation) {
+  auto settings = SessionSettings::defaults();
   if (!invocation.store.empty()) {
     settings.store = invocation.store;
   }
   if (!invocation.keyFile.empty()) {
     settings.keyFile = invocation.keyFile;
   }
-  if (!invocation.asOf.empty()) {
-    const auto asOf = parseInternetDateTime(invocation.asOf);
-    if (!asOf) {
-      throw CommandFailure(ExitCode::wrongCommandLine,
-                           "--as-of takes a moment such as 2026-03-04T09:15:00Z or 2026-03-04T09:15:00+01:00.");
-    }
-    settings.asOf = *asOf;
-  }
   settings.peopleCap = invocation.maxPeople;
   return settings;
+}
+
+Instant asOfIn(const Invocation& invocation) {
+  if (invocation.asOf.empty()) {
+    return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+  }
+  const auto asOf = parseInternetDateTime(invocation.asOf);
+  if (!asOf) {
+    throw CommandFailure(ExitCode::wrongCommandLine,
+                         "--as-of takes a moment such as 2026-03-04T09:15:00Z or 2026-03-04T09:15:00+01:00.");
+  }
+  return *asOf;
 }
 
 int report(const CommandFailure& failure) {
@@ -173,14 +178,15 @@ void answer(const CLI::App& program, const CLI::ParseError& found) {
 }
 
 void run(const Invocation& invocation) {
-  Workspace workspace(settingsOf(invocation));
+  const Instant asOf = asOfIn(invocation);
+  Session session(settingsOf(invocation));
   try {
-    invocation.run({workspace, invocation.isJson ? OutputForm::json : OutputForm::human});
+    invocation.run({session, asOf, invocation.isJson ? OutputForm::json : OutputForm::human});
   } catch (...) {
-    workspace.finish();
+    session.finish();
     throw;
   }
-  workspace.finish();
+  session.finish();
 }
 
 } // namespace

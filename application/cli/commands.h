@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "application/cli/catch_up_list.h"
-#include "application/cli/workspace.h"
+#include "OrvanPlatform/instant.h"
+#include "application/session/catch_up_list.h"
+#include "application/session/session.h"
 
 namespace orvan {
 
@@ -14,7 +15,9 @@ enum class OutputForm { human, json };
 
 /// What a command is given beside its own arguments.
 struct CommandContext {
-  Workspace& workspace;
+  Session& session;
+  /// The moment that the command takes for now.
+  Instant asOf;
   OutputForm output;
 };
 

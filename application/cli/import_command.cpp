@@ -79,7 +79,7 @@ std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Insta
 class ImportRun {
  public:
   ImportRun(const CommandContext& context, DatabaseQueue& store, std::vector<std::string> ownAddresses)
-      : context_(context), store_(store), import_{std::move(ownAddresses), context.workspace.settings().asOf} {}
+      : context_(context), store_(store), import_{std::move(ownAddresses), context.asOf} {}
 
   void mail(MailSource& source, const std::filesystem::path& path) {
     ProgressLine progress;
@@ -133,8 +133,8 @@ void runImport(const CommandContext& context, const ImportArguments& arguments) 
     throw CommandFailure(ExitCode::wrongCommandLine,
                          "Say what to import: --mbox FILE, --maildir FOLDER or --ics FILE.");
   }
-  auto& store = context.workspace.writableStore();
-  ImportRun run(context, store, ownAddressesFor(arguments, context.workspace.settings().asOf, store));
+  auto& store = context.session.writableStore();
+  ImportRun run(context, store, ownAddressesFor(arguments, context.asOf, store));
   for (const auto& path : arguments.mboxes) {
     MboxSource source(path);
     run.mail(source, path);
