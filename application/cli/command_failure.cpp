@@ -10,8 +10,6 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
-#include "application/import/calendar/calendar_source.h"
-#include "application/import/mail/mail_source_error.h"
 #include "application/session/decision.h"
 #include "application/store/application_store_error.h"
 
@@ -71,7 +69,8 @@ CommandFailure failureOf(ApplicationStoreError error) {
 std::string sentenceOf(SessionError error) {
   switch (error) {
     case SessionError::personUnknown:
-      return "Nobody has that key, name or address; 'orvan people' lists everybody.";
+      return "Nobody has that key, name or address; 'orvan people TEXT' finds people by a part of their name or "
+             "address.";
     case SessionError::personAmbiguous:
       return "Several people go by that name; name the one you mean by key ('orvan people' lists them).";
     case SessionError::noReasonNow:
@@ -115,9 +114,6 @@ CommandFailure failureOf(const Error& error) {
   }
   if (isOf<SessionError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};
-  }
-  if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
-    return {ExitCode::failed, code.message()};
   }
   // The library's own connections open after the application's has told a wrong key from everything else.
   return failureOf(ApplicationStoreError::cannotReachStore);

@@ -166,6 +166,33 @@ TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
   EXPECT_EQ(runBare({"--help"}).status, 0);
 }
 
+TEST_F(CommandLine, ImportsTheOtherSourcesBesideAWrongOne) {
+  makeStoreWithAMailFromAda();
+  importFile("--mbox", "");
+  struct Wrong {
+    const char* kind;
+    std::string content;
+    const char* told;
+  };
+  const Wrong wrongs[] = {{"--mbox", "BEGIN:VCALENDAR\nEND:VCALENDAR\n", "give it with --ics"},
+                          {"--mbox", "Hello,\n\nFriday?\n", "There is no mail in it"},
+                          {"--mbox", {'S', '\0', '\x01'}, "neither mail nor a calendar"},
+                          {"--ics", mail("b1", "08"), "give it with --mbox"},
+                          {"--ics", std::string("SQLite format 3\0", 16), "is a database"},
+                          {"--ics", "", "holds no calendar"}};
+  for (const auto& [kind, content, told] : wrongs) {
+    std::ofstream(path("wrong"), std::ios::binary) << content;
+    std::ofstream(path("right")) << mail("a1", "08");
+    const auto outcome = run({"import", kind, path("wrong"), "--mbox", path("right"), "--json"});
+    EXPECT_EQ(outcome.status, 1) << told;
+    EXPECT_TRUE(outcome.errors.starts_with("orvan: " + path("wrong") + ": ")) << outcome.errors;
+    const auto report = json::parse(outcome.output);
+    const std::string error = report[kind == std::string{"--ics"} ? "calendars" : "mail"][0]["error"];
+    EXPECT_TRUE(error.contains(told)) << error;
+    EXPECT_EQ(report["mail"].back()["known"], 1) << told;
+  }
+}
+
 TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   EXPECT_EQ(run({"catch-up"}).status, 3) << "no store";
   EXPECT_FALSE(std::filesystem::exists(path("store.db")));
