@@ -16,12 +16,17 @@ std::string nameOf(Session& session, const std::string& personKey) {
 
 } // namespace
 
-void runPeople(const CommandContext& context) {
-  const auto& people = context.session.people();
+void runPeople(const CommandContext& context, const std::string& text) {
+  const auto people = text.empty() ? context.session.people() : context.session.peopleMatching(text);
   if (context.output == OutputForm::json) {
     printJson(toJson(people));
-  } else {
-    HumanOutput{}.people(people);
+    return;
+  }
+  const HumanOutput output;
+  output.people(people);
+  if (people.empty()) {
+    output.line(text.empty() ? "Nobody yet: 'orvan import' brings in mail and calendars."
+                             : "Nobody you deal with has that in their name or address.");
   }
 }
 

@@ -23,6 +23,7 @@ struct Invocation {
   bool isJson = false;
   bool isExplained = false;
   std::string person;
+  std::string text;
   std::string item;
   std::string until;
   ImportArguments import;
@@ -82,7 +83,10 @@ void addImportCommand(CLI::App& program, Invocation& invocation) {
 }
 
 void addReadingCommands(CLI::App& program, Invocation& invocation) {
-  addCommand(program, invocation, "people", "List the people you deal with", runPeople);
+  addCommand(program, invocation, "people", "List the people you deal with",
+             [&invocation](const auto& context) { runPeople(context, invocation.text); })
+      ->add_option("TEXT", invocation.text, "A part of a name or address: list only who has it")
+      ->check(notEmpty());
   addCommand(program, invocation, "bundle", "Show all evidence on one person",
              [&invocation](const auto& context) { runBundle(context, invocation.person); })
       ->add_option("PERSON", invocation.person, "A person's key, name or address")

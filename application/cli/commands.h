@@ -34,7 +34,8 @@ enum class ItemCommand { snooze, dismiss, resolve };
 
 void runInit(const CommandContext& context);
 void runImport(const CommandContext& context, const ImportArguments& arguments);
-void runPeople(const CommandContext& context);
+/// Those whose name or an address holds `text`; everybody when it is empty.
+void runPeople(const CommandContext& context, const std::string& text);
 void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);
 void runWhy(const CommandContext& context, const std::string& person);

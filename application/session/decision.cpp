@@ -61,7 +61,7 @@ Decision decide(Session& session, const std::string& item, const AttentionItemAc
   }
   session.openForDeciding();
   const auto keyedPerson = personKeyIn(item);
-  const auto bundle = session.bundle(keyedPerson ? *keyedPerson : session.personKeyOf(item), asOf);
+  const auto bundle = session.bundle(session.personKeyOf(keyedPerson ? *keyedPerson : item), asOf);
   const auto current = currentItem(session, bundle, asOf);
   if (keyedPerson) {
     revalidate(current, item, bundle);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "OrvanObservatory/projection_reader.h"
 #include "OrvanStore/connection.h"
 
 namespace orvan {
@@ -12,5 +14,10 @@ namespace orvan {
 ///
 /// Runs within the caller's read. Throws Error with SessionError::personUnknown or personAmbiguous, and StoreError.
 std::string personKeyCalled(const std::string& text, Connection& connection);
+
+/// Those of `people` whose name or an address holds `text` in any case, in their order. Everybody when `text` is empty.
+/// Runs within the caller's read; throws StoreError.
+std::vector<ProjectedPerson> peopleMatching(const std::string& text, const std::vector<ProjectedPerson>& people,
+                                            Connection& connection);
 
 } // namespace orvan

@@ -104,6 +104,11 @@ void Session::readPeopleAgain() {
   people_->read(store());
 }
 
+std::vector<ProjectedPerson> Session::peopleMatching(const std::string& text) {
+  const auto& everybody = people();
+  return store().read([&](Connection& connection) { return orvan::peopleMatching(text, everybody, connection); });
+}
+
 std::string Session::personKeyOf(const std::string& text) {
   return store().read([&text](Connection& connection) { return personKeyCalled(text, connection); });
 }

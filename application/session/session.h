@@ -44,6 +44,8 @@ class Session {
   /// readPeopleAgain(). Valid until then.
   const std::vector<ProjectedPerson>& people();
   void readPeopleAgain();
+  /// Those of them whose name or an address holds `text` in any case.
+  std::vector<ProjectedPerson> peopleMatching(const std::string& text);
 
   /// The key of the person that a user means by `text`: a key, or a name or address that only one person has. Throws
   /// Error with SessionError::personUnknown or personAmbiguous.
