@@ -146,7 +146,13 @@ TEST_F(CommandLine, HonoursADeclineUnderAnAddressToldEarlier) {
 
 TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
   for (const std::vector<std::string>& words : {std::vector<std::string>{"frobnicate"},
+                                                {"frobnicate", "--help"},
                                                 {},
+                                                {"Jo Same"},
+                                                {"why", "Jo", "Same"},
+                                                {"catch-up", "Same"},
+                                                {"people", "--frob=Same", "--help"},
+                                                {"people", "--json=Same"},
                                                 {"snooze", "ada"},
                                                 {"people", "--store", ""},
                                                 {"people", "--key-file="},
@@ -162,7 +168,10 @@ TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
     EXPECT_TRUE(refused.output.empty());
     EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1) << refused.errors;
     EXPECT_TRUE(refused.errors.starts_with("orvan: ") && refused.errors.ends_with(".\n")) << refused.errors;
+    EXPECT_FALSE(refused.errors.contains("Same")) << refused.errors;
   }
+  EXPECT_TRUE(runBare({"snoze"}).errors.contains("'snoze' is no command; the nearest is 'snooze'"));
+  EXPECT_EQ(runBare({"snooze", "--help"}).status, 0);
   EXPECT_EQ(runBare({"--help"}).status, 0);
 }
 
@@ -205,6 +214,7 @@ TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   ASSERT_EQ(run({"init"}).status, 0);
   EXPECT_EQ(run({"init"}).status, 1) << "never over an existing store";
   EXPECT_EQ(run({"import", "--me", "robin@orvan.example", "--mbox", path("missing")}).status, 1);
+  EXPECT_EQ(run({"why", "Ada Marsh"}).status, 1) << "nobody of that name";
   EXPECT_EQ(run({"import", "--me", "nobody", "--mbox", path("missing")}).status, 2);
 
   std::ofstream(path("store.db-wal")).close();
