@@ -8,8 +8,7 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
-#include "application/import/calendar/calendar_source.h"
-#include "application/import/mail/mail_source_error.h"
+#include "application/session/decision.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_failure.h"
 
@@ -63,6 +62,33 @@ CommandFailure commandFailureOf(ApplicationStoreError error) {
   return {isOpening ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
 }
 
+std::string sentenceOf(SessionError error) {
+  switch (error) {
+    case SessionError::personUnknown:
+      return "Nobody has that key, name or address; 'orvan people TEXT' finds people by a part of their name or "
+             "address.";
+    case SessionError::personAmbiguous:
+      return "Several people go by that name; name the one you mean by key ('orvan people' lists them).";
+    case SessionError::noReasonNow:
+      return "There is no reason to get in touch with that person now; 'orvan catch-up' shows the list.";
+    case SessionError::reasonChanged:
+      return "The reason has changed meanwhile, so nothing was done; 'orvan catch-up' shows the list.";
+    case SessionError::snoozeEndPast:
+      return "A snooze has to end in the future; nothing was changed.";
+    case SessionError::cannotMakeFolder:
+      return "The folder for the store could not be made; choose another with --store.";
+  }
+  return "That could not be done.";
+}
+
+CommandFailure commandFailureOf(const ReasonChanged& error) {
+  std::string now = error.current().headline();
+  for (const auto& line : error.current().evidenceLines()) {
+    now += " " + line;
+  }
+  return {ExitCode::failed, "The reason has changed meanwhile, so nothing was done. It is now: " + now};
+}
+
 CommandFailure commandFailureOf(const Error& error) {
   const auto& code = error.code();
   if (isOf<ApplicationStoreError>(code)) {
@@ -82,8 +108,8 @@ CommandFailure commandFailureOf(const Error& error) {
   if (code == AttentionDispositionStoreError::invalidKeyLength) {
     return commandFailureOf(ApplicationStoreError::keyMalformed);
   }
-  if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
-    return {ExitCode::failed, code.message()};
+  if (isOf<SessionError>(code)) {
+    return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};
   }
   // The library's own connections open after the application's has told a wrong key from everything else.
   return commandFailureOf(ApplicationStoreError::cannotReachStore);
@@ -98,6 +124,8 @@ CommandFailure failureOfCurrentException() {
     return failure;
   } catch (const StoreError& error) {
     return {ExitCode::failed, sentenceOf(error)};
+  } catch (const ReasonChanged& error) {
+    return commandFailureOf(error);
   } catch (const Error& error) {
     return commandFailureOf(error);
   } catch (const std::bad_alloc&) {

@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "application/cli/catch_up_list.h"
-#include "application/cli/workspace.h"
+#include "OrvanPlatform/instant.h"
+#include "application/session/catch_up_list.h"
+#include "application/session/session.h"
 
 namespace orvan {
 
@@ -14,7 +15,9 @@ enum class OutputForm { human, json };
 
 /// What a command is given beside its own arguments.
 struct CommandContext {
-  Workspace& workspace;
+  Session& session;
+  /// The moment that the command takes for now.
+  Instant asOf;
   OutputForm output;
 };
 
@@ -31,7 +34,8 @@ enum class ItemCommand { snooze, dismiss, resolve };
 
 void runInit(const CommandContext& context);
 void runImport(const CommandContext& context, const ImportArguments& arguments);
-void runPeople(const CommandContext& context);
+/// Those whose name or an address holds `text`; everybody when it is empty.
+void runPeople(const CommandContext& context, const std::string& text);
 void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);
 void runWhy(const CommandContext& context, const std::string& person);

@@ -72,9 +72,6 @@ void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
   for (const auto& person : people) {
     std::cout << printableText(person.personKey()) << "  " << printableText(person.displayName()) << '\n';
   }
-  if (people.empty()) {
-    line("Nobody yet: 'orvan import' brings in mail and calendars.");
-  }
 }
 
 void HumanOutput::bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName) const {

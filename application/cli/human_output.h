@@ -7,9 +7,9 @@
 #include "OrvanObservatory/projection_reader.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
-#include "application/cli/catch_up_list.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
+#include "application/session/catch_up_list.h"
 
 namespace orvan {
 

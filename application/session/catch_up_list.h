@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
-#include "application/cli/workspace.h"
+#include "application/session/session.h"
 
 namespace orvan {
 
@@ -36,13 +36,15 @@ struct NotShown {
 struct CatchUpList {
   std::vector<AttentionCatchUpItem> items;
   std::vector<NotShown> notShown;
-  /// How many people were not looked at.
+  /// How many people were not looked at, because the session's cap leaves them out.
   std::size_t beyondTheCap = 0;
 };
 
+/// Whether a list also says why others are not on it, which costs a look at each of them.
 enum class Explanation { none, everyone };
 
-CatchUpList makeCatchUpList(Workspace& workspace, Explanation explanation);
+/// Reads the list as it stands at `asOf`. Blocks, on the session's thread; throws what the session throws.
+CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanation);
 
 /// The person's item as it would be without any disposition; nothing when there is no reason to show one.
 std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const AttentionEvidenceBundle& bundle,

@@ -1,4 +1,4 @@
-#include "application/cli/catch_up_list.h"
+#include "application/session/catch_up_list.h"
 
 #include <algorithm>
 #include <span>
@@ -13,6 +13,16 @@ namespace orvan {
 namespace {
 
 using Records = std::vector<AttentionItemDispositionRecord>;
+using BundleOfPerson = std::unordered_map<std::string_view, const AttentionEvidenceBundle*>;
+
+/// `bundles` must outlive the result.
+BundleOfPerson byPerson(const std::vector<AttentionEvidenceBundle>& bundles) {
+  BundleOfPerson bundleOf;
+  for (const auto& bundle : bundles) {
+    bundleOf.emplace(bundle.personKey(), &bundle);
+  }
+  return bundleOf;
+}
 
 /// What hides an item of that state; nothing hides an active one.
 std::optional<NotShownReason> reasonFor(AttentionItemState::Kind state) {
@@ -60,6 +70,27 @@ std::optional<NotShown> explain(const ProjectedPerson& person, const AttentionEv
                 : std::nullopt;
 }
 
+/// Explains everyone who was looked at and is not among `items`.
+std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& items,
+                                    std::span<const ProjectedPerson> lookedAt, const BundleOfPerson& bundleOf,
+                                    const Records& records, Instant asOf) {
+  std::unordered_set<std::string_view> shown;
+  for (const auto& item : items) {
+    shown.insert(item.personKey());
+  }
+  std::vector<NotShown> others;
+  for (const auto& person : lookedAt) {
+    if (shown.contains(person.personKey())) {
+      continue;
+    }
+    const auto found = bundleOf.find(person.personKey());
+    if (auto other = explain(person, found == bundleOf.end() ? nullptr : found->second, records, asOf)) {
+      others.push_back(*std::move(other));
+    }
+  }
+  return others;
+}
+
 } // namespace
 
 std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const AttentionEvidenceBundle& bundle,
@@ -69,48 +100,31 @@ std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const 
   return items.empty() ? std::nullopt : std::optional{std::move(items.front())};
 }
 
-CatchUpList makeCatchUpList(Workspace& workspace, Explanation explanation) {
-  const auto bundles = workspace.bundles();
-  std::unordered_map<std::string_view, const AttentionEvidenceBundle*> bundleOf;
-  for (const auto& bundle : bundles) {
-    bundleOf.emplace(bundle.personKey(), &bundle);
-  }
-
-  const auto& projected = workspace.people();
-  const auto cap = static_cast<std::size_t>(workspace.settings().peopleCap);
+CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanation) {
+  const auto bundles = session.bundles(asOf);
+  const auto bundleOf = byPerson(bundles);
+  const auto& projected = session.people();
+  const auto cap = static_cast<std::size_t>(session.settings().peopleCap);
   const auto lookedAt = std::span{projected}.first(std::min(projected.size(), cap));
+
   std::vector<AttentionCatchUpPerson> people;
   Records records;
   for (const auto& person : lookedAt) {
     if (const auto found = bundleOf.find(person.personKey()); found != bundleOf.end()) {
       people.emplace_back(person.personKey(), person.displayName(), *found->second);
-      std::ranges::move(workspace.records(person.personKey()), std::back_inserter(records));
+      std::ranges::move(session.records(person.personKey()), std::back_inserter(records));
     }
   }
 
   CatchUpList list;
-  const Instant asOf = workspace.settings().asOf;
   list.items = AttentionCatchUpSelector::select(people, records, asOf);
   list.beyondTheCap = projected.size() - lookedAt.size();
-  if (explanation == Explanation::none) {
-    return list;
-  }
-  std::unordered_set<std::string_view> shown;
-  for (const auto& item : list.items) {
-    shown.insert(item.personKey());
-  }
-  for (const auto& person : lookedAt) {
-    if (shown.contains(person.personKey())) {
-      continue;
+  if (explanation == Explanation::everyone) {
+    list.notShown = explainOthers(list.items, lookedAt, bundleOf, records, asOf);
+    for (const auto& person : std::span{projected}.subspan(lookedAt.size())) {
+      list.notShown.push_back(
+          {person.personKey(), person.displayName(), NotShownReason::beyondTheCap, std::nullopt, std::nullopt});
     }
-    const auto found = bundleOf.find(person.personKey());
-    if (auto notShown = explain(person, found == bundleOf.end() ? nullptr : found->second, records, asOf)) {
-      list.notShown.push_back(*std::move(notShown));
-    }
-  }
-  for (const auto& person : std::span{projected}.subspan(lookedAt.size())) {
-    list.notShown.push_back(
-        {person.personKey(), person.displayName(), NotShownReason::beyondTheCap, std::nullopt, std::nullopt});
   }
   return list;
 }

@@ -1,4 +1,4 @@
-#include "application/cli/snooze_end.h"
+#include "application/session/snooze_end.h"
 
 #include <gtest/gtest.h>
 
