@@ -9,7 +9,8 @@
 
 namespace orvan {
 
-/// The people of the canonical tables, read through a connection that the application gives.
+/// The people of the canonical tables, read through a connection that the application gives. Mailing lists, offices
+/// ("support@") and machines are nobody; a person who also has such an address is.
 class StoreProjectionReader final : public ProjectionReader {
  public:
   /// Reads `database` on a thread of its own. Must not be destroyed on that thread.

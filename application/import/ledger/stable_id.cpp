@@ -102,8 +102,14 @@ std::string clusteredID(std::string_view identityID, Instant sentAt, MailKey mai
   const auto minutes = std::chrono::floor<std::chrono::minutes>(sentAt).time_since_epoch().count();
   std::string identifier{identityID.substr(0, clusterLength)};
   appendLetters(static_cast<std::uint64_t>(std::clamp<std::int64_t>(minutes, 0, lastMinute)), minuteLength, identifier);
-  appendLetters(static_cast<std::uint64_t>(mail), mailLength, identifier);
+  identifier += endingOfMailID(mail);
   return identifier;
+}
+
+std::string endingOfMailID(MailKey mail) {
+  std::string ending;
+  appendLetters(static_cast<std::uint64_t>(mail), mailLength, ending);
+  return ending;
 }
 
 } // namespace orvan
