@@ -235,7 +235,7 @@ std::vector<ContactOutlook> contactOutlooks(Instant asOf, Connection& connection
 
 double worthOf(double exchange, std::chrono::duration<double> age) noexcept {
   constexpr Days halfLife{14};
-  return exchange + std::exp2(-Days{age} / halfLife);
+  return exchange + std::exp2(-std::max(Days{age}, Days::zero()) / halfLife);
 }
 
 } // namespace orvan

@@ -9,9 +9,17 @@ namespace orvan {
 namespace {
 
 std::string nameOf(Session& session, const std::string& personKey) {
-  const auto& people = session.people();
-  const auto person = std::ranges::find(people, personKey, &ProjectedPerson::personKey);
-  return person == people.end() ? "Somebody unknown" : person->displayName();
+  const auto person = session.person(personKey);
+  return person ? person->displayName() : "Somebody unknown";
+}
+
+/// What is older stays closed unless it is asked for.
+std::size_t rowsOnATerminal(const CatchUpList& list, const CatchUpArguments& arguments) {
+  constexpr std::size_t usualRows = 10;
+  if (arguments.isAll) {
+    return list.rows.size();
+  }
+  return std::min(list.rows.size() - list.older, arguments.limit.value_or(usualRows));
 }
 
 } // namespace
@@ -65,12 +73,13 @@ void runWhy(const CommandContext& context, const std::string& person) {
   }
 }
 
-void runCatchUp(const CommandContext& context, Explanation explanation) {
+void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments) {
+  const auto explanation = arguments.isExplained ? Explanation::everyone : Explanation::none;
   const auto list = makeCatchUpList(context.session, context.asOf, explanation);
   if (context.output == OutputForm::json) {
-    printJson(toJson(list, explanation));
+    printJson(toJson(list, arguments.limit, explanation));
   } else {
-    HumanOutput{}.catchUpList(list, context.asOf);
+    HumanOutput{}.catchUpList(list, rowsOnATerminal(list, arguments), explanation, context.asOf);
   }
 }
 

@@ -22,7 +22,7 @@ struct Invocation {
   std::string asOf;
   std::int64_t maxPeople = AttentionEvidenceCompilerOptions::defaults.maxPeopleGlobalCap();
   bool isJson = false;
-  bool isExplained = false;
+  CatchUpArguments catchUp;
   std::string person;
   std::string text;
   std::string item;
@@ -78,7 +78,7 @@ void addGlobalOptions(CLI::App& program, Invocation& invocation) {
   program.add_option("--as-of", invocation.asOf, "Take this moment for now, in whole seconds: 2026-03-04T09:15:00Z")
       ->type_name("RFC3339")
       ->check(notEmpty());
-  program.add_option("--max-people", invocation.maxPeople, "How many people are looked at, in key order")
+  program.add_option("--max-people", invocation.maxPeople, "How many people are looked at, the most worthwhile first")
       ->type_name("NUMBER")
       ->check(wholeNumber())
       ->capture_default_str();
@@ -111,13 +111,23 @@ void takePerson(CLI::App& command, Invocation& invocation) {
       ->check(notEmpty());
 }
 
+void addCatchUpCommand(CLI::App& program, Invocation& invocation) {
+  auto* command =
+      addCommand(program, invocation,
+                 {"catch-up", "To see", "List whom to get back in touch with now, and why", "orvan catch-up --explain"},
+                 [&invocation](const auto& context) { runCatchUp(context, invocation.catchUp); });
+  auto* all = command->add_flag("--all", invocation.catchUp.isAll, "Everyone on the list, what is older too");
+  command
+      ->add_option("--limit", invocation.catchUp.limit, "How many people to show at most (default on a terminal: 10)")
+      ->type_name("NUMBER")
+      ->check(wholeNumber())
+      ->excludes(all);
+  command->add_flag("--explain", invocation.catchUp.isExplained,
+                    "Also say why each stands where they stand, and of everyone else why they are not listed");
+}
+
 void addReadingCommands(CLI::App& program, Invocation& invocation) {
-  addCommand(program, invocation,
-             {"catch-up", "To see", "List whom to get back in touch with now, and why", "orvan catch-up --explain"},
-             [&invocation](const auto& context) {
-               runCatchUp(context, invocation.isExplained ? Explanation::everyone : Explanation::none);
-             })
-      ->add_flag("--explain", invocation.isExplained, "Also say of everyone else why they are not listed");
+  addCatchUpCommand(program, invocation);
   takePerson(*addCommand(program, invocation,
                          {"why", "To see", "Say why to get in touch with a person now", "orvan why \"Ada Marsh\""},
                          [&invocation](const auto& context) { runWhy(context, invocation.person); }),

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,13 @@ struct ImportArguments {
   std::vector<std::filesystem::path> calendars;
 };
 
+struct CatchUpArguments {
+  /// Also the rows that are older.
+  bool isAll = false;
+  std::optional<std::size_t> limit;
+  bool isExplained = false;
+};
+
 enum class ItemCommand { snooze, dismiss, resolve };
 
 // Each runs one command and writes its output. What fails is thrown: a CommandFailure, or an exception of the library.
@@ -39,7 +48,7 @@ void runPeople(const CommandContext& context, const std::string& text);
 void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);
 void runWhy(const CommandContext& context, const std::string& person);
-void runCatchUp(const CommandContext& context, Explanation explanation);
+void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments);
 /// `until` is what the user wrote; only a snooze has it.
 void runItemCommand(const CommandContext& context, ItemCommand command, const std::string& item,
                     const std::string& until);

@@ -24,7 +24,8 @@ Json toJson(const AttentionCatchUpItem& item);
 Json toJson(const AttentionItemDispositionRecord& record);
 Json toJson(const std::vector<AttentionItemDispositionRecord>& records);
 Json toJson(const std::vector<ProjectedPerson>& people);
-Json toJson(const CatchUpList& list, Explanation explanation);
+/// All rows, or the first `limit`.
+Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanation explanation);
 Json toJson(const MailReport& report);
 Json toJson(const MeetingReport& report);
 

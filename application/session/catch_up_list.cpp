@@ -70,25 +70,56 @@ std::optional<NotShown> explain(const ProjectedPerson& person, const AttentionEv
                 : std::nullopt;
 }
 
-/// Explains everyone who was looked at and is not among `items`.
+NotShown withoutItem(const ContactOutlook& outlook, NotShownReason reason) {
+  return {outlook.personKey, outlook.displayName, reason, std::nullopt, std::nullopt};
+}
+
+/// Explains everyone who is not among `items`; of `outlooks` the first `lookedAt` were looked at.
 std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& items,
-                                    std::span<const ProjectedPerson> lookedAt, const BundleOfPerson& bundleOf,
-                                    const Records& records, Instant asOf) {
+                                    std::span<const ContactOutlook> outlooks, std::size_t lookedAt,
+                                    const BundleOfPerson& bundleOf, const Records& records, Instant asOf) {
   std::unordered_set<std::string_view> shown;
   for (const auto& item : items) {
     shown.insert(item.personKey());
   }
   std::vector<NotShown> others;
-  for (const auto& person : lookedAt) {
-    if (shown.contains(person.personKey())) {
+  for (const auto& outlook : outlooks.first(lookedAt)) {
+    if (shown.contains(outlook.personKey)) {
       continue;
     }
-    const auto found = bundleOf.find(person.personKey());
+    const auto found = bundleOf.find(outlook.personKey);
+    const ProjectedPerson person{outlook.personKey, outlook.displayName};
     if (auto other = explain(person, found == bundleOf.end() ? nullptr : found->second, records, asOf)) {
       others.push_back(*std::move(other));
     }
   }
+  for (const auto& outlook : outlooks.subspan(lookedAt)) {
+    others.push_back(
+        withoutItem(outlook, outlook.canHaveReason() ? NotShownReason::beyondTheCap : NotShownReason::nothingToTell));
+  }
   return others;
+}
+
+/// In the order of the list.
+std::vector<CatchUpRow> placed(std::vector<AttentionCatchUpItem> items, std::span<const ContactOutlook> outlooks,
+                               const BundleOfPerson& bundleOf, Instant asOf) {
+  std::unordered_map<std::string_view, const ContactOutlook*> outlookOf;
+  for (const auto& outlook : outlooks) {
+    outlookOf.emplace(outlook.personKey, &outlook);
+  }
+  std::vector<CatchUpRow> rows;
+  rows.reserve(items.size());
+  for (auto& item : items) {
+    const auto place = placeOf(item, *bundleOf.at(item.personKey()), *outlookOf.at(item.personKey()), asOf);
+    rows.push_back({std::move(item), place});
+  }
+  std::ranges::sort(rows, [](const CatchUpRow& row, const CatchUpRow& other) {
+    if (row.place.isBefore(other.place) || other.place.isBefore(row.place)) {
+      return row.place.isBefore(other.place);
+    }
+    return row.item.personKey() < other.item.personKey();
+  });
+  return rows;
 }
 
 } // namespace
@@ -103,29 +134,28 @@ std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const 
 CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanation) {
   const auto bundles = session.bundles(asOf);
   const auto bundleOf = byPerson(bundles);
-  const auto& projected = session.people();
-  const auto cap = static_cast<std::size_t>(session.settings().peopleCap);
-  const auto lookedAt = std::span{projected}.first(std::min(projected.size(), cap));
+  const auto& outlooks = session.outlooks(asOf);
+  const auto lookedAt = session.countLookedAt(asOf);
 
   std::vector<AttentionCatchUpPerson> people;
   Records records;
-  for (const auto& person : lookedAt) {
-    if (const auto found = bundleOf.find(person.personKey()); found != bundleOf.end()) {
-      people.emplace_back(person.personKey(), person.displayName(), *found->second);
-      std::ranges::move(session.records(person.personKey()), std::back_inserter(records));
+  for (const auto& outlook : std::span{outlooks}.first(lookedAt)) {
+    if (const auto found = bundleOf.find(outlook.personKey); found != bundleOf.end()) {
+      people.emplace_back(outlook.personKey, outlook.displayName, *found->second);
+      std::ranges::move(session.records(outlook.personKey), std::back_inserter(records));
     }
   }
 
   CatchUpList list;
-  list.items = AttentionCatchUpSelector::select(people, records, asOf);
-  list.beyondTheCap = projected.size() - lookedAt.size();
+  auto items = AttentionCatchUpSelector::select(people, records, asOf);
   if (explanation == Explanation::everyone) {
-    list.notShown = explainOthers(list.items, lookedAt, bundleOf, records, asOf);
-    for (const auto& person : std::span{projected}.subspan(lookedAt.size())) {
-      list.notShown.push_back(
-          {person.personKey(), person.displayName(), NotShownReason::beyondTheCap, std::nullopt, std::nullopt});
-    }
+    list.notShown = explainOthers(items, outlooks, lookedAt, bundleOf, records, asOf);
   }
+  list.rows = placed(std::move(items), outlooks, bundleOf, asOf);
+  list.older = static_cast<std::size_t>(
+      std::ranges::count(list.rows, ListPart::older, [](const CatchUpRow& row) { return row.place.part; }));
+  list.notLookedAt = static_cast<std::size_t>(
+      std::ranges::count_if(std::span{outlooks}.subspan(lookedAt), &ContactOutlook::canHaveReason));
   return list;
 }
 

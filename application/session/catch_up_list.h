@@ -5,12 +5,16 @@
 #include <vector>
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
+#include "application/session/list_order.h"
 #include "application/session/session.h"
 
 namespace orvan {
 
 /// Why a projected person is not on the list.
 enum class NotShownReason {
+  /// Nothing waits, nothing is open, no meeting is near, and contact is as it was.
+  nothingToTell,
+  /// There could have been something; a closer look found nothing.
   noEvidence,
   noValidReason,
   /// There is a reason, and a name of blanks alone.
@@ -32,15 +36,24 @@ struct NotShown {
   std::optional<Instant> until;
 };
 
-/// The list at one moment, and on demand everyone who is not on it.
-struct CatchUpList {
-  std::vector<AttentionCatchUpItem> items;
-  std::vector<NotShown> notShown;
-  /// How many people were not looked at, because the session's cap leaves them out.
-  std::size_t beyondTheCap = 0;
+/// One person on the list.
+struct CatchUpRow {
+  AttentionCatchUpItem item;
+  ListPlace place;
 };
 
-/// Whether a list also says why others are not on it, which costs a look at each of them.
+/// The list at one moment, and on demand everyone who is not on it.
+struct CatchUpList {
+  /// The most worthwhile first; what is older comes last.
+  std::vector<CatchUpRow> rows;
+  /// How many of the rows, from the last, are older.
+  std::size_t older = 0;
+  /// How many people who can have a reason were not looked at, because the session's cap leaves them out.
+  std::size_t notLookedAt = 0;
+  std::vector<NotShown> notShown;
+};
+
+/// Whether a list also says why others are not on it.
 enum class Explanation { none, everyone };
 
 /// Reads the list as it stands at `asOf`. Blocks, on the session's thread; throws what the session throws.

@@ -22,9 +22,8 @@ std::optional<std::string> personKeyIn(const std::string& itemKey) {
 
 /// The item that stands for the person by `bundle`, whatever its state.
 AttentionCatchUpItem currentItem(Session& session, const AttentionEvidenceBundle& bundle, Instant asOf) {
-  const auto& people = session.people();
-  const auto person = std::ranges::find(people, bundle.personKey(), &ProjectedPerson::personKey);
-  auto item = person == people.end() ? std::nullopt : itemOf(*person, bundle, asOf);
+  const auto person = session.person(bundle.personKey());
+  auto item = person ? itemOf(*person, bundle, asOf) : std::nullopt;
   if (!item) {
     throw Error(SessionError::noReasonNow, "deciding about an item");
   }

@@ -1,7 +1,8 @@
 #include "application/session/session.h"
 
+#include <algorithm>
 #include <future>
-#include <optional>
+#include <span>
 #include <utility>
 
 #include "OrvanObservatory/store_projection_reader.h"
@@ -10,25 +11,43 @@
 
 namespace orvan {
 
-/// The people as they were read last, for the session and its compiler alike.
-class Session::PeopleInHand final : public ProjectionReader {
+/// The people as they were read last. The compiler is given those whom anything can bring onto a list, as many as its
+/// cap lets through: it would cut by their keys.
+class Session::PeopleToLookAt final : public ProjectionReader {
  public:
-  void read(DatabaseQueue& store) {
-    projection_ = store.read([](Connection& connection) { return StoreProjectionReader::project(1, connection); });
+  explicit PeopleToLookAt(std::int64_t cap) : cap_(static_cast<std::size_t>(cap)) {}
+
+  void read(Instant asOf, DatabaseQueue& store) {
+    outlooks_ = store.read([asOf](Connection& connection) { return contactOutlooks(asOf, connection); });
+    asOf_ = asOf;
+    const auto none = std::ranges::find_if_not(outlooks_, &ContactOutlook::canHaveReason);
+    count_ = std::min(static_cast<std::size_t>(none - outlooks_.begin()), cap_);
+  }
+  void forget() noexcept { asOf_ = std::nullopt; }
+
+  Task<Projection> project(std::int64_t /*minimumInteractions*/) override {
+    std::vector<ProjectedPerson> people;
+    for (const auto& outlook : std::span{outlooks_}.first(count_)) {
+      people.emplace_back(outlook.personKey, outlook.displayName);
+    }
+    co_return Projection{std::move(people)};
   }
 
-  Task<Projection> project(std::int64_t /*minimumInteractions*/) override { co_return *projection_; }
-  bool areRead() const noexcept { return projection_.has_value(); }
-  const std::vector<ProjectedPerson>& people() const noexcept { return projection_->people(); }
+  bool areReadFor(Instant asOf) const noexcept { return asOf_ == asOf; }
+  const std::vector<ContactOutlook>& outlooks() const noexcept { return outlooks_; }
+  std::size_t count() const noexcept { return count_; }
 
  private:
-  std::optional<Projection> projection_;
+  std::size_t cap_;
+  std::optional<Instant> asOf_;
+  std::vector<ContactOutlook> outlooks_;
+  std::size_t count_ = 0;
 };
 
 Session::Session(SessionSettings settings)
     : settings_(std::move(settings)),
       vault_(std::make_shared<KeyFile>(settings_.keyFile)),
-      people_(std::make_shared<PeopleInHand>()) {}
+      people_(std::make_shared<PeopleToLookAt>(settings_.peopleCap)) {}
 
 Session::~Session() = default;
 
@@ -73,7 +92,6 @@ void Session::open(ApplicationStore::Access access) {
   }
   // What the application's own connection says of a store that does not open is the most telling.
   store(access);
-  people();
   if (compiler.valid()) {
     compiler_ = compiler.get();
   }
@@ -92,15 +110,31 @@ DatabaseQueue& Session::store(ApplicationStore::Access access) {
   return *store_;
 }
 
-const std::vector<ProjectedPerson>& Session::people() {
-  if (!people_->areRead()) {
-    readPeopleAgain();
-  }
-  return people_->people();
+std::vector<ProjectedPerson> Session::people() {
+  return store().read([](Connection& connection) { return StoreProjectionReader::project(1, connection).people(); });
 }
 
-void Session::readPeopleAgain() {
-  people_->read(store());
+std::optional<ProjectedPerson> Session::person(const std::string& personKey) {
+  const auto name = store().read([&personKey](Connection& connection) {
+    return connection.fetchOptionalText("SELECT display_name FROM person WHERE id = ?", personKey);
+  });
+  return name ? std::optional<ProjectedPerson>{std::in_place, personKey, *name} : std::nullopt;
+}
+
+const std::vector<ContactOutlook>& Session::outlooks(Instant asOf) {
+  if (!people_->areReadFor(asOf)) {
+    people_->read(asOf, store());
+  }
+  return people_->outlooks();
+}
+
+void Session::readAgain() noexcept {
+  people_->forget();
+}
+
+std::size_t Session::countLookedAt(Instant asOf) {
+  outlooks(asOf);
+  return people_->count();
 }
 
 std::vector<ProjectedPerson> Session::peopleMatching(const std::string& text) {
@@ -114,6 +148,7 @@ std::string Session::personKeyOf(const std::string& text) {
 
 std::vector<AttentionEvidenceBundle> Session::bundles(Instant asOf) {
   openForReading();
+  outlooks(asOf);
   return waitFor(compiler_->executor(), compiler_->compileAll(asOf));
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "OrvanObservatory/contact_outlook.h"
 #include "OrvanObservatory/projection_reader.h"
 #include "OrvanPlatform/instant.h"
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
@@ -40,18 +43,26 @@ class Session {
   /// The same for a decision too.
   void openForDeciding();
 
-  /// The people the user deals with, in key order. Read once: what another program adds is seen after
-  /// readPeopleAgain(). Valid until then.
-  const std::vector<ProjectedPerson>& people();
-  void readPeopleAgain();
+  /// The people the user deals with, in key order.
+  std::vector<ProjectedPerson> people();
   /// Those of them whose name or an address holds `text` in any case.
   std::vector<ProjectedPerson> peopleMatching(const std::string& text);
+  /// One of them; nothing when there is nobody with that key.
+  std::optional<ProjectedPerson> person(const std::string& personKey);
+
+  /// The same people with what can be told of them without a look at their evidence, in the order in which that is
+  /// worthwhile. Read once for a moment: what another program adds is seen after readAgain(). Valid until then, or
+  /// until another moment is asked for.
+  const std::vector<ContactOutlook>& outlooks(Instant asOf);
+  void readAgain() noexcept;
+  /// How many of `outlooks(asOf)`, from the first, are looked at: those who can have a reason, up to the cap.
+  std::size_t countLookedAt(Instant asOf);
 
   /// The key of the person that a user means by `text`: a key, or a name or address that only one person has. Throws
   /// Error with SessionError::personUnknown or personAmbiguous.
   std::string personKeyOf(const std::string& text);
 
-  /// What stands at `asOf`: of everyone among the first people with some evidence, in key order, or of one person.
+  /// What stands at `asOf`: of everyone who is looked at and has some evidence, in key order, or of one person.
   std::vector<AttentionEvidenceBundle> bundles(Instant asOf);
   AttentionEvidenceBundle bundle(const std::string& personKey, Instant asOf);
 
@@ -69,7 +80,7 @@ class Session {
   void finish() noexcept;
 
  private:
-  class PeopleInHand;
+  class PeopleToLookAt;
 
   AttentionEvidenceCompilerOptions compilerOptions() const;
   void open(ApplicationStore::Access access);
@@ -80,7 +91,7 @@ class Session {
   std::shared_ptr<DatabaseQueue> store_;
   /// What `store_` was opened for.
   ApplicationStore::Access access_ = ApplicationStore::Access::read;
-  std::shared_ptr<PeopleInHand> people_;
+  std::shared_ptr<PeopleToLookAt> people_;
   std::unique_ptr<AttentionEvidenceCompiler> compiler_;
   std::unique_ptr<AttentionDispositionStore> dispositions_;
 };

@@ -11,7 +11,7 @@ namespace orvan {
 struct SessionSettings {
   std::filesystem::path store;
   std::filesystem::path keyFile;
-  /// Counted in key order.
+  /// How many of the people who can have a reason, the most worthwhile first.
   std::int64_t peopleCap = AttentionEvidenceCompilerOptions::defaults.maxPeopleGlobalCap();
 
   /// The shipped settings: in the folder "orvan" below the user's data folder. Reads the environment, so nothing may
