@@ -5,7 +5,7 @@
 
 #include "OrvanObservatory/contact_outlook.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 
 namespace orvan {
 

@@ -138,7 +138,7 @@ std::size_t Session::countLookedAt(Instant asOf) {
 }
 
 std::vector<ProjectedPerson> Session::peopleMatching(const std::string& text) {
-  const auto& everybody = people();
+  const auto everybody = people();
   return store().read([&](Connection& connection) { return orvan::peopleMatching(text, everybody, connection); });
 }
 
