@@ -79,9 +79,7 @@ TEST_F(Pool, StaysWithTheFileItOpenedWhereverTheProgramGoes) {
   pool.write(addNote);
   std::filesystem::current_path(home);
   EXPECT_EQ(pool.read(notes), 1);
-  const auto readInPlaceOf = [&pool](Connection& /*busy*/) {
-    return faultOf([&pool] { return pool.read(notes); });
-  };
+  const auto readInPlaceOf = [&pool](Connection& /*busy*/) { return faultOf([&pool] { return pool.read(notes); }); };
   std::filesystem::rename(folder_.path() / "pool.db", folder_.path() / "moved.db");
   EXPECT_NE(pool.read(readInPlaceOf), std::error_code{}) << "no file there";
   makePool(1);
