@@ -4,7 +4,6 @@
 #include <iostream>
 #include <set>
 
-#include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/white_space.h"
 #include "application/cli/command_failure.h"
@@ -97,7 +96,7 @@ class ImportRun {
 
   void calendar(const std::filesystem::path& path) {
     const std::set<std::string> own{import_.ownAddresses.begin(), import_.ownAddresses.end()};
-    CalendarSource source(path, importWindow(import_.now), own, userTimeZoneName());
+    CalendarSource source(path, importWindow(import_.now), own);
     MeetingImporter importer(store_, import_, path);
     const auto report = importer.import(source);
     if (context_.output == OutputForm::human) {

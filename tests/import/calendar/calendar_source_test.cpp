@@ -36,10 +36,10 @@ Outcome readFile(std::string_view bytes) {
   static const ScratchFolder folder;
   const auto file = folder.path() / "calendar.ics";
   std::ofstream{file, std::ios::binary} << bytes;
+  setenv("TZ", "Europe/Lisbon", 1);
   CalendarSource source{file,
                         {.from = instantOf("2026-01-01T00:00:00Z"), .to = instantOf("2027-01-01T00:00:00Z")},
-                        {"robin@orvan.example"},
-                        "Europe/Lisbon"};
+                        {"robin@orvan.example"}};
   Outcome outcome;
   while (auto meeting = source.next()) {
     const auto start = formatInternetDateTime(meeting->startsAt);
@@ -233,7 +233,7 @@ TEST(CalendarDamage, OfAWholeFileIsAnErrorOfItsOwn) {
   EXPECT_EQ(faultOf([] { readFile(""); }), CalendarSourceError::notACalendar);
   EXPECT_EQ(faultOf([] { readFile(std::string(100'000, '\xa5')); }), CalendarSourceError::notACalendar);
   for (const char* file : {"/nowhere/calendar.ics", "/tmp", "/proc/self/mem"}) {
-    EXPECT_EQ(faultOf([&] { CalendarSource{file, {}, {}, "UTC"}; }), CalendarSourceError::cannotRead) << file;
+    EXPECT_EQ(faultOf([&] { CalendarSource{file, {}, {}}; }), CalendarSourceError::cannotRead) << file;
   }
 }
 
