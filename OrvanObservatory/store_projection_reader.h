@@ -9,7 +9,8 @@
 
 namespace orvan {
 
-/// The people of the canonical tables, read through a connection that the application gives.
+/// The people of the canonical tables, read through a connection that the application gives. Somebody whose key is not
+/// text is left out; a name that is not text reads as empty.
 class StoreProjectionReader final : public ProjectionReader {
  public:
   /// Reads `database` on a thread of its own. Must not be destroyed on that thread.

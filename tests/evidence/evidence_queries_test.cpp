@@ -220,41 +220,49 @@ TEST_F(SourceFreshness, IsThatOfTheAccountsThePersonIsSeenInByAccountAndOperatio
                                        Freshness("mail", "sync", "current", "2026-03-05T11:00:00Z")));
 }
 
-TEST_F(DamagedRows, ThatLackAColumnArePassedOverAfterTheLimitWasApplied) {
+TEST_F(DamagedRows, AreTheOnlyOnesPassedOverAndAfterTheLimitWasApplied) {
   for (const char* id : {"1", "2"}) {
     store.add(TestInteraction{.id = id, .at = "2026-03-01T10:00:00Z", .thread = id});
     store.add(TestOpenLoop{.id = id, .at = "2026-03-01T10:00:00Z"});
-    store.run("INSERT INTO source_progress_projection VALUES ('mail', ?, 'stale', NULL)", id);
+    store.run("INSERT INTO source_progress_projection VALUES ('mail', ?, 'stale', '2026-03-01T10:00:00Z')", id);
     correct("person", "ana", id);
   }
   for (const char* table : {"thread", "open_loop", "source_progress_projection", "user_correction", "interaction"}) {
     loosen(table);
   }
-  store.run("UPDATE thread SET source_type = NULL WHERE id = '1'");
-  store.run("UPDATE open_loop SET kind = NULL WHERE id = '1'");
-  store.run("UPDATE source_progress_projection SET freshness_state = NULL WHERE operation = '1'");
-  store.run("UPDATE user_correction SET created_at = NULL WHERE created_at = '2'");
-  EXPECT_THAT(openThreads(), ElementsAre("2"));
-  EXPECT_THAT(openThreads("ana", limitedTo(1)), IsEmpty());
-  EXPECT_THAT(commitments(), ElementsAre("2"));
-  EXPECT_THAT(commitments("ana", limitedTo(1)), IsEmpty());
-  EXPECT_EQ(freshness().size(), 1U);
-  EXPECT_EQ(corrections().second, "1");
-  store.run("UPDATE interaction SET occurred_at = NULL WHERE id = '1'");
-  EXPECT_EQ(historyLength(), 1U);
+  for (const std::string value : {"NULL", "x'00ff'"}) {
+    SCOPED_TRACE(value);
+    store.run("UPDATE thread SET source_type = " + value + " WHERE id = '1'");
+    store.run("UPDATE open_loop SET kind = " + value + " WHERE id = '1'");
+    store.run("UPDATE source_progress_projection SET freshness_state = " + value + " WHERE operation = '1'");
+    store.run("UPDATE source_progress_projection SET last_successful_sync_at = " + value);
+    store.run("UPDATE user_correction SET created_at = " + value + " WHERE id = 'person2'");
+    EXPECT_THAT(openThreads(), ElementsAre("2"));
+    EXPECT_THAT(openThreads("ana", limitedTo(1)), IsEmpty());
+    EXPECT_THAT(commitments(), ElementsAre("2"));
+    EXPECT_THAT(commitments("ana", limitedTo(1)), IsEmpty());
+    EXPECT_THAT(freshness(), ElementsAre(SourceFreshnessEvidence("mail", "2", "stale", std::nullopt)));
+    EXPECT_EQ(corrections().second, "1");
+    store.run("UPDATE interaction SET occurred_at = " + value + " WHERE id = '1'");
+    EXPECT_EQ(historyLength(), 1U);
+    store.run("UPDATE interaction SET occurred_at = '2026-03-01T10:00:00Z'");
+  }
 }
 
-TEST_F(DamagedRows, FailTheReadWhenTextIsSomethingElseButNotForItsBytes) {
+TEST_F(DamagedRows, OfAccountsArePassedOverButNotAnAccountWithoutAnIdentifier) {
   store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
-  loosen("thread");
-  store.run("UPDATE thread SET source_type = x'00ff'");
-  EXPECT_EQ(faultOf([this] { return openThreads(); }), StoreFault::columnIsNotText);
+  loosen("source_event");
+  store.run("UPDATE source_event SET source_account_id = x'00ff'");
+  EXPECT_THAT(freshness(), IsEmpty());
+  store.run("UPDATE source_event SET source_account_id = NULL");
+  EXPECT_EQ(faultOf([this] { return freshness(); }), StoreFault::columnIsNull);
+}
+
+TEST_F(DamagedRows, AreNotThoseWhoseTextIsOfOddBytes) {
+  store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
   store.run("UPDATE thread SET source_type = CAST(x'ff00fe' AS TEXT)");
   const auto threads = asShipped().fetchOpenThreads("ana", asOf, connection);
   EXPECT_EQ(threads.at(0).sourceType(), std::string("\xff\0\xfe", 3));
-  loosen("source_event");
-  store.run("UPDATE source_event SET source_account_id = NULL");
-  EXPECT_EQ(faultOf([this] { return freshness(); }), StoreFault::columnIsNull);
 }
 
 } // namespace
