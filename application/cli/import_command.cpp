@@ -5,11 +5,11 @@
 #include <set>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanPlatform/white_space.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/import/address/normal_address.h"
 #include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/mail/maildir_source.h"
@@ -44,17 +44,11 @@ class ProgressLine {
   bool isShown_ = false;
 };
 
-/// Addresses are compared in lower case; only ASCII has case in one.
-std::string normalizedAddress(const std::string& written) {
-  std::string address{trimmed(written)};
-  std::ranges::transform(address, address.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  const auto at = address.find('@');
-  if (at == std::string::npos || at == 0 || at + 1 == address.size()) {
-    throw CommandFailure(ExitCode::wrongCommandLine, "--me takes mail addresses, such as robin@example.org.");
+std::string ownAddress(const std::string& written) {
+  if (auto address = normalAddress(written)) {
+    return *std::move(address);
   }
-  return address;
+  throw CommandFailure(ExitCode::wrongCommandLine, "--me takes mail addresses, such as robin@example.org.");
 }
 
 /// Those given and those that earlier imports were told, whichever calendar or mailbox they were told with.
@@ -62,7 +56,7 @@ std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Insta
   std::vector<std::string> given;
   given.reserve(arguments.ownAddresses.size());
   for (const auto& written : arguments.ownAddresses) {
-    given.push_back(normalizedAddress(written));
+    given.push_back(ownAddress(written));
   }
   const auto all = store.write([&](Connection& connection) {
     createImportTables(connection);

@@ -11,6 +11,7 @@
 #include "OrvanRelationshipAttention/disposition_store/disposition_rows.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
+#include "application/import/address/normal_address.h"
 
 namespace orvan {
 namespace {
@@ -33,10 +34,10 @@ SELECT DISTINCT p.id
 FROM person p
 LEFT JOIN identity_membership im ON im.canonical_person_id = p.id AND im.ended_at IS NULL
 LEFT JOIN source_identity si ON si.id = im.source_identity_id
-WHERE p.display_name = ?1 COLLATE NOCASE OR si.address = ?1 COLLATE NOCASE
+WHERE p.display_name = ?1 COLLATE NOCASE OR si.address = ?2
 LIMIT 2
 )sql",
-                               text);
+                               text, normalAddress(text));
   while (rows.next()) {
     keys.emplace_back(rows.text(Column{0}));
   }

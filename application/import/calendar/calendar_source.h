@@ -71,8 +71,8 @@ struct CalendarWindow {
 /// The file must not change while it is read. One thread at a time.
 class CalendarSource {
  public:
-  /// Opens `file` and lists its events. `ownAddresses` are the user's mail addresses in lower case. All-day events
-  /// and times without a zone are taken in the zone that the user is in now (see localTimeOf).
+  /// Opens `file` and lists its events. `ownAddresses` are the user's mail addresses, as normalAddress() has them.
+  /// All-day events and times without a zone are taken in the zone that the user is in now (see localTimeOf).
   ///
   /// Throws Error: CalendarSourceError::cannotRead for a file that cannot be opened or is not a regular file,
   /// CalendarSourceError::notACalendar when it holds no calendar.

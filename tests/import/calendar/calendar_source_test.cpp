@@ -76,7 +76,7 @@ TEST(CalendarPeople, AreTheOrganiserAndTheInvitedOnceEach) {
       "ATTENDEE;CN=\"Pinho, In\xc3\xaas ^'Nini^'\":mailto:Ines@Pinho.example\n"
       "ATTENDEE;CN=ines@pinho.example:mailto:ines@pinho.example\n"
       "ATTENDEE;CN=robin@orvan.example;PARTSTAT=ACCEPTED:mailto:robin@orvan.example\n"
-      "ATTENDEE;CN=Kofi;EMAIL=kofi@volta.exa\n mple:urn:uuid:0a0b\n"
+      "ATTENDEE;CN=Kofi;EMAIL='KOFI@v\xc3\xb6lta.exa\n mple':urn:uuid:0a0b\n"
       "ATTENDEE;CUTYPE=ROOM;CN=Attic:mailto:attic@pinho.example\n"
       "ATTENDEE;PARTSTAT=DECLINED:mailto:sven@fjord.example\n"
       "ATTENDEE:invalid:nomail\nEND:VEVENT\n");
@@ -85,7 +85,7 @@ TEST(CalendarPeople, AreTheOrganiserAndTheInvitedOnceEach) {
                                                             .startsAt = instantOf("2026-03-04T09:00:00Z"),
                                                             .people = {{"", "robin@orvan.example"},
                                                                        {"Pinho, Inês \"Nini\"", "ines@pinho.example"},
-                                                                       {"Kofi", "kofi@volta.example"}},
+                                                                       {"Kofi", "kofi@xn--vlta-5qa.example"}},
                                                             .summary = "Plans, and more \ufffd plans"}));
 }
 
