@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 #include "OrvanPlatform/printable_text.h"
@@ -26,28 +25,13 @@ std::optional<std::string> mailAddress(icalproperty* property) {
   return email == nullptr ? std::nullopt : normalAddress(displayText(icalparameter_get_email(email)));
 }
 
-/// Undoes the circumflex escapes of parameter values (RFC 6868), which the parser leaves as they are.
-std::string withoutCircumflexes(std::string_view text) {
-  std::string plain;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const char escaped = text[at] == '^' && at + 1 < text.size() ? text[at + 1] : '\0';
-    if (escaped == 'n' || escaped == '\'' || escaped == '^') {
-      plain += escaped == 'n' ? ' ' : escaped == '\'' ? '"' : '^';
-      ++at;
-    } else {
-      plain += text[at];
-    }
-  }
-  return plain;
-}
-
 /// Some calendars repeat the address where they know no name.
 std::string displayName(icalproperty* property, const std::string& address) {
   icalparameter* parameter = icalproperty_get_first_parameter(property, ICAL_CN_PARAMETER);
   if (parameter == nullptr) {
     return {};
   }
-  auto name = displayText(withoutCircumflexes(displayText(icalparameter_get_cn(parameter))).c_str());
+  auto name = displayText(icalparameter_get_cn(parameter));
   return normalAddress(name) == address ? std::string{} : name;
 }
 
