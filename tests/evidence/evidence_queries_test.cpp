@@ -44,7 +44,11 @@ class EvidenceQueriesTest : public testing::Test {
   Texts commitments(const char* person = "ana", const EvidenceQueries& queries = asShipped()) {
     return idsOf(queries.fetchCommitments(person, connection), &CommitmentEvidence::openLoopID);
   }
-  std::size_t historyLength() { return EvidenceQueries::fetchInteractionTimestamps("ana", connection).size(); }
+  Texts history() {
+    return idsOf(EvidenceQueries::fetchInteractionTimestamps("ana", connection),
+                 &ChangedContextDetector::TimestampedInteraction::interactionID);
+  }
+  std::size_t historyLength() { return history().size(); }
   std::vector<SourceFreshnessEvidence> freshness() { return EvidenceQueries::fetchSourceFreshness("ana", connection); }
 
   /// How many corrections lie in the window, and the time of the last.
@@ -111,8 +115,11 @@ TEST_F(OpenThreads, NeedAMessageOfThePersonThatMayBeShownButCloseWithAnyAnswer) 
   EXPECT_THAT(openThreads("ana"), IsEmpty());
 }
 
-TEST_F(OpenThreads, CountAnIdentityWhileItsMembershipIsLive) {
+TEST_F(EvidenceQueriesTest, CountAnIdentityWhileItsMembershipIsLive) {
   store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
+  store.add(TestInteraction{
+      .id = "m", .at = "2026-03-06T12:00:00Z", .thread = "other", .direction = "mutual", .kind = "meeting"});
+  store.run("INSERT INTO source_progress_projection VALUES ('mail', 'sync', 'current', NULL)");
   for (const auto& [membership, messages] : {std::pair{"state = 'confirmed'", 1U},
                                              {"state = 'high_conf'", 1U},
                                              {"state = 'low_conf'", 0U},
@@ -120,7 +127,9 @@ TEST_F(OpenThreads, CountAnIdentityWhileItsMembershipIsLive) {
                                              {"state = 'confirmed', ended_at = '2026-01-01T00:00:00Z'", 0U}}) {
     store.run(std::string{"UPDATE identity_membership SET "} + membership);
     EXPECT_EQ(openThreads().size(), messages) << membership;
-    EXPECT_EQ(historyLength(), messages) << membership;
+    EXPECT_EQ(historyLength(), 2 * messages) << membership;
+    EXPECT_EQ(meetings().size(), messages) << membership;
+    EXPECT_EQ(freshness().size(), messages) << membership;
   }
 }
 
@@ -150,11 +159,15 @@ TEST_F(UpcomingInteractions, LieAfterTheMomentOfEvaluationUpToTheEndOfTheWindow)
 }
 
 TEST_F(UpcomingInteractions, AreListedOnceForAPersonWithTwoIdentities) {
-  addMeeting("m", "2026-03-06T12:00:00Z");
+  addMeeting("b", "2026-03-06T12:00:00Z");
   store.run("INSERT INTO identity_membership VALUES ('second', 'other', 'ana', 'high_conf', NULL)");
-  store.run("INSERT INTO interaction_participant VALUES ('other', 'm')");
-  EXPECT_THAT(meetings(), ElementsAre("m"));
+  store.run("INSERT INTO interaction_participant VALUES ('other', 'b')");
+  EXPECT_THAT(meetings(), ElementsAre("b"));
   EXPECT_EQ(historyLength(), 1U);
+  store.run("DELETE FROM interaction_participant WHERE source_identity_id = 'other'");
+  addMeeting("a", "2026-03-06T12:00:00Z");
+  store.run("UPDATE interaction_participant SET source_identity_id = 'other' WHERE interaction_id = 'a'");
+  EXPECT_THAT(history(), ElementsAre("a", "b")) << "of one time in the order of their ids, not of the identities";
 }
 
 TEST_F(Commitments, AreOpenLoopsThatRestOnEvidenceAboutThePerson) {

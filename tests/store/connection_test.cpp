@@ -38,7 +38,7 @@ TEST(Statements, AreCompiledOnceForEachTextAndStartFreshEachTime) {
   connection.execute("INSERT INTO note (text) VALUES (?)", "first");
   const auto compiled = compiledStatements(connection);
   ASSERT_EQ(compiled.size(), 1U);
-  connection.execute("INSERT INTO note (text) VALUES (?)", std::nullopt);
+  connection.execute("INSERT INTO note (text) VALUES (?)");
   EXPECT_EQ(compiledStatements(connection), compiled);
   EXPECT_EQ(connection.fetchOptionalInteger("SELECT count(*) FROM note WHERE text IS NULL"), 1);
 }
