@@ -33,6 +33,7 @@ TEST(StoreProjectionReader, ListsInKeyOrderThoseWithEnoughInteractionsThroughLiv
   store.run("DROP TABLE person");
   store.run("ALTER TABLE damaged RENAME TO person");
   EXPECT_EQ(StoreProjectionReader::project(1, store.connection()).people(), (People{{"bo", ""}, {"zoe", ""}}));
+  EXPECT_EQ(StoreProjectionReader::project(0, store.connection()).people().size(), 5U);
 }
 
 } // namespace
