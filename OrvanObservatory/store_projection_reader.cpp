@@ -62,7 +62,9 @@ Projection StoreProjectionReader::project(std::int64_t minimumInteractions, Conn
   const Column id = rows.column("id");
   const Column displayName = rows.column("display_name");
   while (rows.next()) {
-    people.emplace_back(std::string{rows.text(id)}, std::string{rows.optionalText(displayName).value_or("")});
+    if (const auto key = rows.optionalText(id)) {
+      people.emplace_back(std::string{*key}, std::string{rows.optionalText(displayName).value_or("")});
+    }
   }
   return Projection{std::move(people)};
 }

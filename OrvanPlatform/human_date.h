@@ -14,7 +14,4 @@ namespace orvan {
 /// thread changes the environment.
 std::string humanDateText(Instant instant);
 
-/// The name of the time zone the user is in now, as the zone database has it ("Europe/Lisbon").
-std::string userTimeZoneName();
-
 } // namespace orvan

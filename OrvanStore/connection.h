@@ -103,7 +103,7 @@ class Connection {
   /// Runs several statements without arguments, separated by semicolons. None of them is kept compiled.
   void executeScript(std::string_view script);
 
-  /// The first column of the first row; nothing when there is no row or it holds NULL.
+  /// The first column of the first row; nothing when there is no row or it does not hold text.
   template <typename... Arguments>
   std::optional<std::string> fetchOptionalText(std::string_view sql, const Arguments&... arguments) {
     Query started = query(sql, arguments...);

@@ -15,7 +15,7 @@ Query::~Query() {
 std::string_view Query::text(Column column) const {
   const auto found = optionalText(column);
   if (!found) {
-    throw StoreError(StoreFault::columnIsNull, statement_->sql());
+    throw StoreError(holdsNull(column) ? StoreFault::columnIsNull : StoreFault::columnIsNotText, statement_->sql());
   }
   return *found;
 }

@@ -50,13 +50,15 @@ class Query {
 
   Column column(std::string_view name) const noexcept { return statement_->column(name); }
 
-  /// Whether the column holds text: NULL does not, nor does a number or a blob, nor an absent column.
-  bool holdsText(Column column) const noexcept { return statement_->holdsText(column); }
+  /// Whether the column holds NULL; an absent column does.
+  bool holdsNull(Column column) const noexcept { return statement_->holdsNull(column); }
 
-  /// See Statement::optionalText.
-  std::optional<std::string_view> optionalText(Column column) const { return statement_->optionalText(column); }
+  /// The column's text; nothing for NULL, a number, a blob and an absent column. See Statement::optionalText.
+  std::optional<std::string_view> optionalText(Column column) const noexcept {
+    return statement_->optionalText(column);
+  }
 
-  /// Text that must be there: NULL fails with StoreFault::columnIsNull.
+  /// Text that must be there: NULL fails with StoreFault::columnIsNull, a number or a blob with columnIsNotText.
   std::string_view text(Column column) const;
   std::int64_t integer(Column column) const noexcept { return statement_->integer(column); }
 

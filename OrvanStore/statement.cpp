@@ -56,25 +56,18 @@ Column Statement::column(std::string_view name) const noexcept {
   return found == columnNames_.end() ? Column::absent() : Column{static_cast<int>(found - columnNames_.begin())};
 }
 
-bool Statement::holdsText(Column column) const noexcept {
-  return column.index() >= 0 && sqlite3_column_type(handle_.get(), column.index()) == SQLITE_TEXT;
+bool Statement::holdsNull(Column column) const noexcept {
+  return column.index() < 0 || sqlite3_column_type(handle_.get(), column.index()) == SQLITE_NULL;
 }
 
-std::optional<std::string_view> Statement::optionalText(Column column) const {
-  if (column.index() < 0) {
+std::optional<std::string_view> Statement::optionalText(Column column) const noexcept {
+  sqlite3_stmt* const handle = handle_.get();
+  // Asked for first, because reading any other value as text would convert it.
+  if (column.index() < 0 || sqlite3_column_type(handle, column.index()) != SQLITE_TEXT) {
     return std::nullopt;
   }
-  sqlite3_stmt* const handle = handle_.get();
-  switch (sqlite3_column_type(handle, column.index())) {
-    case SQLITE_TEXT: {
-      const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(handle, column.index()));
-      return std::string_view{bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle, column.index()))};
-    }
-    case SQLITE_NULL:
-      return std::nullopt;
-    default:
-      throw StoreError(StoreFault::columnIsNotText, sql_);
-  }
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(handle, column.index()));
+  return std::string_view{bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle, column.index()))};
 }
 
 std::int64_t Statement::integer(Column column) const noexcept {

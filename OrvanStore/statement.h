@@ -43,14 +43,13 @@ class Statement {
 
   Column column(std::string_view name) const noexcept;
 
-  bool holdsText(Column column) const noexcept;
+  /// Whether the column of the current row holds NULL; an absent column does.
+  bool holdsNull(Column column) const noexcept;
 
-  /// The text in a column of the current row; nothing for NULL and for an absent column. The view holds until the next
-  /// step or reset. The bytes are as stored: they need not be UTF-8.
-  ///
-  /// A number or a blob where text belongs is damage, not absence: the read fails with StoreFault::columnIsNotText
-  /// instead of passing over evidence in silence.
-  std::optional<std::string_view> optionalText(Column column) const;
+  /// The text in a column of the current row; nothing for anything else. A number or a blob where text belongs is
+  /// damage, and is never converted. The view holds until the next step or reset. The bytes are as stored: they need
+  /// not be UTF-8.
+  std::optional<std::string_view> optionalText(Column column) const noexcept;
   std::int64_t integer(Column column) const noexcept;
 
  private:

@@ -10,7 +10,7 @@ namespace orvan {
 
 /// Faults that this layer finds itself, beside those SQLite reports.
 enum class StoreFault {
-  /// A column that must hold text or NULL holds a number or a blob.
+  /// A column that must hold text holds a number or a blob.
   columnIsNotText = 1,
   /// A column that must hold text holds NULL.
   columnIsNull,

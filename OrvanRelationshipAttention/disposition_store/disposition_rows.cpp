@@ -38,20 +38,14 @@ struct RecordColumns {
   Column snoozedUntil;
 };
 
-/// Anything but text, a number as much as NULL, makes a record unreadable, and an unreadable record is no fault: the
-/// next action on the item replaces it.
-std::optional<std::string_view> readableText(const Query& row, Column column) {
-  return row.holdsText(column) ? row.optionalText(column) : std::nullopt;
-}
-
 std::optional<State> decodeSnooze(const Query& row, Column snoozedUntil) {
-  const auto text = readableText(row, snoozedUntil);
+  const auto text = row.optionalText(snoozedUntil);
   const auto until = text ? parseInternetDateTime(*text) : std::nullopt;
   return until ? std::optional{State::snoozed(*until)} : std::nullopt;
 }
 
 std::optional<State> decodeState(const Query& row, const RecordColumns& columns) {
-  const auto state = readableText(row, columns.state);
+  const auto state = row.optionalText(columns.state);
   if (state == caseName(State::Kind::snoozed)) {
     return decodeSnooze(row, columns.snoozedUntil);
   }
@@ -64,8 +58,9 @@ std::optional<State> decodeState(const Query& row, const RecordColumns& columns)
   return std::nullopt;
 }
 
+/// An unreadable record is no fault: the next action on the item replaces it.
 std::optional<Record> decode(const Query& row, const RecordColumns& columns) {
-  const auto key = readableText(row, columns.candidateKey);
+  const auto key = row.optionalText(columns.candidateKey);
   const auto state = decodeState(row, columns);
   return key && state ? std::optional<Record>{std::in_place, std::string{*key}, *state} : std::nullopt;
 }

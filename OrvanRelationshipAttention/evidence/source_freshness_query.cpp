@@ -26,8 +26,11 @@ std::vector<std::string> fetchAccounts(std::string_view personKey, Connection& c
                                                           "i.source_event_id", "im.canonical_person_id", connection);
   std::vector<std::string> accounts;
   auto rows = connection.query(statement, personKey);
+  const Column account{0};
   while (rows.next()) {
-    accounts.emplace_back(rows.text(Column{0}));
+    if (rows.holdsNull(account) || rows.optionalText(account)) {
+      accounts.emplace_back(rows.text(account));
+    }
   }
   return accounts;
 }

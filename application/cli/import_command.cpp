@@ -8,15 +8,14 @@
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/printable_text.h"
-#include "OrvanPlatform/white_space.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
 #include "application/cli/source_failure.h"
+#include "application/import/address/normal_address.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
@@ -51,17 +50,11 @@ class ProgressLine {
   bool isShown_ = false;
 };
 
-/// Addresses are compared in lower case; only ASCII has case in one.
-std::string normalizedAddress(const std::string& written) {
-  std::string address{trimmed(written)};
-  std::ranges::transform(address, address.begin(), [](char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-  });
-  const auto at = address.find('@');
-  if (at == std::string::npos || at == 0 || at + 1 == address.size()) {
-    throw CommandFailure(ExitCode::wrongCommandLine, "--me takes mail addresses, such as robin@example.org.");
+std::string ownAddress(const std::string& written) {
+  if (auto address = normalAddress(written)) {
+    return *std::move(address);
   }
-  return address;
+  throw CommandFailure(ExitCode::wrongCommandLine, "--me takes mail addresses, such as robin@example.org.");
 }
 
 /// Those given and those that earlier imports were told, whichever calendar or mailbox they were told with.
@@ -69,7 +62,7 @@ std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Insta
   std::vector<std::string> given;
   given.reserve(arguments.ownAddresses.size());
   for (const auto& written : arguments.ownAddresses) {
-    given.push_back(normalizedAddress(written));
+    given.push_back(ownAddress(written));
   }
   const auto all = store.write(
       [&](Connection& connection) { return rememberOwnAddresses(given, formatInternetDateTime(now), connection); });
@@ -160,7 +153,7 @@ class ImportRun {
 
   Json meetings(const std::filesystem::path& path) {
     const std::set<std::string> own{import_.ownAddresses.begin(), import_.ownAddresses.end()};
-    CalendarSource source(path, importWindow(import_.now), own, userTimeZoneName());
+    CalendarSource source(path, importWindow(import_.now), own);
     MeetingImporter importer(store_, import_, path);
     const auto report = importer.import(source);
     if (context_.output == OutputForm::human) {

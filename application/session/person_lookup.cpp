@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "OrvanPlatform/error.h"
+#include "application/import/address/normal_address.h"
 #include "application/session/session_error.h"
 
 namespace orvan {
@@ -26,10 +27,10 @@ SELECT DISTINCT p.id
 FROM person p
 LEFT JOIN identity_membership im ON im.canonical_person_id = p.id AND im.ended_at IS NULL
 LEFT JOIN source_identity si ON si.id = im.source_identity_id
-WHERE p.display_name = ?1 COLLATE NOCASE OR si.address = ?1 COLLATE NOCASE
+WHERE p.display_name = ?1 COLLATE NOCASE OR si.address = ?2
 LIMIT 2
 )sql",
-                               text);
+                               text, normalAddress(text));
   while (rows.next()) {
     keys.emplace_back(rows.text(Column{0}));
   }

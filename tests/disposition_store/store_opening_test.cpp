@@ -108,6 +108,18 @@ TEST_F(StoreOpening, ForWritingNeedsEachOfItsTables) {
   }
 }
 
+TEST_F(StoreOpening, ForReadingPreparesTheConnectionBeforeItTouchesThePages) {
+  createStore(file);
+  const auto key = std::make_shared<WatchedKey>();
+  const AttentionEvidenceCompiler compiler(file, CredentialVault{key}, nullptr,
+                                           AttentionEvidenceCompilerOptions::defaults);
+  auto firstTexts = key->logs.front().texts();
+  firstTexts.resize(3);
+  EXPECT_THAT(firstTexts,
+              ElementsAre("PRAGMA cipher_page_size = 4096", "PRAGMA busy_timeout = 5000", "PRAGMA query_only = 1"));
+  key->logs.clear(); // Before the connection closes.
+}
+
 TEST_F(StoreOpening, ForWritingFetchesTheKeyAndPreparesOnceForEachOfTwoConnections) {
   createStore(file);
   const auto key = std::make_shared<WatchedKey>();

@@ -44,7 +44,11 @@ class EvidenceQueriesTest : public testing::Test {
   Texts commitments(const char* person = "ana", const EvidenceQueries& queries = asShipped()) {
     return idsOf(queries.fetchCommitments(person, connection), &CommitmentEvidence::openLoopID);
   }
-  std::size_t historyLength() { return EvidenceQueries::fetchInteractionTimestamps("ana", connection).size(); }
+  Texts history() {
+    return idsOf(EvidenceQueries::fetchInteractionTimestamps("ana", connection),
+                 &ChangedContextDetector::TimestampedInteraction::interactionID);
+  }
+  std::size_t historyLength() { return history().size(); }
   std::vector<SourceFreshnessEvidence> freshness() { return EvidenceQueries::fetchSourceFreshness("ana", connection); }
 
   /// How many corrections lie in the window, and the time of the last.
@@ -111,8 +115,11 @@ TEST_F(OpenThreads, NeedAMessageOfThePersonThatMayBeShownButCloseWithAnyAnswer) 
   EXPECT_THAT(openThreads("ana"), IsEmpty());
 }
 
-TEST_F(OpenThreads, CountAnIdentityWhileItsMembershipIsLive) {
+TEST_F(EvidenceQueriesTest, CountAnIdentityWhileItsMembershipIsLive) {
   store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
+  store.add(TestInteraction{
+      .id = "m", .at = "2026-03-06T12:00:00Z", .thread = "other", .direction = "mutual", .kind = "meeting"});
+  store.run("INSERT INTO source_progress_projection VALUES ('mail', 'sync', 'current', NULL)");
   for (const auto& [membership, messages] : {std::pair{"state = 'confirmed'", 1U},
                                              {"state = 'high_conf'", 1U},
                                              {"state = 'low_conf'", 0U},
@@ -120,7 +127,9 @@ TEST_F(OpenThreads, CountAnIdentityWhileItsMembershipIsLive) {
                                              {"state = 'confirmed', ended_at = '2026-01-01T00:00:00Z'", 0U}}) {
     store.run(std::string{"UPDATE identity_membership SET "} + membership);
     EXPECT_EQ(openThreads().size(), messages) << membership;
-    EXPECT_EQ(historyLength(), messages) << membership;
+    EXPECT_EQ(historyLength(), 2 * messages) << membership;
+    EXPECT_EQ(meetings().size(), messages) << membership;
+    EXPECT_EQ(freshness().size(), messages) << membership;
   }
 }
 
@@ -150,11 +159,15 @@ TEST_F(UpcomingInteractions, LieAfterTheMomentOfEvaluationUpToTheEndOfTheWindow)
 }
 
 TEST_F(UpcomingInteractions, AreListedOnceForAPersonWithTwoIdentities) {
-  addMeeting("m", "2026-03-06T12:00:00Z");
+  addMeeting("b", "2026-03-06T12:00:00Z");
   store.run("INSERT INTO identity_membership VALUES ('second', 'other', 'ana', 'high_conf', NULL)");
-  store.run("INSERT INTO interaction_participant VALUES ('other', 'm')");
-  EXPECT_THAT(meetings(), ElementsAre("m"));
+  store.run("INSERT INTO interaction_participant VALUES ('other', 'b')");
+  EXPECT_THAT(meetings(), ElementsAre("b"));
   EXPECT_EQ(historyLength(), 1U);
+  store.run("DELETE FROM interaction_participant WHERE source_identity_id = 'other'");
+  addMeeting("a", "2026-03-06T12:00:00Z");
+  store.run("UPDATE interaction_participant SET source_identity_id = 'other' WHERE interaction_id = 'a'");
+  EXPECT_THAT(history(), ElementsAre("a", "b")) << "of one time in the order of their ids, not of the identities";
 }
 
 TEST_F(Commitments, AreOpenLoopsThatRestOnEvidenceAboutThePerson) {
@@ -220,41 +233,49 @@ TEST_F(SourceFreshness, IsThatOfTheAccountsThePersonIsSeenInByAccountAndOperatio
                                        Freshness("mail", "sync", "current", "2026-03-05T11:00:00Z")));
 }
 
-TEST_F(DamagedRows, ThatLackAColumnArePassedOverAfterTheLimitWasApplied) {
+TEST_F(DamagedRows, AreTheOnlyOnesPassedOverAndAfterTheLimitWasApplied) {
   for (const char* id : {"1", "2"}) {
     store.add(TestInteraction{.id = id, .at = "2026-03-01T10:00:00Z", .thread = id});
     store.add(TestOpenLoop{.id = id, .at = "2026-03-01T10:00:00Z"});
-    store.run("INSERT INTO source_progress_projection VALUES ('mail', ?, 'stale', NULL)", id);
+    store.run("INSERT INTO source_progress_projection VALUES ('mail', ?, 'stale', '2026-03-01T10:00:00Z')", id);
     correct("person", "ana", id);
   }
   for (const char* table : {"thread", "open_loop", "source_progress_projection", "user_correction", "interaction"}) {
     loosen(table);
   }
-  store.run("UPDATE thread SET source_type = NULL WHERE id = '1'");
-  store.run("UPDATE open_loop SET kind = NULL WHERE id = '1'");
-  store.run("UPDATE source_progress_projection SET freshness_state = NULL WHERE operation = '1'");
-  store.run("UPDATE user_correction SET created_at = NULL WHERE created_at = '2'");
-  EXPECT_THAT(openThreads(), ElementsAre("2"));
-  EXPECT_THAT(openThreads("ana", limitedTo(1)), IsEmpty());
-  EXPECT_THAT(commitments(), ElementsAre("2"));
-  EXPECT_THAT(commitments("ana", limitedTo(1)), IsEmpty());
-  EXPECT_EQ(freshness().size(), 1U);
-  EXPECT_EQ(corrections().second, "1");
-  store.run("UPDATE interaction SET occurred_at = NULL WHERE id = '1'");
-  EXPECT_EQ(historyLength(), 1U);
+  for (const std::string value : {"NULL", "x'00ff'"}) {
+    SCOPED_TRACE(value);
+    store.run("UPDATE thread SET source_type = " + value + " WHERE id = '1'");
+    store.run("UPDATE open_loop SET kind = " + value + " WHERE id = '1'");
+    store.run("UPDATE source_progress_projection SET freshness_state = " + value + " WHERE operation = '1'");
+    store.run("UPDATE source_progress_projection SET last_successful_sync_at = " + value);
+    store.run("UPDATE user_correction SET created_at = " + value + " WHERE id = 'person2'");
+    EXPECT_THAT(openThreads(), ElementsAre("2"));
+    EXPECT_THAT(openThreads("ana", limitedTo(1)), IsEmpty());
+    EXPECT_THAT(commitments(), ElementsAre("2"));
+    EXPECT_THAT(commitments("ana", limitedTo(1)), IsEmpty());
+    EXPECT_THAT(freshness(), ElementsAre(SourceFreshnessEvidence("mail", "2", "stale", std::nullopt)));
+    EXPECT_EQ(corrections().second, "1");
+    store.run("UPDATE interaction SET occurred_at = " + value + " WHERE id = '1'");
+    EXPECT_EQ(historyLength(), 1U);
+    store.run("UPDATE interaction SET occurred_at = '2026-03-01T10:00:00Z'");
+  }
 }
 
-TEST_F(DamagedRows, FailTheReadWhenTextIsSomethingElseButNotForItsBytes) {
+TEST_F(DamagedRows, OfAccountsArePassedOverButNotAnAccountWithoutAnIdentifier) {
   store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
-  loosen("thread");
-  store.run("UPDATE thread SET source_type = x'00ff'");
-  EXPECT_EQ(faultOf([this] { return openThreads(); }), StoreFault::columnIsNotText);
+  loosen("source_event");
+  store.run("UPDATE source_event SET source_account_id = x'00ff'");
+  EXPECT_THAT(freshness(), IsEmpty());
+  store.run("UPDATE source_event SET source_account_id = NULL");
+  EXPECT_EQ(faultOf([this] { return freshness(); }), StoreFault::columnIsNull);
+}
+
+TEST_F(DamagedRows, AreNotThoseWhoseTextIsOfOddBytes) {
+  store.add(TestInteraction{.id = "i", .at = "2026-03-01T10:00:00Z"});
   store.run("UPDATE thread SET source_type = CAST(x'ff00fe' AS TEXT)");
   const auto threads = asShipped().fetchOpenThreads("ana", asOf, connection);
   EXPECT_EQ(threads.at(0).sourceType(), std::string("\xff\0\xfe", 3));
-  loosen("source_event");
-  store.run("UPDATE source_event SET source_account_id = NULL");
-  EXPECT_EQ(faultOf([this] { return freshness(); }), StoreFault::columnIsNull);
 }
 
 } // namespace

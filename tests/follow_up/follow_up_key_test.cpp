@@ -4,8 +4,6 @@
 
 #include <sstream>
 
-#include "OrvanPlatform/internet_date_time.h"
-
 namespace orvan::internal {
 namespace {
 
@@ -27,16 +25,6 @@ TEST(FollowUpKey, IsKnownAmongIdentifiersByItsForm) {
   for (std::string text; std::getline(nearMisses, text);) {
     EXPECT_FALSE(isLegacyFollowUpKey(text)) << text;
   }
-}
-
-TEST(FollowUpKey, AppearsInLogsAsTheBeginningOfItsDigest) {
-  EXPECT_EQ(followUpKeyHash(""), "e3b0c44298fc");
-  EXPECT_EQ(followUpKeyHash("abc"), "ba7816bf8f01");
-}
-
-TEST(MinuteStamp, DropsWhatLiesBelowTheMinute) {
-  const Instant instant = *parseInternetDateTime("2026-03-04T10:41:59+01:00") + std::chrono::milliseconds{900};
-  EXPECT_EQ(iso8601Minute(instant), "2026-03-04T09:41Z");
 }
 
 } // namespace

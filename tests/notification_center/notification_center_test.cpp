@@ -53,10 +53,5 @@ TEST_F(AwaitingACenter, WithoutAnInstalledCenterEverythingIsDenied) {
   EXPECT_EQ(errorOf(absent->added(request("a", clock->now()))), NotificationCenterError::unavailable);
 }
 
-TEST(PresentationOptions, HaveTheValuesThatDesktopServicesExchange) {
-  EXPECT_EQ((PresentationOptions::banner | PresentationOptions::sound).rawValue(), 18U);
-  EXPECT_EQ(PresentationOptions{}.rawValue(), 0U);
-}
-
 } // namespace
 } // namespace orvan

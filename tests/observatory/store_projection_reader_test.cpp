@@ -26,6 +26,14 @@ TEST(StoreProjectionReader, ListsInKeyOrderThoseWithEnoughInteractionsThroughLiv
             (People{{"ana", "ana"}, {"bo", "bo"}, {"zoe", "Zoë"}}));
   EXPECT_EQ(StoreProjectionReader::project(2, store.connection()).people(), (People{{"ana", "ana"}}));
   EXPECT_EQ(StoreProjectionReader::project(0, store.connection()).people().size(), 6U);
+
+  store.run(
+      "CREATE TABLE damaged AS SELECT CASE id WHEN 'ana' THEN x'00ff' ELSE id END AS id, "
+      "x'00ff' AS display_name FROM person");
+  store.run("DROP TABLE person");
+  store.run("ALTER TABLE damaged RENAME TO person");
+  EXPECT_EQ(StoreProjectionReader::project(1, store.connection()).people(), (People{{"bo", ""}, {"zoe", ""}}));
+  EXPECT_EQ(StoreProjectionReader::project(0, store.connection()).people().size(), 5U);
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+#include "OrvanPlatform/local_time.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -24,7 +26,12 @@ TEST(HumanDate, FollowsTheSettingsOfTheMomentItIsAsked) {
                                            {"en_US.UTF-8", "Asia/Tokyo", "Mar 5, 2026"},
                                            {"de_DE.UTF-8", "Asia/Tokyo", "05.03.2026"},
                                            {"sr_RS.UTF-8@latin", "Asia/Tokyo", "5. 3. 2026."},
-                                           {"C", "America/New_York", "Mar 4, 2026"}}) {
+                                           {"C", "America/New_York", "Mar 4, 2026"},
+                                           {"C", ":/usr/share/zoneinfo/Asia/Tokyo", "Mar 5, 2026"},
+                                           {"C", "CET-1CEST,M3.5.0,M10.5.0/3", "Mar 5, 2026"},
+                                           {"C", "<+03>-3", "Mar 5, 2026"},
+                                           {"C", "Etc/GMT-3", "Mar 5, 2026"},
+                                           {"C", "", "Mar 4, 2026"}}) {
     useSettings(locale, zone);
     EXPECT_EQ(humanDateText(instant), date) << locale << ' ' << zone;
   }
@@ -41,7 +48,8 @@ TEST(UserCalendar, NamesAnInstantInTheUsersZoneAndCalendarWithoutItsFraction) {
 
 TEST(UserCalendar, ReadsBackWhatItNamed) {
   const Instant instant = instantOf("2028-02-29T23:59:58Z");
-  for (const char* zone : {"UTC", "America/New_York", "Asia/Kathmandu"}) {
+  for (const char* zone :
+       {"UTC", "America/New_York", "Asia/Kathmandu", "<-12>12", "LHST-10:30LHDT-11,M10.1.0,M4.1.0"}) {
     for (const char* locale : {"en_US.UTF-8", "th_TH.UTF-8", "ja_JP.UTF-8", "fa_IR.UTF-8"}) {
       useSettings(locale, zone);
       EXPECT_EQ(userCalendarInstant(userCalendarComponents(instant)), instant) << zone << " " << locale;
@@ -50,10 +58,15 @@ TEST(UserCalendar, ReadsBackWhatItNamed) {
 }
 
 TEST(UserCalendar, ReadsTimesThatAChangeOfTheClocksSkipsOrRepeats) {
-  useSettings("en_US.UTF-8", "America/New_York");
-  EXPECT_EQ(userCalendarInstant({2026, 3, 8, 2, 30, 0}), instantOf("2026-03-08T07:30:00Z"));
-  EXPECT_EQ(userCalendarInstant({2026, 11, 1, 1, 30, 0}), instantOf("2026-11-01T06:30:00Z"));
-  EXPECT_FALSE(userCalendarInstant({2026, 2, 30, 9, 0, 0}).has_value());
+  for (const char* zone : {"America/New_York", "EST5EDT,M3.2.0,M11.1.0"}) {
+    useSettings("en_US.UTF-8", zone);
+    EXPECT_EQ(userCalendarInstant({2026, 3, 8, 2, 30, 0}), instantOf("2026-03-08T07:30:00Z")) << zone;
+    EXPECT_EQ(userCalendarInstant({2026, 11, 1, 1, 30, 0}), instantOf("2026-11-01T06:30:00Z")) << zone;
+    for (const char* instant : {"2026-03-08T16:00:00Z", "2026-11-01T05:30:00Z", "2026-11-01T16:00:00Z"}) {
+      EXPECT_EQ(instantOfLocalTime(localTimeOf(instantOf(instant))), instantOf(instant)) << zone << " " << instant;
+    }
+    EXPECT_FALSE(userCalendarInstant({2026, 2, 30, 9, 0, 0}).has_value());
+  }
 }
 
 } // namespace

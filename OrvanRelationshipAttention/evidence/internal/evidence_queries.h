@@ -18,7 +18,7 @@ namespace orvan::internal {
 /// read of the store and throws StoreError.
 ///
 /// A person is the set of identities whose membership is live: `ended_at` NULL and `state` 'high_conf' or 'confirmed'.
-/// A row that lacks a column it needs is passed over.
+/// A row that lacks a column it needs is passed over. A value that is not text counts as lacking.
 class EvidenceQueries {
  public:
   explicit EvidenceQueries(const AttentionEvidenceCompilerOptions& options) : options_(options) {}
@@ -36,6 +36,7 @@ class EvidenceQueries {
   static std::vector<ChangedContextDetector::TimestampedInteraction> fetchInteractionTimestamps(
       std::string_view personKey, Connection& connection);
   std::vector<CommitmentEvidence> fetchCommitments(std::string_view personKey, Connection& connection) const;
+  /// Throws StoreError(StoreFault::columnIsNull) when the person is seen in an account without an identifier.
   static std::vector<SourceFreshnessEvidence> fetchSourceFreshness(std::string_view personKey, Connection& connection);
   /// Not limited by the moment of evaluation: a correction stamped later counts.
   UserCorrections fetchUserCorrections(std::string_view personKey, Instant asOf, Connection& connection) const;

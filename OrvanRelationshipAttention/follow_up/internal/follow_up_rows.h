@@ -8,7 +8,8 @@
 #include "OrvanSpineCore/persisted_follow_up.h"
 #include "OrvanStore/connection.h"
 
-/// How stored follow-ups are read. A row with NULL in a required column fails with StoreFault::columnIsNull.
+/// How stored follow-ups are read. A row without text in a required column fails with StoreFault::columnIsNull or
+/// columnIsNotText.
 namespace orvan::internal {
 
 std::optional<PersistedFollowUp> loadFollowUp(Connection& connection, std::string_view id);

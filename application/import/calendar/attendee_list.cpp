@@ -1,20 +1,15 @@
 #include "application/import/calendar/attendee_list.h"
 
 #include <algorithm>
-#include <cctype>
-#include <string_view>
+#include <optional>
 #include <utility>
 
 #include "OrvanPlatform/printable_text.h"
 #include "OrvanPlatform/white_space.h"
+#include "application/import/address/normal_address.h"
 
 namespace orvan {
 namespace {
-
-std::string lowerCase(std::string text) {
-  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 const char* addressValue(icalproperty* property) {
   return icalproperty_isa(property) == ICAL_ORGANIZER_PROPERTY ? icalproperty_get_organizer(property)
@@ -22,32 +17,12 @@ const char* addressValue(icalproperty* property) {
 }
 
 /// The address itself, or the one in the EMAIL parameter where the value is some other kind of identifier.
-std::string mailAddress(icalproperty* property) {
-  constexpr std::string_view scheme = "mailto:";
-  std::string address = lowerCase(displayText(addressValue(property)));
-  if (address.starts_with(scheme)) {
-    address.erase(0, scheme.size());
+std::optional<std::string> mailAddress(icalproperty* property) {
+  if (auto address = normalAddress(displayText(addressValue(property)))) {
+    return address;
   }
-  if (!address.contains('@')) {
-    icalparameter* email = icalproperty_get_first_parameter(property, ICAL_EMAIL_PARAMETER);
-    address = email == nullptr ? std::string{} : lowerCase(displayText(icalparameter_get_email(email)));
-  }
-  return address.contains('@') ? address : std::string{};
-}
-
-/// Undoes the circumflex escapes of parameter values (RFC 6868), which the parser leaves as they are.
-std::string withoutCircumflexes(std::string_view text) {
-  std::string plain;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const char escaped = text[at] == '^' && at + 1 < text.size() ? text[at + 1] : '\0';
-    if (escaped == 'n' || escaped == '\'' || escaped == '^') {
-      plain += escaped == 'n' ? ' ' : escaped == '\'' ? '"' : '^';
-      ++at;
-    } else {
-      plain += text[at];
-    }
-  }
-  return plain;
+  icalparameter* email = icalproperty_get_first_parameter(property, ICAL_EMAIL_PARAMETER);
+  return email == nullptr ? std::nullopt : normalAddress(displayText(icalparameter_get_email(email)));
 }
 
 /// Some calendars repeat the address where they know no name.
@@ -56,8 +31,8 @@ std::string displayName(icalproperty* property, const std::string& address) {
   if (parameter == nullptr) {
     return {};
   }
-  auto name = displayText(withoutCircumflexes(displayText(icalparameter_get_cn(parameter))).c_str());
-  return lowerCase(name) == address ? std::string{} : name;
+  auto name = displayText(icalparameter_get_cn(parameter));
+  return normalAddress(name) == address ? std::string{} : name;
 }
 
 bool isPerson(icalproperty* property) {
@@ -75,17 +50,17 @@ bool hasDeclined(icalproperty* property) {
 
 void AttendeeList::add(icalproperty* organizerOrAttendee) {
   const auto address = mailAddress(organizerOrAttendee);
-  if (address.empty() || !isPerson(organizerOrAttendee)) {
+  if (!address || !isPerson(organizerOrAttendee)) {
     return;
   }
   if (hasDeclined(organizerOrAttendee)) {
-    const bool isUser = ownAddresses_.contains(address);
+    const bool isUser = ownAddresses_.contains(*address);
     declinedByUser_ |= isUser;
     if (!isUser) {
-      declined_.insert(address);
+      declined_.insert(*address);
     }
   }
-  merge({.displayName = displayName(organizerOrAttendee, address), .address = address});
+  merge({.displayName = displayName(organizerOrAttendee, *address), .address = *address});
 }
 
 void AttendeeList::merge(CalendarAttendee attendee) {

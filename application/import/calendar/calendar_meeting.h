@@ -11,7 +11,7 @@ namespace orvan {
 struct CalendarAttendee {
   /// The name that the calendar gives, UTF-8; empty when it gives none.
   std::string displayName;
-  /// The mail address in lower case, without "mailto:". Never empty.
+  /// The mail address as normalAddress() has it.
   std::string address;
 
   friend bool operator==(const CalendarAttendee&, const CalendarAttendee&) = default;

@@ -90,9 +90,8 @@ const char* describe(CalendarNotice notice) noexcept {
 /// from the event they change and zones after their use. The second reads the events of one identifier at a time.
 class CalendarSource::Reading {
  public:
-  Reading(const std::filesystem::path& file, CalendarWindow window, std::set<std::string> ownAddresses,
-          const std::string& userZone)
-      : components_(file), window_(window), ownAddresses_(std::move(ownAddresses)), zones_(userZone) {
+  Reading(const std::filesystem::path& file, CalendarWindow window, std::set<std::string> ownAddresses)
+      : components_(file), window_(window), ownAddresses_(std::move(ownAddresses)) {
     while (const auto component = components_.next()) {
       component->kind == ComponentText::Kind::timeZone ? learnZone(*component) : list(*component);
     }
@@ -180,8 +179,8 @@ class CalendarSource::Reading {
 };
 
 CalendarSource::CalendarSource(const std::filesystem::path& file, CalendarWindow window,
-                               std::set<std::string> ownAddresses, const std::string& userZone)
-    : reading_(std::make_unique<Reading>(file, window, std::move(ownAddresses), userZone)) {}
+                               std::set<std::string> ownAddresses)
+    : reading_(std::make_unique<Reading>(file, window, std::move(ownAddresses))) {}
 
 CalendarSource::~CalendarSource() = default;
 CalendarSource::CalendarSource(CalendarSource&&) noexcept = default;

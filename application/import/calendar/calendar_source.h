@@ -71,14 +71,12 @@ struct CalendarWindow {
 /// The file must not change while it is read. One thread at a time.
 class CalendarSource {
  public:
-  /// Opens `file` and lists its events. `ownAddresses` are the user's mail addresses in lower case. `userZone` is a
-  /// name of the zone database; all-day events and times without a zone are taken in it, or in UTC when it is not
-  /// known.
+  /// Opens `file` and lists its events. `ownAddresses` are the user's mail addresses, as normalAddress() has them.
+  /// All-day events and times without a zone are taken in the zone that the user is in now (see localTimeOf).
   ///
   /// Throws Error: CalendarSourceError::cannotRead for a file that cannot be opened or is not a regular file,
   /// CalendarSourceError::notACalendar when it holds no calendar.
-  CalendarSource(const std::filesystem::path& file, CalendarWindow window, std::set<std::string> ownAddresses,
-                 const std::string& userZone);
+  CalendarSource(const std::filesystem::path& file, CalendarWindow window, std::set<std::string> ownAddresses);
   ~CalendarSource();
   CalendarSource(CalendarSource&&) noexcept;
   CalendarSource& operator=(CalendarSource&&) noexcept;

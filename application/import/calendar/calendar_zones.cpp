@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "OrvanPlatform/local_time.h"
 #include "application/import/calendar/calendar_component.h"
 #include "application/import/calendar/calendar_event.h"
 
@@ -29,6 +30,14 @@ class KnownZone final : public CalendarZone {
 
  private:
   std::unique_ptr<icu::BasicTimeZone> zone_;
+};
+
+class UserZone final : public CalendarZone {
+ public:
+  std::chrono::seconds offsetAt(std::chrono::local_seconds wall) const override {
+    return std::chrono::duration_cast<std::chrono::seconds>(wall.time_since_epoch() -
+                                                            instantOfLocalTime(wall).time_since_epoch());
+  }
 };
 
 struct FreeZone {
@@ -130,10 +139,9 @@ bool isUsableDefinition(icalcomponent* definition) {
 
 } // namespace
 
-CalendarZones::CalendarZones(const std::string& userZone) : userZone_(zoneNamed(userZone)) {
-  if (userZone_ == nullptr) {
-    userZone_ = zoneNamed("UTC");
-  }
+const CalendarZone& CalendarZones::userZone() noexcept {
+  static const UserZone zone;
+  return zone;
 }
 
 void CalendarZones::define(const std::string& definition) {

@@ -20,19 +20,16 @@ class CalendarZone {
 /// and by Windows' names for them.
 class CalendarZones {
  public:
-  /// The user's zone by its name in the zone database; UTC when there is none of that name.
-  explicit CalendarZones(const std::string& userZone);
-
   /// Learns a zone from the text of its definition in the file. The first definition of a name holds. A definition that
   /// cannot be followed, or would take unreasonably long to, is passed over.
   void define(const std::string& definition);
 
-  const CalendarZone& userZone() const noexcept { return *userZone_; }
+  /// The zone that the user is in now.
+  static const CalendarZone& userZone() noexcept;
   /// The zone that the file means by `identifier`, or null when nobody knows it.
   const CalendarZone* find(const std::string& identifier);
 
  private:
-  std::unique_ptr<CalendarZone> userZone_;
   /// By the file's identifier; null for an identifier that is known to be unknown.
   std::map<std::string, std::unique_ptr<CalendarZone>> zones_;
 };

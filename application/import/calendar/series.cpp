@@ -21,7 +21,7 @@ class EventClock {
 
   std::chrono::sys_seconds instant(const EventTime& time) const {
     const CalendarZone* zone = time.zone.empty() ? nullptr : zones_.find(time.zone);
-    return asUtc(time) - (zone == nullptr ? zones_.userZone() : *zone).offsetAt(time.wall);
+    return asUtc(time) - (zone == nullptr ? CalendarZones::userZone() : *zone).offsetAt(time.wall);
   }
 
   OccurrenceName name(const EventTime& time) const {

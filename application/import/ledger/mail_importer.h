@@ -38,7 +38,7 @@ using MailProgress = std::function<void(const MailReport& soFar, std::uint64_t b
 
 /// Who the user is and when the import takes place.
 struct ImportContext {
-  /// The user's addresses in lower case; at least one, which the caller sees to. Those that earlier
+  /// The user's addresses as normalAddress() has them; at least one, which the caller sees to. Those that earlier
   /// imports were told are added to them.
   std::vector<std::string> ownAddresses;
   Instant now;

@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "OrvanPlatform/white_space.h"
+#include "application/import/address/normal_address.h"
 #include "application/import/mail/decoded_text.h"
 #include "application/import/mail/gmime.h"
 #include "application/import/mail/header_fields.h"
@@ -33,25 +34,12 @@ std::string addressListText(std::string_view rawValue) {
   return text;
 }
 
-/// Some programs put the whole address between apostrophes.
-std::string_view withoutApostrophes(std::string_view text) noexcept {
-  return text.size() > 2 && text.starts_with('\'') && text.ends_with('\'') ? text.substr(1, text.size() - 2) : text;
-}
-
-bool isAddress(std::string_view text) noexcept {
-  const auto at = text.rfind('@');
-  return at != std::string_view::npos && at > 0 && at + 1 < text.size() &&
-         text.find_first_of(" <>,;\"") == std::string_view::npos;
-}
-
 void appendMailbox(InternetAddress* mailbox, std::vector<MailAddress>& addresses) {
-  const char* address = internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(mailbox));
-  auto text = onOneLine(address == nullptr ? "" : withoutApostrophes(address));
-  if (!isAddress(text)) {
-    return;
+  const char* written = internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(mailbox));
+  if (auto address = normalAddress(onOneLine(written == nullptr ? "" : written))) {
+    const char* name = internet_address_get_name(mailbox);
+    addresses.push_back({onOneLine(name == nullptr ? "" : name), *std::move(address)});
   }
-  const char* name = internet_address_get_name(mailbox);
-  addresses.push_back({onOneLine(name == nullptr ? "" : name), lowerCased(text)});
 }
 
 void appendMailboxes(InternetAddressList* list, std::vector<MailAddress>& addresses) {

@@ -14,7 +14,7 @@ namespace orvan {
 struct MailAddress {
   /// The name as its writer meant it, encoded words decoded, trimmed; empty when there is none.
   std::string displayName;
-  /// The mailbox ("zoe@example.org"), lower-cased, so that two spellings of one mailbox compare equal. Never empty.
+  /// The mailbox ("zoe@example.org") as normalAddress() has it, so that two spellings of it compare equal.
   std::string address;
 
   bool operator==(const MailAddress&) const = default;

@@ -1,5 +1,6 @@
 #include "application/import/mail/mbox_source.h"
 
+#include "application/import/mail/from_line.h"
 #include "application/import/mail/text_lines.h"
 
 namespace orvan {
@@ -7,13 +8,12 @@ namespace orvan {
 MboxSource::MboxSource(const std::filesystem::path& path) : lines_{path}, parser_{BodyLines::fromEscaped} {}
 
 std::optional<MailItem> MboxSource::next() {
-  if (skipTextBeforeFirstMail()) {
+  if (!isInMail_ && skipTextBeforeFirstMail()) {
     return MailSkip{MailSkipReason::notAMailbox};
   }
-  if (!lines_.current()) {
+  if (!isInMail_) {
     return std::nullopt;
   }
-  skipSeparator();
   readMail();
   return parser_.parse(mail_);
 }
@@ -26,31 +26,57 @@ std::uint64_t MboxSource::bytesTotal() const noexcept {
   return lines_.fileSize();
 }
 
-bool MboxSource::atSeparator() const noexcept {
-  const auto& piece = *lines_.current();
-  return piece.startsLine && lines_.followsBlankLine() && piece.text.starts_with("From ");
-}
-
-/// Whether there was any: between two mails the reader always stands at a separator.
+/// Whether there was any.
 bool MboxSource::skipTextBeforeFirstMail() {
   bool foundText = false;
-  for (; lines_.current() && !atSeparator(); lines_.advance()) {
-    foundText = foundText || !isBlankLine(lines_.current()->text);
+  while (lines_.current() && !isInMail_) {
+    if (mayBeSeparator()) {
+      isInMail_ = passSeparator();
+      foundText = foundText || !isInMail_;
+    } else {
+      foundText = foundText || !isBlankLine(lines_.current()->text);
+      lines_.advance();
+    }
   }
   return foundText;
 }
 
-void MboxSource::skipSeparator() {
-  do {
-    lines_.advance();
-  } while (lines_.current() && !lines_.current()->startsLine);
-}
-
+/// Up to and past the next separator, or to the end of the file.
 void MboxSource::readMail() {
   mail_.clear();
-  for (; lines_.current() && !atSeparator(); lines_.advance()) {
-    mail_.append(*lines_.current());
+  while (lines_.current()) {
+    if (!mayBeSeparator()) {
+      mail_.append(*lines_.current());
+      lines_.advance();
+    } else if (passSeparator()) {
+      return;
+    } else {
+      mail_.append({passedLine_, true});
+    }
   }
+  isInMail_ = false;
+}
+
+bool MboxSource::mayBeSeparator() const noexcept {
+  const auto& piece = *lines_.current();
+  return piece.startsLine && piece.text.starts_with("From ") &&
+         (lines_.followsBlankLine() || isDatedFromLine(piece.text));
+}
+
+/// Whether the line is a separator shows in the one after it, so it is passed either way, and kept in `passedLine_` for
+/// when it is not.
+bool MboxSource::passSeparator() {
+  const bool beginsFile = lines_.position() == 0;
+  const bool followsBlankLine = lines_.followsBlankLine();
+  passedLine_ = lines_.current()->text;
+  lines_.advance();
+  while (beginsFile && lines_.current() && !lines_.current()->startsLine) {
+    lines_.advance();
+  }
+  const auto* following = lines_.current();
+  const bool isDated = isDatedFromLine(passedLine_);
+  const bool fieldFollows = following != nullptr && following->startsLine && beginsHeaderField(following->text);
+  return beginsFile || (followsBlankLine ? isDated || fieldFollows : isDated && fieldFollows);
 }
 
 } // namespace orvan

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "application/import/mail/line_reader.h"
 #include "application/import/mail/mail_parser.h"
@@ -11,9 +12,11 @@ namespace orvan {
 
 /// The mails of one mbox file, in the order of the file.
 ///
-/// A mail begins at a line that starts with "From ", at the start of the file or after a blank line; lines that were
-/// escaped with ">" for that reason are read as they were before. Lines may end in LF or CR LF, the last one in
-/// neither.
+/// A mail begins after a line that starts with "From ". The first line of the file needs no more than that. A line
+/// after a blank one, as the form demands, must end in a date or be followed by a header field, because not every
+/// program escapes such lines in text. Some programs write no blank line: then it must have both. Lines that were
+/// escaped with
+/// ">" are read as they were before. Lines may end in LF or CR LF, the last one in neither.
 class MboxSource final : public MailSource {
  public:
   /// Opens the file. Throws Error with a MailSourceError; its text names `path` as given.
@@ -24,14 +27,17 @@ class MboxSource final : public MailSource {
   std::uint64_t bytesTotal() const noexcept override;
 
  private:
-  bool atSeparator() const noexcept;
   bool skipTextBeforeFirstMail();
-  void skipSeparator();
   void readMail();
+  bool mayBeSeparator() const noexcept;
+  bool passSeparator();
 
   LineReader lines_;
   MailParser parser_;
   RawMail mail_;
+  std::string passedLine_;
+  /// A separator was passed, and the mail after it was not yet read.
+  bool isInMail_ = false;
 };
 
 } // namespace orvan

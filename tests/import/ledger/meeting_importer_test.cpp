@@ -35,7 +35,7 @@ class ImportedMeetings : public testing::Test {
       stream << "END:VEVENT\n";
     }
     stream << "END:VCALENDAR\n" << std::flush;
-    CalendarSource source(file, importWindow(ImportStore::asOf()), {me}, "UTC");
+    CalendarSource source(file, importWindow(ImportStore::asOf()), {me});
     return MeetingImporter(store.queue, ImportStore::context(), file).import(source);
   }
 

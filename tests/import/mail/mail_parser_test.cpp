@@ -67,6 +67,8 @@ TEST(MailAddresses, AreDecodedAndComparable) {
                                    MailAddress{"", "eva@example.org"}));
   EXPECT_THAT(mail.from, ElementsAre(MailAddress{"Zoë", "zoe@example.org"}));
   EXPECT_THAT(message("To: undisclosed-recipients:;\n").to, IsEmpty());
+  EXPECT_THAT(message("To: ZO\xc3\x8b@XN--mller-kva.example, zoe\xcc\x88@m\xc3\xbcller.example\n").to,
+              testing::Each(MailAddress{"", "zoë@xn--mller-kva.example"}));
 }
 
 TEST(MailAddresses, AreReadFromListsOfAnyLengthAndDepth) {

@@ -73,16 +73,33 @@ class Mailbox : public testing::Test {
   ScratchFolder folder_;
 };
 
-TEST_F(Mailbox, OfMboxFormBeginsAMailOnlyAtAFromLineAfterABlankLine) {
+TEST_F(Mailbox, OfMboxFormBeginsAMailAtAFromLineAfterABlankLine) {
   EXPECT_THAT(
       outline(entry("one") + "\n" + entry("two", "") + "\n" + entry("three", "A line.\nFrom here on, all is body.\n")),
       ElementsAre("one", "two", "three"));
   EXPECT_THAT(outline(entry("one", "\nFROM here\n\n From there\n\n>From elsewhere\n\nFromage\n")), ElementsAre("one"));
+  EXPECT_THAT(outline(entry("one", "\nFrom here on, see\nhttp://a.example\n\nFrom now\n")), ElementsAre("one"));
   EXPECT_THAT(outline("\n\n" + entry("one")), ElementsAre("one")) << "blank lines before the first mail are nothing";
   EXPECT_THAT(outline(withCrLf(entry("one") + "\n" + entry("two"))), ElementsAre("one", "two"));
   EXPECT_THAT(outline(entry("one") + "\n" + entry("two", "no line end")), ElementsAre("one", "two"));
   EXPECT_THAT(outline(std::string{separator}), ElementsAre("(no sender address)"));
   EXPECT_THAT(outline(""), IsEmpty());
+}
+
+TEST_F(Mailbox, OfMboxFormBeginsAMailWithoutABlankLineOnlyWhereNothingElseCanBeMeant) {
+  for (const char* end :
+       {"- Mon Jan  1 00:00:00 2018", "\"z o\"@b Mon Jan 1 9:05 2018\r", "a@b Mon Jan  1 00:00:00 2018 +0100",
+        "a@b Mon Jan  1 00:00:00 CEST 2018", "a@b Mon Jan 01 00:00:00 GMT 2018 GMT"}) {
+    EXPECT_THAT(outline(entry("one") + "From " + end + "\n" + mail("two") + "From " + end + "\n" + mail("three")),
+                ElementsAre("one", "two", "three"))
+        << end;
+  }
+  for (const char* end : {"Mon Jan  1 00:00:00 2018", "a@b Mon Jan  1 00:00:00 18", "a@b Mon Jan  1 00:00:00 2018, ok?",
+                          "a@b Jan  1 00:00:00 2018", "a@b Mon Jan  1 noon 2018", "a@b"}) {
+    EXPECT_THAT(outline(entry("one") + "From " + end + "\n" + mail("two")), ElementsAre("one")) << end;
+  }
+  EXPECT_EQ(questionIn("As he wrote,\n" + std::string{separator} + "could we meet?\n"),
+            "As he wrote, From zoe@example.org Thu Mar 5 09:15:00 2026 could we meet?");
 }
 
 TEST_F(Mailbox, OfMboxFormGivesEscapedLinesAsTheyWereSent) {
@@ -116,7 +133,7 @@ TEST_F(Mailbox, TellsHowFarItIsRead) {
   EXPECT_EQ(source.bytesTotal(), content.size());
   EXPECT_EQ(source.bytesRead(), 0U);
   const auto first = source.next();
-  EXPECT_EQ(source.bytesRead(), entry("one").size() + 1);
+  EXPECT_EQ(source.bytesRead(), entry("one").size() + 1 + separator.size());
   EXPECT_EQ(first, source.next()) << "a copy is given as often as it is there";
   EXPECT_EQ(source.bytesRead(), content.size());
   EXPECT_EQ(source.next(), std::nullopt);
