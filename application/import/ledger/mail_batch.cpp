@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "application/import/ledger/bounded_text.h"
+#include "application/import/mail/question_detector.h"
 
 namespace orvan {
 namespace {
@@ -94,8 +95,8 @@ void MailBatch::add(MailMessage message, const std::set<std::string>& ownAddress
     mail.sentAt = message.sentAt;
     mail.subject = leadingCharacters(std::move(message.subject), mostSubjectCharacters);
   }
-  if (mail.use == PreparedMail::Use::history && message.question && !mail.isFromUser && !mail.isGroup) {
-    mail.question = leadingCharacters(std::move(*message.question), mostQuestionCharacters);
+  if (mail.use == PreparedMail::Use::history && message.ownWords && !mail.isFromUser && !mail.isGroup) {
+    mail.question = firstQuestion(*message.ownWords, readerNames(message, ownAddresses));
   }
   bytes_ += bytesOf(mail);
   mails_.push_back(std::move(mail));

@@ -41,13 +41,13 @@ struct TestMail {
   Texts references = {};
   std::string subject = "Hello";
   std::string fromName = {};
-  std::optional<std::string> question = {};
+  std::optional<std::string> ownWords = {};
   bool isList = false;
   bool isAutomated = false;
 
   operator MailItem() const { // NOLINT(google-explicit-constructor): a list of items reads as one of mails.
     MailMessage message{id, references, instantOf(at), {{fromName, from}}, {},
-                        {}, subject,    isList,        isAutomated,        question};
+                        {}, subject,    isList,        isAutomated,        ownWords};
     for (const auto& address : to) {
       message.to.push_back({"", address});
     }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "OrvanPlatform/internet_date_time.h"
+#include "application/import/mail/question_detector.h"
 
 namespace orvan {
 namespace {
@@ -36,12 +37,16 @@ std::string text(const std::string& kind, const std::string& body) {
   return "Content-Type: text/" + kind + "; charset=utf-8\n\n" + body + "\n";
 }
 
+std::optional<std::string> questionIn(const MailMessage& mail) {
+  return mail.ownWords ? firstQuestion(*mail.ownWords) : std::nullopt;
+}
+
 std::optional<std::string> questionOfParts(const std::vector<std::string>& parts) {
   std::string body = "preamble, is it read?\n";
   for (const auto& part : parts) {
     body += "--b\n" + part;
   }
-  return message("Content-Type: multipart/mixed; boundary=\"b\"\n", body + "--b--\nepilogue").question;
+  return questionIn(message("Content-Type: multipart/mixed; boundary=\"b\"\n", body + "--b--\nepilogue"));
 }
 
 TEST(MailDates, AreWholeSecondsInUtc) {
@@ -124,7 +129,7 @@ TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
         "From: noreply2@example.org\n", "From: MAILER-DAEMON@example.org\n", "From: bounces+7=a@example.org\n"}) {
     const auto mail = message(header, "Are you there?\n");
     EXPECT_TRUE(mail.isAutomated) << header;
-    EXPECT_EQ(mail.question, std::nullopt) << header;
+    EXPECT_EQ(mail.ownWords, std::nullopt) << header;
   }
   for (const char* header :
        {"Auto-Submitted: no\n", "Precedence: first-class\n", "List-Post: <mailto:team@example.org>\n",
@@ -132,10 +137,10 @@ TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
         "Subject: Forward: plan\n"}) {
     const auto mail = message(header, "Are you there?\n");
     EXPECT_FALSE(mail.isAutomated) << header;
-    EXPECT_EQ(mail.question, "Are you there?") << header;
+    EXPECT_EQ(questionIn(mail), "Are you there?") << header;
   }
   for (const char* subject : {"Fwd: plan\n", "FW: plan\n", "WG: Plan\n", "[Fwd: plan]\n"}) {
-    EXPECT_EQ(message(std::string{"Subject: "} + subject, "Are you there?\n").question, std::nullopt) << subject;
+    EXPECT_EQ(message(std::string{"Subject: "} + subject, "Are you there?\n").ownWords, std::nullopt) << subject;
   }
   EXPECT_TRUE(message("List-Id: x\n").isListMail);
   EXPECT_TRUE(message("List-Unsubscribe: x\n").isListMail);
@@ -178,7 +183,7 @@ TEST(Bodies, AreDecodedWhateverTheirCharset) {
       {"Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
       {"", std::string("Are\0 you there?\n", 16), "Are you there?"}};
   for (const auto& [fields, body, question] : bodies) {
-    EXPECT_EQ(message(fields, body).question, question) << fields;
+    EXPECT_EQ(questionIn(message(fields, body)), question) << fields;
   }
 }
 
@@ -191,7 +196,7 @@ TEST(Bodies, NestedWithoutEndAreGivenUp) {
   }
   EXPECT_EQ(questionOfParts({body + text("plain", "Is this deep?")}), std::nullopt);
   EXPECT_EQ(questionOfParts({body, text("plain", "Is this after it?")}), "Is this after it?");
-  EXPECT_EQ(message("Content-Type: multipart/mixed\n", text("plain", "Is there no boundary?")).question, std::nullopt);
+  EXPECT_EQ(message("Content-Type: multipart/mixed\n", text("plain", "Is there no boundary?")).ownWords, std::nullopt);
 }
 
 } // namespace

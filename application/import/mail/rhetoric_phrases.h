@@ -1,0 +1,39 @@
+#pragma once
+
+#include "application/import/mail/phrase_list.h"
+
+namespace orvan {
+
+// What people and programs say in questions that wait for nothing, a line or so for each language.
+
+/// Words before and after a phrase that do not change what it says.
+const PhraseList& leadWords();
+const PhraseList& tailWords();
+/// A sentence that says no more than one of these waits for nothing, nor does one that ends in one after a comma:
+/// courtesies, figures of speech, and formulas of bulk mail.
+const PhraseList& courtesies();
+const PhraseList& figuresOfSpeech();
+const PhraseList& bulkFormulas();
+/// These wait for something only when they are all that is said.
+const PhraseList& echoes();
+/// However a sentence that begins so goes on, it waits for nothing.
+const PhraseList& emptyBeginnings();
+/// Fragments with which readers of advertisements are asked what they wish, and what they are then told to do.
+const PhraseList& offerBeginnings();
+const PhraseList& calls();
+/// How the words go on after a question that its writer answers.
+const PhraseList& answers();
+const PhraseList& thanks();
+/// What is said of something that one only wants to praise or to laugh at, how such an exclamation begins, and by what
+/// little question it is turned into one.
+const PhraseList& judgements();
+const PhraseList& exclamationBeginnings();
+const PhraseList& tags();
+/// Words by which somebody's question is told.
+const PhraseList& reportingWords();
+/// Words for the reader.
+const PhraseList& readerWords();
+/// How a question to all begins.
+const PhraseList& everybodyBeginnings();
+
+} // namespace orvan
