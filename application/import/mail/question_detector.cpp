@@ -81,8 +81,17 @@ Shown howShown(const LetterCounts& counts) noexcept {
                                                                            : Shown::notAtAll;
 }
 
-/// Without the list bullet, opening quotation mark or bracket in front of it.
+/// Without the number in front of an entry of a list.
+std::string_view withoutNumber(std::string_view sentence) noexcept {
+  const auto mark = sentence.find_first_not_of("0123456789");
+  const bool isNumbered = mark != std::string_view::npos && mark > 0 && mark <= 2 &&
+                          (sentence.substr(mark).starts_with(". ") || sentence.substr(mark).starts_with(") "));
+  return isNumbered ? sentence.substr(mark + 2) : sentence;
+}
+
+/// Without the list bullet, number, opening quotation mark or bracket in front of it.
 std::string_view withoutOpeningMarks(std::string_view sentence) noexcept {
+  sentence = withoutNumber(sentence);
   for (std::size_t position = 0; position < sentence.size();) {
     const auto start = position;
     const auto character = takeCharacter(sentence, position);

@@ -193,7 +193,7 @@ bool isRhetorical(const Sentence& question, std::string_view previous) {
 bool asksEverybody(std::string_view question) {
   const auto clauses = clausesOf(question);
   const auto isToAll = [](const Clause& clause) { return everybodyBeginnings().beginOf(withoutLead(clause)); };
-  const auto namesReader = [](const Clause& clause) { return readerWords().containsWordOf(clause); };
+  const auto namesReader = [](const Clause& clause) { return readerOnlyWords().containsWordOf(clause); };
   return (isToAll(clauses.front()) || isToAll(clauses.back())) && std::ranges::none_of(clauses, namesReader);
 }
 

@@ -197,6 +197,11 @@ const PhraseList& readerWords() {
   return list;
 }
 
+const PhraseList& readerOnlyWords() {
+  static const PhraseList list{"you | your | dir | dich | dein | deine | deinem | deiner | euch"};
+  return list;
+}
+
 const PhraseList& everybodyBeginnings() {
   static const PhraseList list{R"(
     does anyone | does anybody | has anyone | has anybody | is anyone | is anybody | can anyone | can anybody | anyone

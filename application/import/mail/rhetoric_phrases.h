@@ -31,8 +31,9 @@ const PhraseList& exclamationBeginnings();
 const PhraseList& tags();
 /// Words by which somebody's question is told.
 const PhraseList& reportingWords();
-/// Words for the reader.
+/// Words for the reader, and those among them that mean nothing else in another language.
 const PhraseList& readerWords();
+const PhraseList& readerOnlyWords();
 /// How a question to all begins.
 const PhraseList& everybodyBeginnings();
 

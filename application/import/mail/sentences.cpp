@@ -11,6 +11,9 @@
 namespace orvan {
 namespace {
 
+/// A question begins at this one, whatever comes before it.
+constexpr UChar32 invertedMark = 0xBF;
+
 bool isWhiteSpace(UChar32 character) noexcept {
   return u_isUWhiteSpace(character) != 0;
 }
@@ -32,11 +35,25 @@ bool isQuestionMark(UChar32 character) noexcept {
 
 /// Titles and initials, whose full stop does not end a sentence.
 bool isAbbreviation(std::string_view word) noexcept {
-  constexpr std::array<std::string_view, 20> known{"Dr", "Mr", "Mrs", "Ms",  "Prof",   "St",  "vs",
-                                                   "Hr", "Fr", "Sr",  "Sra", "bzw",    "e.g", "i.e",
-                                                   "ca", "Nr", "No",  "no",  "approx", "ggf"};
+  constexpr std::array<std::string_view, 18> known{"Dr", "Mr",  "Mrs", "Ms",  "Prof", "St", "vs", "Hr",     "Fr",
+                                                   "Sr", "Sra", "bzw", "e.g", "i.e",  "ca", "Nr", "approx", "ggf"};
   const bool isInitial = word.size() == 1 && u_isalpha(word.front()) != 0;
   return isInitial || std::ranges::find(known, word) != known.end();
+}
+
+/// "3. Mai", and the number of a list's entry.
+bool isOrdinal(std::string_view word, std::string_view following, bool isFirstWord) {
+  constexpr std::array months{"Jan", "Feb", "Mär", "Apr", "Mai", "Jun", "Jul", "Aug", "Sep", "Okt", "Nov", "Dez"};
+  const bool isShortNumber = word.size() <= 2 && word.find_first_not_of("0123456789") == std::string_view::npos;
+  const auto next = trimmed(following.substr(0, 8));
+  const bool isDay = std::ranges::any_of(months, [next](const char* month) { return next.starts_with(month); });
+  return isShortNumber && (isDay || isFirstWord);
+}
+
+/// Before a lower-case word, short words are taken for abbreviations ("etc. and so on").
+bool mayBeAbbreviation(std::string_view word) noexcept {
+  constexpr std::size_t longestAbbreviation = 4;
+  return word.size() <= longestAbbreviation || word.contains('.');
 }
 
 /// Whether `word` is an expression that a program matches texts with, "*.c" or "[a-z]+".
@@ -72,6 +89,10 @@ std::optional<Sentence> SentenceReader::next() {
   while (position_ < text_.size()) {
     const auto markStart = position_;
     const auto mark = takeCharacter(text_, position_);
+    if (mark == invertedMark && start_ < markStart && !trimmed(text_.substr(start_, markStart - start_)).empty()) {
+      position_ = markStart;
+      return take(false);
+    }
     if (isQuestionMark(mark) && asks(markStart, mark)) {
       if (const auto question = takeQuestion(markStart)) {
         return question;
@@ -136,10 +157,16 @@ bool SentenceReader::isTernary(std::size_t markStart) const noexcept {
 bool SentenceReader::endsStatement(std::size_t markStart, UChar32 mark) const {
   switch (mark) {
     case '!':
+      return endsWord(markStart, mark);
     case 0x2026:
       return endsWord(markStart, mark) && !lowerCaseFollows();
-    case '.':
-      return endsWord(markStart, mark) && !lowerCaseFollows() && !isAbbreviation(wordBefore(markStart));
+    case '.': {
+      const auto word = wordBefore(markStart);
+      const bool isFirstWord = markStart - start_ <= word.size() + 1;
+      return endsWord(markStart, mark) && !isAbbreviation(word) &&
+             !isOrdinal(word, text_.substr(position_), isFirstWord) &&
+             !(lowerCaseFollows() && mayBeAbbreviation(word));
+    }
     default:
       return !isQuestionMark(mark) && endsSentenceAnywhere(mark);
   }
@@ -158,8 +185,7 @@ bool SentenceReader::endsWord(std::size_t markStart, UChar32 mark) const {
   const auto character = nextThatIsNot([](UChar32 following) {
     return isClosingMark(following) || following == '?' || following == '!' || following == '.';
   });
-  return character == 0 || isWhiteSpace(character) || character == ',' || character == ';' || character == ':' ||
-         (character >= 0x80 && u_isalpha(character) == 0);
+  return character == 0 || isWhiteSpace(character) || (character >= 0x80 && u_isalpha(character) == 0);
 }
 
 bool SentenceReader::lowerCaseFollows() const noexcept {

@@ -160,7 +160,7 @@ TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
       {{text("html",
              "<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
              "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")},
-       "Hi Zoë, d'you come too?"},
+       "d'you come too?"},
       {{text("html", "<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}, {}},
       {{text("html", "Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
   for (const auto& [parts, question] : bodies) {
@@ -178,7 +178,7 @@ TEST(Bodies, AreDecodedWhateverTheirCharset) {
        "Gehen wir nach Z=C3=BCr=\nich?\n", "Gehen wir nach Zürich?"},
       {"Content-Transfer-Encoding: BASE64\n", "QXJlIHlv\ndSB0aGVy\nZT8=\n", "Are you there?"},
       {"Content-Type: text/plain; charset=\"ISO-8859-1\"\n", "Nach Z\xfcrich \x93heute\x94?\n", "Nach Zürich “heute”?"},
-      {"Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xba\xc3\xc2\xf0\xa3\xbf", "你好吗？"},
+      {"Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xc0\xb4\xc2\xf0\xa3\xbf", "你来吗？"},
       {"Content-Type: text/plain; charset=no-such\n", "Nach Z\xfcrich?\n", "Nach Zürich?"},
       {"Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
       {"", std::string("Are\0 you there?\n", 16), "Are you there?"}};
