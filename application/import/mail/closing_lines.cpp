@@ -37,10 +37,15 @@ constexpr std::array noticeBeginnings{
 constexpr std::array notices{
     "intended recipient", "confidential", "the environment", "received this", "print", "vertraulich",
     "confidentiel",       "confidencia",  "riservat",        "vertrouwelijk", "poufn", "конфиденц"};
-constexpr std::array bulkWords{
-    "unsubscribe", "in your browser", "in browser",  "email preferences", "privacy policy", "abmelden",  "abbestellen",
-    "im browser",  "désabonner",      "désinscrire", "version en ligne",  "darse de baja",  "disiscriv", "uitschrijven",
-    "afmelden",    "wypisz",          "отписаться",  "odhlásit",          "avregistrera",   "退订",      "配信停止"};
+/// What only bulk mail offers: in a line of its own or beside a link; and what it always means.
+constexpr std::array unsubscribing{"unsubscribe",   "abmelden",  "abbestellen",  "désabonner", "désinscrire",
+                                   "darse de baja", "disiscriv", "uitschrijven", "afmelden",   "wypisz",
+                                   "отписаться",    "odhlásit",  "avregistrera", "退订",       "配信停止"};
+constexpr std::array browserOffers{"view in browser",    "view in your browser", "view it in your browser",
+                                   "view this email in", "view this message in", "read this email in",
+                                   "im browser ansehen", "im browser anzeigen",  "im browser öffnen",
+                                   "version en ligne",   "ver en el navegador",  "nel browser",
+                                   "bekijk in browser",  "bekijk deze"};
 constexpr std::array linkWords{"http", "click", "here", "klick", "hier", "cliquez", "aquí", "clic", "klik"};
 
 std::ptrdiff_t wordsOf(std::string_view line) noexcept {
@@ -60,18 +65,15 @@ bool containsOneOf(std::string_view line, const auto& parts) {
   return std::ranges::any_of(parts, [line](const char* part) { return line.contains(part); });
 }
 
-/// Whether one of the words of `line` begins with one of `stems`.
-bool hasWordOf(std::string_view line, const auto& stems) {
-  return std::ranges::any_of(stems, [line](std::string_view stem) {
-    const auto found = line.find(stem);
-    return found != std::string_view::npos && (found == 0 || line[found - 1] == ' ');
-  });
-}
-
+/// "Kind regards", "Thanks again": its first or its last word is one that closes.
 bool isClosing(std::string_view line) {
   constexpr std::ptrdiff_t mostWords = 5;
-  return !line.empty() && wordsOf(line) <= mostWords && !std::string_view{"?:;"}.contains(line.back()) &&
-         hasWordOf(lowerCasedStart(line), closings);
+  if (line.empty() || wordsOf(line) > mostWords || std::string_view{"?:;"}.contains(line.back())) {
+    return false;
+  }
+  const auto lower = lowerCasedStart(line);
+  const auto lastWord = std::string_view{lower}.substr(lower.rfind(' ') + 1);
+  return startsWithOneOf(lower, closings) || startsWithOneOf(lastWord, closings);
 }
 
 /// "Tom Miller", "tom", "Dr. H. Vogel", "Jan van Dam"
@@ -124,11 +126,11 @@ bool marksBulkMail(std::string_view line) {
     return false;
   }
   const auto lower = lowerCasedStart(line);
-  if (!containsOneOf(lower, bulkWords)) {
-    return false;
+  if (containsOneOf(lower, browserOffers)) {
+    return true;
   }
-  const bool isEntry = wordsOf(line) <= mostWords && !std::string_view{".?!"}.contains(line.back());
-  return isEntry || containsOneOf(lower, linkWords);
+  const bool isEntry = wordsOf(line) <= mostWords && !std::string_view{".!"}.contains(line.back());
+  return containsOneOf(lower, unsubscribing) && !line.contains('?') && (isEntry || containsOneOf(lower, linkWords));
 }
 
 } // namespace orvan

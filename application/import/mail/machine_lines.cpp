@@ -8,9 +8,9 @@ namespace orvan {
 namespace {
 
 constexpr std::array patchBeginnings{"diff --git ", "diff -", "RCS file: ", "retrieving revision "};
-constexpr std::array codeBeginnings{"//",      "/*",          "#include", "#define",     "#!",         "$ ",
-                                    "SELECT ", "INSERT INTO", "UPDATE ",  "DELETE FROM", "CREATE ",    "WHERE ",
-                                    "VALUES ", "ALTER ",      "File \"",  "Traceback (", "Caused by: "};
+constexpr std::array codeBeginnings{"//",          "/*",      "#include",    "#define",    "#!",     "SELECT ",
+                                    "INSERT INTO", "UPDATE ", "DELETE FROM", "CREATE ",    "WHERE ", "VALUES ",
+                                    "ALTER ",      "File \"", "Traceback (", "Caused by: "};
 
 bool startsWithOneOf(std::string_view line, const auto& beginnings) {
   return std::ranges::any_of(beginnings, [line](const char* beginning) { return line.starts_with(beginning); });
@@ -59,9 +59,18 @@ bool isCommit(std::string_view line) noexcept {
 
 /// A moment to the second, as logs and exported chats begin their entries.
 bool beginsWithLogTime(std::string_view line) noexcept {
-  constexpr std::array times{"9999-99-99 99:99", "9999-99-99T99:99", "99:99:99",          "[99:99",
-                             "[9999-99-",        "[99.99.",          "[99/99/",           "aaa 99 99:99:99",
-                             "aaa  9 99:99:99",  "99.99.99, 99:99",  "99.99.9999, 99:99", "99/99/9999, 99:99"};
+  constexpr std::array times{"9999-99-99 99:99:99",
+                             "9999-99-99T99:99:99",
+                             "99:99:99",
+                             "[99:99",
+                             "[9999-99-",
+                             "[99.99.",
+                             "[99/99/",
+                             "aaa 99 99:99:99",
+                             "aaa  9 99:99:99",
+                             "99.99.99, 99:99 - ",
+                             "99.99.9999, 99:99 - ",
+                             "99/99/9999, 99:99 - "};
   return std::ranges::any_of(times, [line](const char* time) { return beginsLike(line, time); });
 }
 
@@ -89,8 +98,9 @@ bool beginsPatch(TextLines lines) {
 }
 
 bool isMachineLine(std::string_view line) {
-  return !line.empty() && (startsWithOneOf(line, codeBeginnings) || beginsWithLogTime(line) || endsAsCode(line) ||
-                           (line.starts_with("at ") && line.ends_with(')') && line.contains(".java:")));
+  return !line.empty() &&
+         (startsWithOneOf(line, codeBeginnings) || beginsLike(line, "$ a") || beginsWithLogTime(line) ||
+          endsAsCode(line) || (line.starts_with("at ") && line.ends_with(')') && line.contains(".java:")));
 }
 
 } // namespace orvan

@@ -189,7 +189,7 @@ class QuestionFinder {
     if (shown == Shown::notAtAll || !isTheUsers(sentence.text) || isRhetorical(sentence, previous_)) {
       return std::nullopt;
     }
-    if (shown == Shown::withSentenceBefore && !previous_.empty()) {
+    if ((shown == Shown::withSentenceBefore || asksForConsent(question)) && !previous_.empty()) {
       const auto both = onOneLine(withoutOpeningMarks(previous_)) + ' ' + question;
       question = endOfCharacters(both, mostCharacters) == both.size() ? both : question;
     }

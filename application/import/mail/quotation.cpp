@@ -12,13 +12,13 @@ namespace {
 // What mail programs write around the mail they quote, in the languages they speak.
 
 /// How a line begins that introduces a quotation with a date: "On Monday, 2 March 2026, ...".
-constexpr std::array attributionOpeners{"On ", "Am ",     "Le ",   "El ",  "Il ", "Em ",      "Op ", "Den ",
-                                        "På ", "W dniu ", "Dnia ", "Dne ", "В ",  "Quoting ", "In "};
-constexpr std::array attributionVerbs{"wrote",      "writes",     "said",     "schrieb",    "schreibt", "a écrit",
-                                      "écrit",      "escribió",   "escribe",  "ha scritto", "scrisse",  "escreveu",
-                                      "schreef",    "skrev",      "skriver",  "kirjoitti",  "napisał",  "pisze",
-                                      "napsal",     "пишет",      "писал",    "yazdı",      "写道",     "寫道",
-                                      "书きました", "書きました", "のメール", "Quoting"};
+constexpr std::array attributionOpeners{"On ", "Am ",      "Le ",         "El ",        "Il ",   "Em ",
+                                        "Op ", "Den ",     "På ",         "W dniu ",    "Dnia ", "Dne ",
+                                        "В ",  "Quoting ", "In article ", "In message "};
+constexpr std::array attributionVerbs{
+    "wrote",   "writes",   "schrieb", "schreibt", "a écrit", "écrit",      "escribió", "escribe", "ha scritto",
+    "scrisse", "escreveu", "schreef", "skrev",    "skriver", "kirjoitti",  "napisał",  "pisze",   "napsal",
+    "пишет",   "писал",    "yazdı",   "写道",     "寫道",    "書きました", "のメール", "Quoting"};
 constexpr std::array forwardBeginnings{
     "Begin forwarded message",    "Anfang der weitergeleiteten", "Début du message",  "Inicio del mensaje reenviado",
     "Inizio messaggio inoltrato", "Begin doorgestuurd bericht",  "Início da mensagem"};
@@ -126,6 +126,20 @@ std::string joined(TextLines lines) {
   return text;
 }
 
+bool hasTimeOfDay(std::string_view text) noexcept {
+  for (auto colon = text.find(':'); colon != std::string_view::npos; colon = text.find(':', colon + 1)) {
+    if (colon > 0 && isDigit(text[colon - 1]) && colon + 1 < text.size() && isDigit(text[colon + 1])) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool endsWithVerb(std::string_view text) {
+  const auto words = trimmed(text.substr(0, text.find_last_not_of(":： ") + 1));
+  return std::ranges::any_of(attributionVerbs, [words](const char* verb) { return words.ends_with(verb); });
+}
+
 // --- Heads of mails -------------------------------------------------------------------------------------------------
 
 /// "-----Original Message-----", "---------- Forwarded message ---------"
@@ -205,7 +219,8 @@ Attribution attributionAtStart(TextLines lines) {
     return {};
   }
   const bool beginsAsOne = startsWithOneOf(text, attributionOpeners) || isDigit(text.front());
-  return {introduction.size(), isAddressAndDate || (beginsAsOne && (hasAddress || hasDigit))};
+  const bool isPrecise = hasAddress || hasTimeOfDay(text) || (hasDigit && endsWithVerb(text));
+  return {introduction.size(), isAddressAndDate || (beginsAsOne && isPrecise)};
 }
 
 std::size_t separatorAtStart(TextLines lines) {

@@ -22,6 +22,9 @@ constexpr std::array greetings{
     "cześć",    "drogi",  "droga",   "привет", "уважаемый", "уважаемая", "ahoj",     "čau",     "hej",     "kära",
     "hei",      "moi",    "mr",      "mrs",    "ms",        "dr",        "herr",     "frau",    "madame",  "monsieur",
     "señor",    "señora", "signora", "prof"};
+/// Mailboxes of many, so that who greets them greets the user, too.
+constexpr std::array groups{"all",  "everyone", "everybody", "group", "info", "list", "office",
+                            "team", "staff",    "board",     "alle",  "tous", "todos"};
 constexpr std::array connectors{"and", "&", "und", "et", "y", "e", "en", "i", "и", "a", "och", "og", "ja", "+"};
 
 bool isOneOf(const auto& words, std::string_view word) {
@@ -123,7 +126,7 @@ ReaderNames readerNames(const MailMessage& message, const std::set<std::string>&
     }
   }
   std::ranges::copy_if(others, std::back_inserter(names.others),
-                       [&names](const std::string& word) { return !isOneOf(names.own, word); });
+                       [&names](const auto& word) { return !isOneOf(names.own, word) && !isOneOf(groups, word); });
   return names;
 }
 
@@ -141,12 +144,12 @@ Address addressAtStart(std::string_view text, const ReaderNames& names) {
   for (int words = 0, greetingWords = 0; words < mostWords && !text.empty(); ++words) {
     const auto rest = text;
     const auto word = takeWord(text);
-    if (found.take(word)) {
-      isEnded = word.endsPhrase || word.isMentioned;
-    } else if (found.addressee() == Addressee::nobodyByName && greetingWords < mostGreetingWords &&
-               isOneOf(greetings, word.letters)) {
+    if (found.addressee() == Addressee::nobodyByName && greetingWords < mostGreetingWords &&
+        isOneOf(greetings, word.letters)) {
       ++greetingWords;
       isGreeting = true;
+    } else if (found.take(word)) {
+      isEnded = word.endsPhrase || word.isMentioned;
     } else if (found.addressee() == Addressee::nobodyByName || !isOneOf(connectors, word.letters)) {
       text = rest;
       break;

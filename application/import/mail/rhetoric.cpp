@@ -103,10 +103,6 @@ bool isPhrase(std::string_view words, const PhraseList& phrases) {
   return phrases.contains(words) || phrases.contains(core) || phrases.contains(withoutTail(core));
 }
 
-bool isEmptyPhrase(std::string_view words) {
-  return isPhrase(words, courtesies()) || isPhrase(words, figuresOfSpeech()) || isPhrase(words, bulkFormulas());
-}
-
 /// The first words of what follows, as far as they matter.
 Clause startOf(std::string_view following) {
   constexpr std::size_t mostBytes = 80;
@@ -115,11 +111,42 @@ Clause startOf(std::string_view following) {
 
 // --- Kinds of questions that wait for nothing -----------------------------------------------------------------------
 
-/// A phrase may be followed by the reader's name: "How are you, Anna?"
-bool endsInEmptyPhrase(const std::vector<Clause>& clauses) {
+/// "On dit 20 h. Ça va ?" asks for consent; "Salut Anna. Ça va ?" does not.
+bool followsProposal(std::string_view previous) {
+  constexpr std::ptrdiff_t longestGreeting = 3;
+  const auto words = startOf(previous);
+  return wordsOf(words) > longestGreeting && !thanks().beginOf(words);
+}
+
+/// "How are you?", or the same after a few words of greeting.
+bool isCourtesy(const std::vector<Clause>& clauses, std::string_view previous) {
+  constexpr std::ptrdiff_t longestGreeting = 4;
   const auto& last = clauses.back();
-  return isEmptyPhrase(last) ||
-         (clauses.size() > 1 && wordsOf(last) <= 2 && isEmptyPhrase(clauses[clauses.size() - 2]));
+  if (!isPhrase(last, courtesies())) {
+    return false;
+  }
+  const bool mayAgree = agreements().contains(last);
+  if (clauses.size() == 1) {
+    return !mayAgree || !followsProposal(previous);
+  }
+  const auto& first = clauses.front();
+  return (!mayAgree && wordsOf(first) <= longestGreeting) || leadWords().beginOf(first) || thanks().beginOf(first);
+}
+
+bool isFigureOfSpeech(const Clause& clause) {
+  return isPhrase(clause, figuresOfSpeech()) || isPhrase(clause, bulkFormulas());
+}
+
+/// A phrase may be followed by the reader's name: "How are you, Anna?"
+bool endsInEmptyPhrase(const std::vector<Clause>& clauses, std::string_view previous) {
+  if (isCourtesy(clauses, previous) || isFigureOfSpeech(clauses.back())) {
+    return true;
+  }
+  if (clauses.size() == 1 || wordsOf(clauses.back()) > 2 || agreements().contains(clauses.back())) {
+    return false;
+  }
+  const std::vector<Clause> withoutName{clauses.begin(), clauses.end() - 1};
+  return isCourtesy(withoutName, previous) || isFigureOfSpeech(withoutName.back());
 }
 
 bool beginsEmptily(const std::vector<Clause>& clauses) {
@@ -132,10 +159,23 @@ bool isEcho(const std::vector<Clause>& clauses, std::string_view previous, std::
   return !isAlone && isPhrase(clauses.back(), echoes()) && (clauses.size() == 1 || wordsOf(clauses.back()) > 1);
 }
 
+/// "Isn't that great?", "How cool is that?"
 bool isExclamation(const std::vector<Clause>& clauses) {
   constexpr std::ptrdiff_t mostWords = 6;
   const auto words = withoutLead(clauses.back());
-  return wordsOf(words) <= mostWords && exclamationBeginnings().beginOf(words) && judgements().containsWordOf(words);
+  if (wordsOf(words) > mostWords || !judgements().containsWordOf(words)) {
+    return false;
+  }
+  const auto wordsAfterJudgement = withoutFirstWord(withoutFirstWord(words));
+  const bool isHow = firstWordOf(words) == "how" || firstWordOf(words) == "wie";
+  return exclamationBeginnings().beginOf(words) || (isHow && exclamationEnds().contains(wordsAfterJudgement));
+}
+
+bool isAnsweredAtOnce(const std::vector<Clause>& clauses, std::string_view following) {
+  const auto answer = startOf(following);
+  const bool asksWhy =
+      whyWords().beginOf(withoutLead(clauses.front())) || whyWords().beginOf(withoutLead(clauses.back()));
+  return ignorance().beginOf(answer) || (asksWhy && reasons().beginOf(answer));
 }
 
 bool isPraiseWithTag(const std::vector<Clause>& clauses) {
@@ -167,27 +207,31 @@ Smile smileAfter(std::string_view following) noexcept {
 
 /// A smiling question is still one when it asks its reader for something.
 bool isJoke(const std::vector<Clause>& clauses, std::string_view following) {
-  constexpr std::ptrdiff_t mostWords = 3;
   const auto smile = smileAfter(following);
   const bool isDirect =
       std::ranges::any_of(clauses, [](const Clause& clause) { return readerWords().containsWordOf(clause); });
   return smile != Smile::none && !isDirect && clauses.size() == 1 &&
-         (wordsOf(clauses.front()) <= mostWords || smile == Smile::wink);
+         (wordsOf(clauses.front()) <= 1 || smile == Smile::wink);
 }
 
 /// "Thanks for everything. OK?"
 bool isThanks(const std::vector<Clause>& clauses, std::string_view previous) {
-  return clauses.size() == 1 && wordsOf(clauses.front()) == 1 && thanks().beginOf(startOf(previous));
+  return clauses.size() == 1 && agreements().contains(clauses.front()) && thanks().beginOf(startOf(previous));
 }
 
 } // namespace
 
 bool isRhetorical(const Sentence& question, std::string_view previous) {
   const auto clauses = clausesOf(question.text);
-  return question.isReported || endsInEmptyPhrase(clauses) || beginsEmptily(clauses) ||
+  return question.isReported || endsInEmptyPhrase(clauses, previous) || beginsEmptily(clauses) ||
          isEcho(clauses, previous, question.following) || isExclamation(clauses) || isPraiseWithTag(clauses) ||
-         isOffer(clauses, question.following) || answers().beginOf(startOf(question.following)) ||
+         isOffer(clauses, question.following) || isAnsweredAtOnce(clauses, question.following) ||
          isToldOf(clauses, question.text) || isJoke(clauses, question.following) || isThanks(clauses, previous);
+}
+
+bool asksForConsent(std::string_view question) {
+  constexpr std::size_t longestPhrase = 40;
+  return question.size() <= longestPhrase && agreements().contains(clausesOf(question).front());
 }
 
 bool asksEverybody(std::string_view question) {

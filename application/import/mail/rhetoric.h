@@ -13,6 +13,9 @@ namespace orvan {
 /// Tags that ask for a confirmation ("You'll come, right?") are questions.
 bool isRhetorical(const Sentence& question, std::string_view previous);
 
+/// Whether `question` says no more than "OK?", so that it takes the sentence before it to know what is asked.
+bool asksForConsent(std::string_view question);
+
 /// Whether `question` is put to whoever knows or likes ("Does anybody have a ladder?") rather than to its reader.
 bool asksEverybody(std::string_view question);
 

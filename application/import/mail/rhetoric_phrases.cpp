@@ -51,7 +51,7 @@ const PhraseList& figuresOfSpeech() {
   static const PhraseList list{R"(
     who knows | who cares | so what | what else is new | what now | guess what | you know what | know what | where was i
     what can i say | what do i know | what can you do | what more could you want | what more can you want | why bother
-    need i say more | how hard can it be | what could go wrong | what could possibly go wrong | for what | what for
+    need i say more | how hard can it be | what could go wrong | what could possibly go wrong
     what's not to like | can you believe it | can you believe that | would you believe it | is it just me
     are you kidding | are you kidding me | you know | remember | know what i mean | you know what i mean | fyi
     see what i mean | who would have thought | who would have thought it | who'd have thought | who knew | get it
@@ -82,7 +82,7 @@ const PhraseList& bulkFormulas() {
 
 const PhraseList& echoes() {
   static const PhraseList list{R"(
-    why not | really | seriously | what | huh | eh | hm | hmm | oh | echt | wirklich | ernsthaft | im ernst | was
+    why not | what for | for what | really | seriously | what | huh | eh | hm | hmm | oh | echt | wirklich | ernsthaft | im ernst | was
     wie bitte | warum nicht | pourquoi pas | vraiment | ah bon | por qué no | de verdad | en serio | perché no | davvero
     waarom niet | porque não | por que não | a sério | sério | dlaczego nie | naprawdę | почему бы и нет | правда
     серьёзно | 本当 | 本当に | 真的吗 | proč ne | opravdu | varför inte | verkligen
@@ -122,9 +122,11 @@ const PhraseList& offerBeginnings() {
 
 const PhraseList& calls() {
   static const PhraseList list{R"(
-    click | visit | call | contact | book | view | open | shop | buy | save | manage | reset | check out | get | try
-    download | sign up | register | subscribe | learn | discover | read | find | rate | order | upgrade | join | start
-    reply to | just reply | see our | go to | change your | email us | write to | we can help | we help
+    click | visit | call us | call our | call now | call today | contact us | contact our | contact your | book | view
+    open | shop | buy | save | manage | reset | check out | get your | get started | get it | try our | try it | download
+    sign up | register | subscribe | learn | discover | read more | find out | find your | rate | order | upgrade
+    join us | join now | start your | start now | reply to | just reply | see our | go to | change your | email us
+    write to us | we can help | we help
     klicken | besuchen | rufen | hier | jetzt | entdecken | melden sie | kontaktieren | schreiben sie
     cliquez | consultez | découvrez | contactez | rendez-vous | profitez | haz clic | visita | descubre | contacta | llama
     clicca | scopri | contatta | chiama | klik | bezoek | ontdek | neem contact | clique | visite | descubra
@@ -133,11 +135,34 @@ const PhraseList& calls() {
   return list;
 }
 
-const PhraseList& answers() {
+const PhraseList& reasons() {
   static const PhraseList list{R"(
-    because | well because | no idea | simple | easy | weil | keine ahnung | ganz einfach | parce que | aucune idée
-    porque | ni idea | perché | boh | omdat | geen idee | não faço ideia | ponieważ | bo | потому что | понятия не имею
-    因为* | なぜなら* | protože | eftersom
+    because | well because | simple | easy | weil | ganz einfach | parce que | porque | perché | omdat | ponieważ | bo
+    потому что | 因为* | なぜなら* | protože | eftersom | för att
+  )"};
+  return list;
+}
+
+const PhraseList& whyWords() {
+  static const PhraseList list{R"(
+    why | how come | warum | wieso | weshalb | pourquoi | por qué | perché | waarom | por que | porquê | dlaczego | czemu
+    почему | зачем | 为什么* | なぜ* | どうして* | proč | varför | hvorfor | miksi | neden
+  )"};
+  return list;
+}
+
+const PhraseList& ignorance() {
+  static const PhraseList list{R"(
+    no idea | keine ahnung | aucune idée | ni idea | boh | geen idee | não faço ideia | nie mam pojęcia
+    понятия не имею | nemám tušení | ingen aning
+  )"};
+  return list;
+}
+
+const PhraseList& agreements() {
+  static const PhraseList list{R"(
+    ok | okay | right | alright | klar | alles klar | gut | d'accord | vale | va bene | ça va | todo bien | tutto bene
+    tudo bem | tudo bom | alles gut | alles goed | allt bra | todo bien
   )"};
   return list;
 }
@@ -153,7 +178,7 @@ const PhraseList& thanks() {
 const PhraseList& judgements() {
   static const PhraseList list{R"(
     great | nice | lovely | beautiful | wonderful | amazing | awesome | cool | funny | crazy | cute | sweet | ridiculous
-    weird | weather | fun | schön | toll | super | herrlich | lustig | witzig | verrückt | süß | wunderbar | geil | krass
+    weird | schön | toll | super | herrlich | lustig | witzig | verrückt | süß | wunderbar | geil | krass
     beau | belle | génial | drôle | magnifique | bonito | bonita | genial | maravilloso | gracioso
     bello | bella | fantastico | divertente | mooi | leuk | geweldig | lindo | linda | ótimo | piękne | świetne
     красиво | здорово | krásné | skvělé | fint | härligt
@@ -163,9 +188,14 @@ const PhraseList& judgements() {
 
 const PhraseList& exclamationBeginnings() {
   static const PhraseList list{R"(
-    isn't | aren't | wasn't | ain't | how | ist das nicht | ist es nicht | wie | c'est pas | n'est-ce pas | no es | non è
+    isn't | aren't | wasn't | ain't | ist das nicht | ist es nicht | c'est pas | n'est-ce pas | no es | non è
     is dat niet | is het niet | não é | czy to nie | разве | není to | är det inte
   )"};
+  return list;
+}
+
+const PhraseList& exclamationEnds() {
+  static const PhraseList list{"is that | is this | was that | ist das | ist das denn | war das | ist das bitte"};
   return list;
 }
 
@@ -206,20 +236,17 @@ const PhraseList& everybodyBeginnings() {
   static const PhraseList list{R"(
     does anyone | does anybody | has anyone | has anybody | is anyone | is anybody | can anyone | can anybody | anyone
     could anyone | could anybody | can someone | can somebody | could someone | could somebody | would anyone | anybody
-    would anybody | would someone | did anyone | did anybody | will anyone | is there anyone | is there anybody
-    who wants | who has | who can | who's in | who is in
-    kann jemand | kann wer | könnte jemand | hat jemand | hat wer | hat irgendjemand | weiß jemand | weiss jemand
-    weiß wer | kennt jemand | ist jemand | will jemand | möchte jemand | mag jemand | jemand | braucht jemand
-    gibt es jemanden | hätte jemand | wer hat | wer kann | wer möchte | wer weiß | wer kommt
-    quelqu'un | est-ce que quelqu'un | y a-t-il quelqu'un | qui peut | qui veut | est-ce que l'un d'entre vous
-    alguien | hay alguien | sabe alguien | tiene alguien | puede alguien | quién puede | quién quiere
-    qualcuno | c'è qualcuno | sa qualcuno | chi può | chi vuole | iemand | heeft iemand | kan iemand | weet iemand
-    is er iemand | wie kan | wie heeft | wie wil | alguém | há alguém | quem pode | quem quer | quem tem
-    ktoś | czy ktoś | ma ktoś | kto może | kto ma | kto chce | кто-нибудь | кто-то | есть кто-нибудь | кто может
-    у кого | может кто | может ли кто | 誰か* | どなたか* | 有人* | 有没有人* | 谁能* | 谁有* | 哪位* | 有誰*
-    má někdo | ví někdo | může někdo | někdo | kdo má | kdo může | neví někdo | nemá někdo
-    är det någon | någon | har någon | kan någon | vet någon | vem kan | vem har | noen | har noen | kan noen | vet noen
-    er der nogen | har nogen | kan nogen | nogen
+    would anybody | would someone | will anyone | do any of you | have any of you | who of you | who among you
+    kann jemand | kann wer | könnte jemand | hat jemand | hat irgendjemand | weiß jemand | weiss jemand | kennt jemand
+    ist jemand | will jemand | möchte jemand | mag jemand | jemand | braucht jemand | hätte jemand | wer von euch
+    quelqu'un | est-ce que quelqu'un | est-ce que l'un d'entre vous | qui d'entre vous
+    alguien | sabe alguien | tiene alguien | puede alguien | qualcuno | sa qualcuno | chi di voi
+    iemand | heeft iemand | kan iemand | weet iemand | wie van jullie | alguém
+    ktoś | czy ktoś | ma ktoś | кто-нибудь | кто-то | есть кто-нибудь | может кто | может ли кто
+    誰か* | どなたか* | 有人* | 有没有人* | 哪位* | 有誰*
+    má někdo | ví někdo | může někdo | někdo | neví někdo | nemá někdo
+    är det någon som | någon | har någon | kan någon | vet någon | noen | har noen | kan noen | vet noen
+    er der nogen som | har nogen | kan nogen | nogen
   )"};
   return list;
 }

@@ -21,13 +21,18 @@ const PhraseList& emptyBeginnings();
 /// Fragments with which readers of advertisements are asked what they wish, and what they are then told to do.
 const PhraseList& offerBeginnings();
 const PhraseList& calls();
-/// How the words go on after a question that its writer answers.
-const PhraseList& answers();
+/// How the words go on after a question that its writer answers: one that asks why, and any.
+const PhraseList& whyWords();
+const PhraseList& reasons();
+const PhraseList& ignorance();
+/// Little questions that ask for a consent after a proposal, and are courtesies elsewhere.
+const PhraseList& agreements();
 const PhraseList& thanks();
 /// What is said of something that one only wants to praise or to laugh at, how such an exclamation begins, and by what
 /// little question it is turned into one.
 const PhraseList& judgements();
 const PhraseList& exclamationBeginnings();
+const PhraseList& exclamationEnds();
 const PhraseList& tags();
 /// Words by which somebody's question is told.
 const PhraseList& reportingWords();

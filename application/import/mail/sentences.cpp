@@ -76,10 +76,12 @@ constexpr std::array<QuotationMarks, 8> quotationMarks{
 
 /// Whether a quotation that begins in `sentence` ends right behind it.
 bool endsQuotation(std::string_view sentence, std::string_view following) noexcept {
+  constexpr std::size_t longestQuotation = 300;
+  const auto near = sentence.substr(sentence.size() - std::min(sentence.size(), longestQuotation));
   return std::ranges::any_of(quotationMarks, [&](const QuotationMarks& marks) {
     const auto blanks = std::min(following.find_first_not_of(' '), following.size());
     return following.substr(marks.closing == "»" ? blanks : 0).starts_with(marks.closing) &&
-           sentence.contains(marks.opening);
+           near.contains(marks.opening);
   });
 }
 
@@ -132,7 +134,9 @@ std::optional<Sentence> SentenceReader::takeQuestion(std::size_t markStart) {
 
 bool SentenceReader::asks(std::size_t markStart, UChar32 mark) const {
   const auto word = wordBefore(markStart);
-  return endsWord(markStart, mark) && !isPattern(word) && !(isAddress(word) && lowerCaseFollows()) &&
+  const auto sentence = text_.substr(start_, markStart - start_);
+  const bool isWithinSentence = isAddress(word) || endsQuotation(sentence, text_.substr(position_));
+  return endsWord(markStart, mark) && !isPattern(word) && !(isWithinSentence && lowerCaseFollows()) &&
          !isBetweenBackticks(markStart) && !isTernary(markStart);
 }
 
@@ -164,8 +168,7 @@ bool SentenceReader::endsStatement(std::size_t markStart, UChar32 mark) const {
       const auto word = wordBefore(markStart);
       const bool isFirstWord = markStart - start_ <= word.size() + 1;
       return endsWord(markStart, mark) && !isAbbreviation(word) &&
-             !isOrdinal(word, text_.substr(position_), isFirstWord) &&
-             !(lowerCaseFollows() && mayBeAbbreviation(word));
+             !isOrdinal(word, text_.substr(position_), isFirstWord) && !(lowerCaseFollows() && mayBeAbbreviation(word));
     }
     default:
       return !isQuestionMark(mark) && endsSentenceAnywhere(mark);
