@@ -26,7 +26,7 @@ const PhraseList& courtesies() {
     how are you | how are you doing | how're you | how are things | how are things with you | how is it going
     how's it going | how's life | how is everything | how's everything | how have you been | how do you do | what's up
     how are the kids | how is the family | how's the family | how are you and the family | what's new | what is new
-    what's new with you | all well with you | all good with you | are you well | how are we today
+    what's new with you | all well with you | all good with you | how are we today
     wie geht's | wie gehts | wie geht es | wie geht es dir | wie geht's dir | wie gehts dir | wie geht es euch
     wie geht's euch | wie geht es ihnen | wie läuft's | wie läuft's bei dir | alles gut | alles gut bei dir
     alles gut bei euch | alles klar bei dir | alles klar bei euch | geht's dir gut | was gibt's neues

@@ -41,13 +41,13 @@ struct TestMail {
   Texts references = {};
   std::string subject = "Hello";
   std::string fromName = {};
-  std::optional<std::string> ownWords = {};
+  std::optional<std::string> question = {};
   bool isList = false;
   bool isAutomated = false;
 
   operator MailItem() const { // NOLINT(google-explicit-constructor): a list of items reads as one of mails.
     MailMessage message{id, references, instantOf(at), {{fromName, from}}, {},
-                        {}, subject,    isList,        isAutomated,        ownWords};
+                        {}, subject,    isList,        isAutomated,        question};
     for (const auto& address : to) {
       message.to.push_back({"", address});
     }

@@ -67,7 +67,7 @@ TEST(ImportedMail, ToSeveralPeopleKeepsNobodyWaiting) {
 
 TEST(ImportedMail, FromMachinesMakesNoPeople) {
   ImportStore store;
-  const auto report = store.import({{.id = "list", .ownWords = "Any news?", .isList = true},
+  const auto report = store.import({{.id = "list", .question = "Any news?", .isList = true},
                                     {.id = "bulk", .from = ben, .isAutomated = true},
                                     {.id = "both", .isList = true, .isAutomated = true},
                                     {.id = "mine", .from = me, .to = {ben}, .isAutomated = true}});
@@ -80,7 +80,7 @@ TEST(ImportedMail, FromMachinesMakesNoPeople) {
 
 TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
   ImportStore store;
-  std::vector<TestMail> mails{{.id = "a", .ownWords = "Shall we?"},
+  std::vector<TestMail> mails{{.id = "a", .question = "Shall we?"},
                               {.id = "b", .from = me, .to = {ben}},
                               {.id = "list", .isList = true},
                               {.id = "bulk", .isAutomated = true}};
@@ -115,7 +115,7 @@ TEST(ImportedMail, CountsEveryItemOnceAndTellsOfEveryBatch) {
 TEST(ImportedMail, KeepsNoMoreOfATextThanPeopleRead) {
   ImportStore store;
   const std::string subject(8'000'000, 'x');
-  store.import({{.id = "a", .subject = subject, .fromName = subject, .ownWords = subject}});
+  store.import({{.id = "a", .subject = subject, .fromName = subject, .question = "Is it " + subject + "?"}});
   EXPECT_THAT(store.texts("SELECT length(subject) || ' ' || length(question) || ' ' || length(display_name) "
                           "FROM thread_text, pending_question, person"),
               ElementsAre("500 300 200"));
@@ -126,7 +126,7 @@ TEST(OwnAddress, ToldLaterTakesItsMailAndItsPersonBack) {
   ImportStore store;
   const std::string mine = "mira@work.example";
   store.import({{.id = "a", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
-                {.id = "b", .at = "2026-03-02T10:00:00Z", .references = {"a"}, .ownWords = "When do you arrive?"},
+                {.id = "b", .at = "2026-03-02T10:00:00Z", .references = {"a"}, .question = "When do you arrive?"},
                 {.id = "c", .at = "2026-03-03T10:00:00Z", .from = mine, .to = {zoe}, .references = {"b"}},
                 {.id = "d", .at = "2026-03-04T10:00:00Z", .from = mine},
                 {.id = "both", .at = "2026-03-04T11:00:00Z", .to = {me, mine}},

@@ -47,7 +47,7 @@ TEST(MailThreads, AreTheSameInWhateverOrderTheirMailsArrive) {
 
 TEST(MailThreads, JoinEverythingThatIsKnownOfThem) {
   ImportStore store;
-  store.import(numbered({{.id = "a", .ownWords = "Are you well?"}, {.id = "b", .from = ben}}));
+  store.import(numbered({{.id = "a", .question = "Are you well?"}, {.id = "b", .from = ben}}));
   const auto ids = store.texts("SELECT id FROM thread ORDER BY id");
   ASSERT_THAT(ids, SizeIs(2));
   store.run("INSERT INTO exclusion_rule VALUES ('rule', 'thread', '" + ids[1] + "', '2026-03-02T10:00:00Z', NULL)");
@@ -83,7 +83,7 @@ class AskedQuestions : public testing::Test {
   /// The user wrote to Zoe, who answered with a question.
   void askMe() {
     store.import({{.id = "mine", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
-                  {.id = "asked", .at = "2026-03-02T10:00:00Z", .references = {"mine"}, .ownWords = "Shall we meet?"}});
+                  {.id = "asked", .at = "2026-03-02T10:00:00Z", .references = {"mine"}, .question = "Shall we meet?"}});
   }
   void answer() {
     store.import({{.id = "answer", .at = "2026-03-03T10:00:00Z", .from = me, .to = {zoe}, .references = {"asked"}}});
@@ -125,11 +125,11 @@ TEST_F(AskedQuestions, StayAsTheUserLeftThem) {
 }
 
 TEST_F(AskedQuestions, OfStrangersAndInCompanyAreNoCommitments) {
-  store.import({{.id = "stranger", .ownWords = "May I introduce myself?"},
+  store.import({{.id = "stranger", .question = "May I introduce myself?"},
                 {.id = "b1", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
-                {.id = "b2", .at = "2026-03-02T10:00:00Z", .to = {me, ben}, .references = {"b1"}, .ownWords = "Who?"},
+                {.id = "b2", .at = "2026-03-02T10:00:00Z", .to = {me, ben}, .references = {"b1"}, .question = "Who?"},
                 {.id = "c1", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe, ben}},
-                {.id = "c2", .at = "2026-03-02T10:00:00Z", .references = {"c1"}, .ownWords = "Just us two?"}});
+                {.id = "c2", .at = "2026-03-02T10:00:00Z", .references = {"c1"}, .question = "Just us two?"}});
   EXPECT_THAT(states(), IsEmpty());
   store.import({{.id = "mine", .at = "2026-02-28T10:00:00Z", .from = me, .to = {zoe}},
                 {.id = "link", .at = "2026-02-28T11:00:00Z", .references = {"mine", "stranger"}}});

@@ -162,6 +162,19 @@ TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
              "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")},
        "d'you come too?"},
       {{text("html", "<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}, {}},
+      {{text("html",
+             "<div>Yes. And you?</div><div class='moz-cite-prefix'>Is it cited?</div><blockquote><div>Is it "
+             "quoted?</div></blockquote><p>Shall we go?</p>")},
+       "And you?"},
+      {{text("html", "On 5 Mar 2026 at 09:15, Zoe &lt;z@x&gt; wrote:<blockquote>Is it?</blockquote>Is it below?")},
+       "Is it below?"},
+      {{text("html", "Yes.<div id='divRplyFwdMsg'>Is this of the answered mail?</div>")}, {}},
+      {{text("html", "<pre>&gt; Is it\n&gt; quoted?\nIs this own?</pre><div class=gmail_signature>Want more?</div>")},
+       "Is this own?"},
+      {{text("html", "Yes.<div class=gmail_signature>Who <div>wants</div> more?</div>")}, {}},
+      {{text("plain; format=flowed", "> Is it \n> quoted?\n>> a \nCan you bring \nit? Yes.\n-- \nIs it flowed?")},
+       "Can you bring it?"},
+      {{text("plain; format=flowed; delsp=yes", "明日は \n来ますか？")}, "明日は来ますか？"},
       {{text("html", "Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
   for (const auto& [parts, question] : bodies) {
     EXPECT_EQ(questionOfParts(parts), question) << parts.front();
@@ -181,6 +194,9 @@ TEST(Bodies, AreDecodedWhateverTheirCharset) {
       {"Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xc0\xb4\xc2\xf0\xa3\xbf", "你来吗？"},
       {"Content-Type: text/plain; charset=no-such\n", "Nach Z\xfcrich?\n", "Nach Zürich?"},
       {"Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
+      {"Content-Type: text\n", "Are you there?\n", "Are you there?"},
+      {"Content-Type: text; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
+      {"Content-Type: plain/\n", "Are you there?\n", "Are you there?"},
       {"", std::string("Are\0 you there?\n", 16), "Are you there?"}};
   for (const auto& [fields, body, question] : bodies) {
     EXPECT_EQ(questionIn(message(fields, body)), question) << fields;

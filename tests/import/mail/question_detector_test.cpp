@@ -39,6 +39,16 @@ TEST(Questions, AreTakenFromMailsAsPeopleGetThem) {
   EXPECT_GT(examples, 150);
 }
 
+TEST(ReaderNames, AreTheWordsOfToAndCcButNotOfTheSenderOrAGroup) {
+  MailMessage mail;
+  mail.from = {{"Eva", "eva@example.org"}};
+  mail.to = {{"Anna Berg", "a.berg@example.org"}, {"Eva", "eva@example.org"}, {"", "team@example.org"}};
+  mail.cc = {{"Bob Berg", "bob.2@example.org"}};
+  const auto names = readerNames(mail, {"a.berg@example.org"});
+  EXPECT_EQ(names.own, (std::vector<std::string>{"anna", "berg", "berg"}));
+  EXPECT_EQ(names.others, (std::vector<std::string>{"bob", "bob"}));
+}
+
 TEST(Question, IsCutBetweenTwoCharactersAsItsReaderSeesThem) {
   std::string whole = "Is it";
   for (int word = 0; word < 73; ++word) {
