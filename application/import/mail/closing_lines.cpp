@@ -109,12 +109,13 @@ bool isPostscript(std::string_view line) {
   return startsWithOneOf(line, beginnings);
 }
 
-bool beginsBoilerplate(TextLines lines) {
+bool isDevicePlug(std::string_view line) {
+  return startsWithOneOf(lowerCasedStart(line), devicePlugs);
+}
+
+bool beginsNotice(TextLines lines) {
   constexpr std::size_t mostLines = 3;
   const auto start = lowerCasedStart(lines.front());
-  if (startsWithOneOf(start, devicePlugs)) {
-    return true;
-  }
   return startsWithOneOf(start, noticeBeginnings) &&
          std::ranges::any_of(lines.first(std::min(mostLines, lines.size())),
                              [](std::string_view line) { return containsOneOf(lowerCasedStart(line), notices); });

@@ -10,8 +10,11 @@ bool beginsSignOff(TextLines lines);
 /// "PS:", which goes on below a signature.
 bool isPostscript(std::string_view line);
 
-/// Whether a paragraph that nobody wrote for this mail begins with `lines`: "Sent from my phone", a legal notice.
-bool beginsBoilerplate(TextLines lines);
+/// "Sent from my phone"
+bool isDevicePlug(std::string_view line);
+
+/// Whether a legal notice begins with `lines`; it goes on to the end of the paragraph.
+bool beginsNotice(TextLines lines);
 
 /// Whether a line is what only bulk mail has: a way to unsubscribe, or to read the mail in a browser.
 bool marksBulkMail(std::string_view line);

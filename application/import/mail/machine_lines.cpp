@@ -8,9 +8,10 @@ namespace orvan {
 namespace {
 
 constexpr std::array patchBeginnings{"diff --git ", "diff -", "RCS file: ", "retrieving revision "};
-constexpr std::array codeBeginnings{"//",          "/*",      "#include",    "#define",    "#!",     "SELECT ",
-                                    "INSERT INTO", "UPDATE ", "DELETE FROM", "CREATE ",    "WHERE ", "VALUES ",
-                                    "ALTER ",      "File \"", "Traceback (", "Caused by: "};
+constexpr std::array codeBeginnings{"//",          "/*",      "#include",    "#define",     "#!",     "SELECT ",
+                                    "INSERT INTO", "UPDATE ", "DELETE FROM", "CREATE ",     "WHERE ", "VALUES ",
+                                    "ALTER ",      "File \"", "Traceback (", "Caused by: ", "[ERROR", "[WARN",
+                                    "[INFO",       "[DEBUG",  "ERROR:"};
 
 bool startsWithOneOf(std::string_view line, const auto& beginnings) {
   return std::ranges::any_of(beginnings, [line](const char* beginning) { return line.starts_with(beginning); });

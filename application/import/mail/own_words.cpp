@@ -146,9 +146,9 @@ class OwnWordsReader {
       dropThrough("```");
     } else if (const auto introduction = introductionLines(); introduction > 0) {
       drop(introduction);
-    } else if (beginsBoilerplate(rest_)) {
-      dropThrough("");
-    } else if (isMachineLine(line) || isSubject(line) || line == "---") {
+    } else if (beginsNotice(rest_)) {
+      dropNotice();
+    } else if (isMachineLine(line) || isDevicePlug(line) || isSubject(line) || line == "---") {
       drop(1);
     } else {
       takeOwnLine(line);
@@ -169,6 +169,12 @@ class OwnWordsReader {
   std::size_t introductionLines() const {
     const auto lines = std::max(attributionAtStart(rest_).lineCount, separator());
     return lines > 0 && quotationFollows(rest_.subspan(lines), quoted_) ? lines : 0;
+  }
+
+  void dropNotice() {
+    while (!rest_.empty() && !rest_.front().empty() && separator() == 0) {
+      drop(1);
+    }
   }
 
   /// Of a signed text the head goes, of all else the whole block.

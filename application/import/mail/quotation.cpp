@@ -12,9 +12,9 @@ namespace {
 // What mail programs write around the mail they quote, in the languages they speak.
 
 /// How a line begins that introduces a quotation with a date: "On Monday, 2 March 2026, ...".
-constexpr std::array attributionOpeners{"On ", "Am ",      "Le ",         "El ",        "Il ",   "Em ",
-                                        "Op ", "Den ",     "På ",         "W dniu ",    "Dnia ", "Dne ",
-                                        "В ",  "Quoting ", "In article ", "In message "};
+constexpr std::array attributionOpeners{"On ", "Am ",      "Le ", "El ",     "Il ",         "Em ",
+                                        "Op ", "Den ",     "På ", "W dniu ", "Dnia ",       "Dne ",
+                                        "В ",  "Quoting ", "在 ", "于 ",     "In article ", "In message "};
 constexpr std::array attributionVerbs{
     "wrote",   "writes",   "schrieb", "schreibt", "a écrit", "écrit",      "escribió", "escribe", "ha scritto",
     "scrisse", "escreveu", "schreef", "skrev",    "skriver", "kirjoitti",  "napisał",  "pisze",   "napsal",

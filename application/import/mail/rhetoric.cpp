@@ -29,9 +29,9 @@ bool isLetterAt(std::string_view text, std::size_t position) noexcept {
 
 /// Marks that part a sentence so that a phrase may stand on either side.
 bool partsClauses(UChar32 character) noexcept {
-  return character == ',' || character == ';' || character == ':' || character == '(' || character == 0xBF ||
-         character == 0x2013 || character == 0x2014 || character == 0x3001 || character == 0xFF0C ||
-         character == 0xFF1A;
+  return character == ',' || character == ';' || character == ':' || character == '(' || character == ')' ||
+         character == '[' || character == ']' || character == 0xBF || character == 0x2013 || character == 0x2014 ||
+         character == 0x3001 || character == 0xFF0C || character == 0xFF1A;
 }
 
 /// The words between two such marks, lower-cased, with one blank between two.
@@ -103,10 +103,11 @@ bool isPhrase(std::string_view words, const PhraseList& phrases) {
   return phrases.contains(words) || phrases.contains(core) || phrases.contains(withoutTail(core));
 }
 
-/// The first words of what follows, as far as they matter.
+/// The first words of a text, as far as they matter, up to a mark.
 Clause startOf(std::string_view following) {
   constexpr std::size_t mostBytes = 80;
-  return clausesOf(trimmed(following).substr(0, mostBytes)).front();
+  const auto start = trimmed(following).substr(0, mostBytes);
+  return clausesOf(start.substr(0, start.find_first_of(".!"))).front();
 }
 
 // --- Kinds of questions that wait for nothing -----------------------------------------------------------------------
@@ -175,7 +176,7 @@ bool isAnsweredAtOnce(const std::vector<Clause>& clauses, std::string_view follo
   const auto answer = startOf(following);
   const bool asksWhy =
       whyWords().beginOf(withoutLead(clauses.front())) || whyWords().beginOf(withoutLead(clauses.back()));
-  return ignorance().beginOf(answer) || (asksWhy && reasons().beginOf(answer));
+  return answers().contains(answer) || (asksWhy && reasons().beginOf(answer));
 }
 
 bool isPraiseWithTag(const std::vector<Clause>& clauses) {

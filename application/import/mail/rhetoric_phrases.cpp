@@ -55,17 +55,17 @@ const PhraseList& figuresOfSpeech() {
     what's not to like | can you believe it | can you believe that | would you believe it | is it just me
     are you kidding | are you kidding me | you know | remember | know what i mean | you know what i mean | fyi
     see what i mean | who would have thought | who would have thought it | who'd have thought | who knew | get it
-    any questions | questions | coincidence
+    any questions | questions | do you have any questions | any other questions | any further questions | coincidence
     wer weiß | wer weiss | na und | was solls | was soll's | was will man mehr | wer hätte das gedacht | wozu auch
     wem sagst du das | weißt du | weißt du noch | noch fragen | fragen | haben sie fragen | sie haben fragen
-    haben sie noch fragen | kannst du dir das vorstellen | was tun
+    haben sie noch fragen | hast du noch fragen | habt ihr noch fragen | gibt es noch fragen | kannst du dir das vorstellen | was tun
     qui sait | et alors | à quoi bon | que demander de plus | que veux tu | que veux-tu | que voulez-vous
-    tu te souviens | tu te rends compte | qui l'eût cru | des questions
-    quién sabe | y qué | qué más da | para qué | qué más se puede pedir | te acuerdas | quién lo diría | preguntas
-    chi lo sa | chissà | e allora | che dire | cosa vuoi di più | ti ricordi | che ci vuoi fare | domande
+    tu te souviens | tu te rends compte | qui l'eût cru | des questions | avez-vous des questions
+    quién sabe | y qué | qué más da | para qué | qué más se puede pedir | te acuerdas | quién lo diría | preguntas | alguna pregunta
+    chi lo sa | chissà | e allora | che dire | cosa vuoi di più | ti ricordi | che ci vuoi fare | domande | ci sono domande
     wie weet | nou en | wat wil je nog meer | wie had dat gedacht | weet je nog | vragen
-    quem sabe | e daí | fazer o quê | quem diria | dúvidas | kto wie | i co z tego | pamiętasz | kto by pomyślał | pytania
-    кто знает | ну и что | что поделаешь | помнишь | кто бы мог подумать | вопросы | 谁知道呢 | どうしよう
+    quem sabe | e daí | fazer o quê | quem diria | dúvidas | alguma dúvida | kto wie | i co z tego | pamiętasz | kto by pomyślał | pytania
+    кто знает | ну и что | что поделаешь | помнишь | есть вопросы | кто бы мог подумать | вопросы | 谁知道呢 | どうしよう
     kdo ví | no a co | vem vet | än sen | otázky | frågor
   )"};
   return list;
@@ -92,6 +92,7 @@ const PhraseList& echoes() {
 
 const PhraseList& emptyBeginnings() {
   static const PhraseList list{R"(
+    is there anything else i can | anything else i can | anything else we can | remember when | remember how
     who am i to | who are we to | who needs | who doesn't | who wouldn't | who would have thought | who said | guess what
     what could possibly | what were they thinking | what was i thinking | do you really need to print
     having trouble | trouble viewing | can't see this | can't see the | can't view this | can't read this
@@ -151,10 +152,12 @@ const PhraseList& whyWords() {
   return list;
 }
 
-const PhraseList& ignorance() {
+const PhraseList& answers() {
   static const PhraseList list{R"(
-    no idea | keine ahnung | aucune idée | ni idea | boh | geen idee | não faço ideia | nie mam pojęcia
-    понятия не имею | nemám tušení | ingen aning
+    no idea | yes | yep | yeah | no | nope | not yet | not really | of course | of course not | y n | yes no
+    keine ahnung | ja | nein | doch | natürlich | noch nicht | aucune idée | oui | non | si | bien sûr | pas encore
+    ni idea | sí | claro | todavía no | boh | certo | non ancora | geen idee | nee | nog niet | não faço ideia | sim | não
+    nie mam pojęcia | tak | nie | jeszcze nie | понятия не имею | да | нет | ещё нет | ano | ne | ještě ne | nej | inte än
   )"};
   return list;
 }

@@ -24,7 +24,7 @@ const PhraseList& calls();
 /// How the words go on after a question that its writer answers: one that asks why, and any.
 const PhraseList& whyWords();
 const PhraseList& reasons();
-const PhraseList& ignorance();
+const PhraseList& answers();
 /// Little questions that ask for a consent after a proposal, and are courtesies elsewhere.
 const PhraseList& agreements();
 const PhraseList& thanks();

@@ -172,7 +172,7 @@ TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
       {{text("html", "<pre>&gt; Is it\n&gt; quoted?\nIs this own?</pre><div class=gmail_signature>Want more?</div>")},
        "Is this own?"},
       {{text("html", "Yes.<div class=gmail_signature>Who <div>wants</div> more?</div>")}, {}},
-      {{text("plain; format=flowed", "> Is it \n> quoted?\n>> a \nCan you bring \nit? Yes.\n-- \nIs it flowed?")},
+      {{text("plain; format=flowed", "> Is it \n> quoted?\n>> a \nCan you bring \nit? Bye.\n-- \nIs it flowed?")},
        "Can you bring it?"},
       {{text("plain; format=flowed; delsp=yes", "明日は \n来ますか？")}, "明日は来ますか？"},
       {{text("html", "Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
