@@ -50,10 +50,20 @@ bool isOrdinal(std::string_view word, std::string_view following, bool isFirstWo
   return isShortNumber && (isDay || isFirstWord);
 }
 
-/// Before a lower-case word, short words are taken for abbreviations ("etc. and so on").
+/// Whether the full stop after `word` may stand within a sentence, before a lower-case word.
 bool mayBeAbbreviation(std::string_view word) noexcept {
-  constexpr std::size_t longestAbbreviation = 4;
-  return word.size() <= longestAbbreviation || word.contains('.');
+  constexpr std::array<std::string_view, 37> known{
+      "etc",  "incl", "resp", "max", "min", "tel",  "est", "usw", "evtl", "inkl", "sog", "std", "zzgl",
+      "env",  "ej",   "pag",  "pág", "ecc", "bijv", "enz", "osv", "np",   "tzn",  "itd", "itp", "tj",
+      "např", "apod", "atd",  "dr",  "др",  "г",    "стр", "т",   "no",   "nr",   "p"};
+  return isAbbreviation(word) || word.contains('.') || word.find_first_not_of("0123456789") == std::string_view::npos ||
+         std::ranges::find(known, word) != known.end();
+}
+
+/// ":-)" and the like, of which `text` ends in the last character.
+bool endsInSmiley(std::string_view text) noexcept {
+  constexpr std::array smileys{" :)", " ;)", ":-)", ";-)", " :D", ":-D", " :(", ":-("};
+  return std::ranges::any_of(smileys, [text](const char* smiley) { return text.ends_with(smiley); });
 }
 
 /// Whether `word` is an expression that a program matches texts with, "*.c" or "[a-z]+".
@@ -171,7 +181,8 @@ bool SentenceReader::endsStatement(std::size_t markStart, UChar32 mark) const {
              !isOrdinal(word, text_.substr(position_), isFirstWord) && !(lowerCaseFollows() && mayBeAbbreviation(word));
     }
     default:
-      return !isQuestionMark(mark) && endsSentenceAnywhere(mark);
+      return (!isQuestionMark(mark) && endsSentenceAnywhere(mark)) ||
+             endsInSmiley(text_.substr(start_, position_ - start_));
   }
 }
 
