@@ -28,8 +28,10 @@ bool isSubject(std::string_view line) {
   return std::ranges::any_of(labels, [line](const char* label) { return line.starts_with(label); });
 }
 
+/// Of a list, or of questions and answers.
 bool isListEntry(std::string_view line) noexcept {
-  return line.starts_with("- ") || line.starts_with("* ") || line.starts_with("• ");
+  constexpr std::array beginnings{"- ", "* ", "• ", "Q:", "F:", "A:", "R:"};
+  return std::ranges::any_of(beginnings, [line](const char* beginning) { return line.starts_with(beginning); });
 }
 
 std::vector<std::string_view> trimmedLines(std::string_view text) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "OrvanPlatform/white_space.h"
 #include "application/import/mail/characters.h"
@@ -197,8 +198,8 @@ class QuestionFinder {
   }
 
   bool isTheUsers(std::string_view question) const {
-    const auto atEnd = addresseeAtEnd(question, names_);
-    const auto addressee = atEnd == Addressee::nobodyByName ? ofParagraph_ : atEnd;
+    const auto called = addresseeWithin(question, names_);
+    const auto addressee = called == Addressee::nobodyByName ? ofParagraph_ : called;
     return addressee != Addressee::somebodyElse && (addressee == Addressee::user || !asksEverybody(question));
   }
 
@@ -212,6 +213,14 @@ class QuestionFinder {
   Addressee ofParagraph_ = Addressee::nobodyByName;
   std::string_view previous_;
 };
+
+/// "Q: ..." above "A: ..."
+bool isAnsweredBelow(std::string_view paragraph, std::string_view below) noexcept {
+  constexpr std::array<std::pair<std::string_view, std::string_view>, 3> labels{
+      {{"Q:", "A:"}, {"F:", "A:"}, {"Q:", "R:"}}};
+  return std::ranges::any_of(
+      labels, [&](const auto& pair) { return paragraph.starts_with(pair.first) && below.starts_with(pair.second); });
+}
 
 /// Of a mail that says nothing but "?": that.
 std::optional<std::string> bareMark(std::string_view ownWords) {
@@ -238,10 +247,13 @@ std::optional<std::string> firstQuestion(std::string_view ownWords, const Reader
   QuestionFinder finder{names};
   while (!ownWords.empty()) {
     const auto paragraph = ownWords.substr(0, ownWords.find('\n'));
+    ownWords.remove_prefix(std::min(paragraph.size() + 1, ownWords.size()));
+    if (isAnsweredBelow(paragraph, ownWords)) {
+      continue;
+    }
     if (auto question = finder.readParagraph(paragraph)) {
       return question;
     }
-    ownWords.remove_prefix(std::min(paragraph.size() + 1, ownWords.size()));
   }
   return std::nullopt;
 }

@@ -10,6 +10,7 @@
 #include "OrvanPlatform/white_space.h"
 #include "application/import/mail/characters.h"
 #include "application/import/mail/decoded_text.h"
+#include "application/import/mail/rhetoric_phrases.h"
 
 namespace orvan {
 namespace {
@@ -25,7 +26,8 @@ constexpr std::array greetings{
 /// Mailboxes of many, so that who greets them greets the user, too.
 constexpr std::array groups{"all",  "everyone", "everybody", "group", "info", "list", "office",
                             "team", "staff",    "board",     "alle",  "tous", "todos"};
-constexpr std::array connectors{"and", "&", "und", "et", "y", "e", "en", "i", "и", "a", "och", "og", "ja", "+"};
+constexpr std::array connectors{"and", "&",  "und", "et", "y",  "e",    "en",    "i",   "и", "a",
+                                "och", "og", "ja",  "+",  "so", "also", "alors", "dus", "så"};
 
 bool isOneOf(const auto& words, std::string_view word) {
   return std::ranges::any_of(words, [word](std::string_view known) { return known == word; });
@@ -104,6 +106,34 @@ class NameReader {
   Addressee addressee_ = Addressee::nobodyByName;
 };
 
+/// Whom `part` of a sentence calls if it says nothing but names, "Bob" or "so Bob".
+Addressee namesAlone(std::string_view part, const ReaderNames& names) {
+  constexpr std::size_t mostBytes = 60;
+  if (part.size() > mostBytes) {
+    return Addressee::nobodyByName;
+  }
+  NameReader found{names};
+  while (!part.empty()) {
+    const auto word = takeWord(part);
+    if (!word.letters.empty() && !found.take(word) && !isOneOf(connectors, word.letters)) {
+      return Addressee::nobodyByName;
+    }
+  }
+  return found.addressee();
+}
+
+/// Whether the first words of `text` turn to a reader: "could you".
+bool speaksToReader(std::string_view text) {
+  constexpr std::size_t mostBytes = 40;
+  auto start = trimmed(text.substr(0, mostBytes));
+  for (int count = 0; count < 3 && !start.empty(); ++count) {
+    if (readerWords().contains(takeWord(start).letters)) {
+      return true;
+    }
+  }
+  return false;
+}
+
 bool knowsNames(const ReaderNames& names) noexcept {
   return !names.own.empty() || !names.others.empty();
 }
@@ -161,20 +191,21 @@ Address addressAtStart(std::string_view text, const ReaderNames& names) {
   return {found.addressee(), isGreeting || text.empty()};
 }
 
-Addressee addresseeAtEnd(std::string_view sentence, const ReaderNames& names) {
-  constexpr std::size_t mostBytes = 60;
-  const auto comma = sentence.rfind(',');
-  if (!knowsNames(names) || comma == std::string_view::npos || sentence.size() - comma > mostBytes) {
+Addressee addresseeWithin(std::string_view sentence, const ReaderNames& names) {
+  if (!knowsNames(names)) {
     return Addressee::nobodyByName;
   }
-  NameReader found{names};
-  for (auto rest = trimmed(sentence.substr(comma + 1)); !rest.empty();) {
-    const auto word = takeWord(rest);
-    if (!word.letters.empty() && !found.take(word) && !isOneOf(connectors, word.letters)) {
-      return Addressee::nobodyByName;
+  auto result = Addressee::nobodyByName;
+  for (auto comma = sentence.find(','); comma != std::string_view::npos;) {
+    const auto start = comma + 1;
+    comma = sentence.find(',', start);
+    const auto rest = comma == std::string_view::npos ? std::string_view{} : sentence.substr(comma + 1);
+    const auto called = namesAlone(trimmed(sentence.substr(start, comma - start)), names);
+    if (called != Addressee::nobodyByName && (rest.empty() || speaksToReader(rest))) {
+      result = called;
     }
   }
-  return found.addressee();
+  return result;
 }
 
 } // namespace orvan

@@ -35,7 +35,8 @@ struct Address {
 };
 Address addressAtStart(std::string_view text, const ReaderNames& names);
 
-/// Whom the last words before the mark call by name: "Could you send it, Anna?"
-Addressee addresseeAtEnd(std::string_view sentence, const ReaderNames& names);
+/// Whom words within a question or at its end call by name: "I approve, so Bob, could you go ahead?", "Is it yours,
+/// Anna?"
+Addressee addresseeWithin(std::string_view sentence, const ReaderNames& names);
 
 } // namespace orvan

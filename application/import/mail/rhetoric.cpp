@@ -151,6 +151,10 @@ bool endsInEmptyPhrase(const std::vector<Clause>& clauses, std::string_view prev
 }
 
 bool beginsEmptily(const std::vector<Clause>& clauses) {
+  const bool isPosed = clauses.size() > 1 && emptyBeginnings().beginOf(clauses[0] + ' ' + clauses[1]);
+  if (isPosed) {
+    return true;
+  }
   return emptyBeginnings().beginOf(withoutLead(clauses.front())) ||
          emptyBeginnings().beginOf(withoutLead(clauses.back()));
 }
@@ -160,23 +164,30 @@ bool isEcho(const std::vector<Clause>& clauses, std::string_view previous, std::
   return !isAlone && isPhrase(clauses.back(), echoes()) && (clauses.size() == 1 || wordsOf(clauses.back()) > 1);
 }
 
+bool namesReader(const std::vector<Clause>& clauses) {
+  return std::ranges::any_of(clauses, [](const Clause& clause) { return readerWords().containsWordOf(clause); });
+}
+
 /// "Isn't that great?", "How cool is that?"
 bool isExclamation(const std::vector<Clause>& clauses) {
   constexpr std::ptrdiff_t mostWords = 6;
   const auto words = withoutLead(clauses.back());
-  if (wordsOf(words) > mostWords || !judgements().containsWordOf(words)) {
+  if (wordsOf(words) > mostWords || namesReader(clauses)) {
     return false;
   }
-  const auto wordsAfterJudgement = withoutFirstWord(withoutFirstWord(words));
   const bool isHow = firstWordOf(words) == "how" || firstWordOf(words) == "wie";
-  return exclamationBeginnings().beginOf(words) || (isHow && exclamationEnds().contains(wordsAfterJudgement));
+  const auto& praise = clauses.size() == 2 && wordsOf(clauses.front()) <= mostWords ? clauses.front() : clauses.back();
+  return judgements().containsWordOf(praise) &&
+         (negations().containsWordOf(praise) ||
+          (isHow && exclamationEnds().contains(withoutFirstWord(withoutFirstWord(words)))));
 }
 
 bool isAnsweredAtOnce(const std::vector<Clause>& clauses, std::string_view following) {
   const auto answer = startOf(following);
   const bool asksWhy =
       whyWords().beginOf(withoutLead(clauses.front())) || whyWords().beginOf(withoutLead(clauses.back()));
-  return answers().contains(answer) || (asksWhy && reasons().beginOf(answer));
+  return answers().contains(answer) || (asksWhy && reasons().beginOf(answer)) ||
+         (!namesReader(clauses) && (conclusions().beginOf(answer) || assurances().beginOf(answer)));
 }
 
 bool isPraiseWithTag(const std::vector<Clause>& clauses) {
@@ -209,9 +220,7 @@ Smile smileAfter(std::string_view following) noexcept {
 /// A smiling question is still one when it asks its reader for something.
 bool isJoke(const std::vector<Clause>& clauses, std::string_view following) {
   const auto smile = smileAfter(following);
-  const bool isDirect =
-      std::ranges::any_of(clauses, [](const Clause& clause) { return readerWords().containsWordOf(clause); });
-  return smile != Smile::none && !isDirect && clauses.size() == 1 &&
+  return smile != Smile::none && !namesReader(clauses) && clauses.size() == 1 &&
          (wordsOf(clauses.front()) <= 1 || smile == Smile::wink);
 }
 
@@ -238,8 +247,8 @@ bool asksForConsent(std::string_view question) {
 bool asksEverybody(std::string_view question) {
   const auto clauses = clausesOf(question);
   const auto isToAll = [](const Clause& clause) { return everybodyBeginnings().beginOf(withoutLead(clause)); };
-  const auto namesReader = [](const Clause& clause) { return readerOnlyWords().containsWordOf(clause); };
-  return (isToAll(clauses.front()) || isToAll(clauses.back())) && std::ranges::none_of(clauses, namesReader);
+  const auto isToReader = [](const Clause& clause) { return readerOnlyWords().containsWordOf(clause); };
+  return (isToAll(clauses.front()) || isToAll(clauses.back())) && std::ranges::none_of(clauses, isToReader);
 }
 
 } // namespace orvan

@@ -56,7 +56,7 @@ const PhraseList& figuresOfSpeech() {
     are you kidding | are you kidding me | you know | remember | know what i mean | you know what i mean | fyi
     see what i mean | who would have thought | who would have thought it | who'd have thought | who knew | get it
     any questions | questions | do you have any questions | any other questions | any further questions | coincidence
-    wer weiß | wer weiss | na und | was solls | was soll's | was will man mehr | wer hätte das gedacht | wozu auch
+    wer weiß | wer weiss | na und | was solls | was soll's | was will man mehr | wer hätte das gedacht | wozu auch | wo sonst | wo auch sonst | wer sonst | was sonst
     wem sagst du das | weißt du | weißt du noch | noch fragen | fragen | haben sie fragen | sie haben fragen
     haben sie noch fragen | hast du noch fragen | habt ihr noch fragen | gibt es noch fragen | kannst du dir das vorstellen | was tun
     qui sait | et alors | à quoi bon | que demander de plus | que veux tu | que veux-tu | que voulez-vous
@@ -93,6 +93,10 @@ const PhraseList& echoes() {
 const PhraseList& emptyBeginnings() {
   static const PhraseList list{R"(
     is there anything else i can | anything else i can | anything else we can | remember when | remember how
+    why would anyone | why would anybody | why does anyone | how can anyone | how could anyone | how can anybody
+    how could i miss | how could i forget | how could i have | how did i miss | who am i kidding | told you so
+    where does the time go | where did the time go | where has the time gone | what to do | what's the point
+    to be or not to be | is the pope catholic | the question is who | the question is why | the question is what
     who am i to | who are we to | who needs | who doesn't | who wouldn't | who would have thought | who said | guess what
     what could possibly | what were they thinking | what was i thinking | do you really need to print
     having trouble | trouble viewing | can't see this | can't see the | can't view this | can't read this
@@ -101,9 +105,11 @@ const PhraseList& emptyBeginnings() {
     want to change how you | want to update your preferences
     you asked whether | you asked if | you asked me whether | you asked me if | you wanted to know
     wer braucht schon | wer will schon | wer hätte gedacht | wer hätte das | du hast gefragt | sie haben gefragt
-    du wolltest wissen | sie möchten keine | keine e-mails mehr | wird diese e-mail nicht | probleme mit der darstellung
+    was soll man | was soll ich sagen | was soll ich dazu | wie kann man nur | wer sagt's denn | wo kommen wir denn
+    wo ist nur die zeit | die frage ist wer | die frage ist warum | die frage ist was | du wolltest wissen | sie möchten keine | keine e-mails mehr | wird diese e-mail nicht | probleme mit der darstellung
     vous n'arrivez pas à lire | vous ne voyez pas | si ce message ne | vous ne souhaitez plus | qui n'a jamais
-    qui a besoin | tu m'as demandé | no puedes ver | no puede ver | problemas para ver | no quieres recibir
+    qui a besoin | pourquoi faire simple | que dire | qui aurait cru | comment ne pas | qué se le va a hacer
+    qué vamos a hacer | quién iba a | chi l'avrebbe | come si fa a | tu m'as demandé | no puedes ver | no puede ver | problemas para ver | no quieres recibir
     quién necesita | me preguntaste | non riesci a | non visualizzi | non vuoi più | chi ha bisogno
     kun je deze | wordt deze e-mail niet | geen e-mails meer | não consegue ver | nie widzisz | не отображается
   )"};
@@ -162,6 +168,34 @@ const PhraseList& answers() {
   return list;
 }
 
+const PhraseList& conclusions() {
+  static const PhraseList list{R"(
+    turns out | it turns out | it turned out | turned out | apparently | anyway | anyhow | never mind | nevermind | forget it
+    found it | that is the question | that's the question | the answer
+    jedenfalls | egal | wie auch immer | na ja | naja | stellt sich heraus | es stellte sich heraus | wie sich herausstellte
+    bref | peu importe | enfin | il s'avère | en fin | da igual | resulta que | comunque | a quanto pare | lasciamo stare
+    hoe dan ook | blijkt | enfim | w każdym razie | okazało się | в общем | оказалось | неважно | každopádně | no nic
+    hur som helst
+  )"};
+  return list;
+}
+
+const PhraseList& assurances() {
+  static const PhraseList list{R"(
+    of course | obviously | natürlich | selbstverständlich | bien sûr | évidemment | claro | por supuesto | certo
+    ovviamente | natuurlijk | oczywiście | конечно | samozřejmě | såklart
+  )"};
+  return list;
+}
+
+const PhraseList& negations() {
+  static const PhraseList list{R"(
+    not | isn't | aren't | wasn't | ain't | nicht | pas | n'est | no | non | niet | não | nie | не | není | inte | ikke
+    разве
+  )"};
+  return list;
+}
+
 const PhraseList& agreements() {
   static const PhraseList list{R"(
     ok | okay | right | alright | klar | alles klar | gut | d'accord | vale | va bene | ça va | todo bien | tutto bene
@@ -185,14 +219,6 @@ const PhraseList& judgements() {
     beau | belle | génial | drôle | magnifique | bonito | bonita | genial | maravilloso | gracioso
     bello | bella | fantastico | divertente | mooi | leuk | geweldig | lindo | linda | ótimo | piękne | świetne
     красиво | здорово | krásné | skvělé | fint | härligt
-  )"};
-  return list;
-}
-
-const PhraseList& exclamationBeginnings() {
-  static const PhraseList list{R"(
-    isn't | aren't | wasn't | ain't | ist das nicht | ist es nicht | c'est pas | n'est-ce pas | no es | non è
-    is dat niet | is het niet | não é | czy to nie | разве | není to | är det inte
   )"};
   return list;
 }

@@ -25,13 +25,15 @@ const PhraseList& calls();
 const PhraseList& whyWords();
 const PhraseList& reasons();
 const PhraseList& answers();
+/// How they go on after one that is done with, and after one that goes without saying.
+const PhraseList& conclusions();
+const PhraseList& assurances();
 /// Little questions that ask for a consent after a proposal, and are courtesies elsewhere.
 const PhraseList& agreements();
 const PhraseList& thanks();
-/// What is said of something that one only wants to praise or to laugh at, how such an exclamation begins, and by what
-/// little question it is turned into one.
+/// What is said of something that one only wants to praise or to laugh at, and what makes a question of it.
 const PhraseList& judgements();
-const PhraseList& exclamationBeginnings();
+const PhraseList& negations();
 const PhraseList& exclamationEnds();
 const PhraseList& tags();
 /// Words by which somebody's question is told.
