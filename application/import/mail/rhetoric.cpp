@@ -159,13 +159,18 @@ bool beginsEmptily(const std::vector<Clause>& clauses) {
          emptyBeginnings().beginOf(withoutLead(clauses.back()));
 }
 
+bool namesReader(const std::vector<Clause>& clauses) {
+  return std::ranges::any_of(clauses, [](const Clause& clause) { return readerWords().containsWordOf(clause); });
+}
+
+/// "Seriously, who designs these forms?"
+bool beginsWithEcho(const std::vector<Clause>& clauses) {
+  return clauses.size() > 1 && isPhrase(clauses.front(), echoes()) && !namesReader(clauses);
+}
+
 bool isEcho(const std::vector<Clause>& clauses, std::string_view previous, std::string_view following) {
   const bool isAlone = clauses.size() == 1 && previous.empty() && trimmed(following).empty();
   return !isAlone && isPhrase(clauses.back(), echoes()) && (clauses.size() == 1 || wordsOf(clauses.back()) > 1);
-}
-
-bool namesReader(const std::vector<Clause>& clauses) {
-  return std::ranges::any_of(clauses, [](const Clause& clause) { return readerWords().containsWordOf(clause); });
 }
 
 /// "Isn't that great?", "How cool is that?"
@@ -234,9 +239,10 @@ bool isThanks(const std::vector<Clause>& clauses, std::string_view previous) {
 bool isRhetorical(const Sentence& question, std::string_view previous) {
   const auto clauses = clausesOf(question.text);
   return question.isReported || endsInEmptyPhrase(clauses, previous) || beginsEmptily(clauses) ||
-         isEcho(clauses, previous, question.following) || isExclamation(clauses) || isPraiseWithTag(clauses) ||
-         isOffer(clauses, question.following) || isAnsweredAtOnce(clauses, question.following) ||
-         isToldOf(clauses, question.text) || isJoke(clauses, question.following) || isThanks(clauses, previous);
+         isEcho(clauses, previous, question.following) || beginsWithEcho(clauses) || isExclamation(clauses) ||
+         isPraiseWithTag(clauses) || isOffer(clauses, question.following) ||
+         isAnsweredAtOnce(clauses, question.following) || isToldOf(clauses, question.text) ||
+         isJoke(clauses, question.following) || isThanks(clauses, previous);
 }
 
 bool asksForConsent(std::string_view question) {
