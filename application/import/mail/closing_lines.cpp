@@ -54,7 +54,7 @@ std::ptrdiff_t wordsOf(std::string_view line) noexcept {
 
 std::string lowerCasedStart(std::string_view line) {
   constexpr std::size_t longestPhrase = 120;
-  return lowerCased(onOneLine(line.substr(0, longestPhrase)));
+  return lowerCased(line.substr(0, longestPhrase));
 }
 
 bool startsWithOneOf(std::string_view line, const auto& beginnings) {

@@ -111,7 +111,7 @@ class OwnWordsReader {
 
   std::string read() {
     while (!rest_.empty()) {
-      if (marksBulkMail(rest_.front()) && !isQuoted()) {
+      if (!isQuoted() && marksBulkMail(rest_.front())) {
         return {};
       }
       if (endsHere()) {
