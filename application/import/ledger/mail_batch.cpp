@@ -6,6 +6,7 @@
 
 #include "application/import/ledger/bounded_text.h"
 #include "application/import/mail/mailbox_kind.h"
+#include "application/import/mail/question_detector.h"
 
 namespace orvan {
 namespace {
@@ -174,8 +175,8 @@ void MailBatch::add(MailMessage message, KnownAddresses& known) {
   if (isDirect) {
     mail.messageID = leadingCharacters(std::move(message.messageID), mostMessageIDCharacters);
   }
-  if (isDirect && message.question) {
-    mail.question = leadingCharacters(std::move(*message.question), mostQuestionCharacters);
+  if (isDirect && message.ownWords) {
+    mail.question = firstQuestion(*message.ownWords, readerNames(message, known.own));
   }
   bytes_ += bytesOf(mail);
   mails_.push_back(std::move(mail));

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "application/import/mail/decoded_text.h"
+#include "application/import/mail/flowed_text.h"
 #include "application/import/mail/gmime.h"
 #include "application/import/mail/header_fields.h"
 #include "application/import/mail/html_text.h"
@@ -15,12 +16,14 @@ namespace {
 constexpr int deepestNesting = 16;
 constexpr std::size_t longestText = 256 * std::size_t{1024};
 
-/// What a part says about its content. Plain ASCII text when it says nothing.
+/// What a part says about its content.
 struct MediaType {
-  std::string type = "text";
-  std::string subtype = "plain";
+  std::string type;
+  std::string subtype;
   std::string charset;
   std::string boundary;
+  bool isFlowed = false;
+  SoftBreakBlank softBreakBlank = SoftBreakBlank::kept;
 
   bool isText(std::string_view kind) const noexcept { return type == "text" && subtype == kind; }
 };
@@ -30,15 +33,25 @@ std::string parameterOf(GMimeContentType* type, const char* name) {
   return value == nullptr ? "" : value;
 }
 
-MediaType mediaTypeOf(const HeaderFields& fields) {
+/// The field's value; one that names no type and subtype ("text", "plain; charset=utf-8") speaks of plain text.
+std::string contentTypeOf(const HeaderFields& fields) {
   const auto value = unfolded(fields.raw(HeaderField::contentType));
-  if (value.empty()) {
-    return {};
-  }
+  const auto name = value.substr(0, value.find(';'));
+  const auto slash = name.find('/');
+  const bool isNamed = slash != std::string::npos && name.find_first_not_of(" \t", slash + 1) != std::string::npos;
+  return isNamed ? value : "text/plain" + value.substr(name.size());
+}
+
+MediaType mediaTypeOf(const HeaderFields& fields) {
+  const auto value = contentTypeOf(fields);
   const GMimeMediaType type{g_mime_content_type_parse(nullptr, value.c_str())};
-  return {lowerCasedAscii(g_mime_content_type_get_media_type(type.get())),
-          lowerCasedAscii(g_mime_content_type_get_media_subtype(type.get())), parameterOf(type.get(), "charset"),
-          parameterOf(type.get(), "boundary")};
+  const bool deletesBlank = equalIgnoringCase(parameterOf(type.get(), "delsp"), "yes");
+  return {.type = lowerCasedAscii(g_mime_content_type_get_media_type(type.get())),
+          .subtype = lowerCasedAscii(g_mime_content_type_get_media_subtype(type.get())),
+          .charset = parameterOf(type.get(), "charset"),
+          .boundary = parameterOf(type.get(), "boundary"),
+          .isFlowed = equalIgnoringCase(parameterOf(type.get(), "format"), "flowed"),
+          .softBreakBlank = deletesBlank ? SoftBreakBlank::deleted : SoftBreakBlank::kept};
 }
 
 bool isAttachment(const HeaderFields& fields) {
@@ -94,7 +107,7 @@ class PartSplitter {
 
 struct TextPart {
   std::string_view content;
-  std::string charset;
+  MediaType type;
   std::string encoding;
 };
 
@@ -109,7 +122,7 @@ class TextFinder {
     } else if (type.isText("plain") || type.isText("html")) {
       auto& found = type.isText("plain") ? plain_ : html_;
       if (!found && !isAttachment(fields)) {
-        found = {content, std::move(type.charset), unfolded(fields.raw(HeaderField::contentTransferEncoding))};
+        found = {content, std::move(type), unfolded(fields.raw(HeaderField::contentTransferEncoding))};
       }
     }
   }
@@ -172,7 +185,8 @@ std::string decodedText(const TextPart& part, BodyLines bodyLines) {
   const auto content = firstLines(part.content);
   const bool hasEscapes = bodyLines == BodyLines::fromEscaped && content.contains(">From ");
   const auto lines = hasEscapes ? withoutFromEscapes(content) : std::string{content};
-  return utf8FromCharset(transferDecoded(lines, part.encoding), part.charset);
+  auto text = utf8FromCharset(transferDecoded(lines, part.encoding), part.type.charset);
+  return part.type.isFlowed ? unflowed(text, part.type.softBreakBlank) : text;
 }
 
 } // namespace

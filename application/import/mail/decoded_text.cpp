@@ -1,7 +1,9 @@
 #include "application/import/mail/decoded_text.h"
 
+#include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/ucnv.h>
+#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -19,6 +21,10 @@ struct CloseConverter {
 using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
 constexpr const char* windowsWestern = "windows-1252";
+
+bool isAscii(std::string_view text) noexcept {
+  return std::ranges::all_of(text, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
 
 bool isUtf8(std::string_view text) noexcept {
   for (std::size_t position = 0; position < text.size();) {
@@ -111,6 +117,17 @@ std::string lowerCasedAscii(std::string_view text) {
   std::ranges::transform(lower, lower.begin(), [](char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
   });
+  return lower;
+}
+
+std::string lowerCased(std::string_view text) {
+  if (isAscii(text)) {
+    return lowerCasedAscii(text);
+  }
+  std::string lower;
+  icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())})
+      .toLower(icu::Locale::getRoot())
+      .toUTF8String(lower);
   return lower;
 }
 

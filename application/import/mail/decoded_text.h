@@ -13,7 +13,10 @@ std::string utf8FromCharset(std::string_view bytes, std::string_view charset);
 /// bytes that are not UTF-8 become U+FFFD.
 std::string onOneLine(std::string_view text);
 
-/// `text` with its ASCII letters in lower case; other bytes stay.
+/// Lower-cased, independently of the user's language. `text` is valid UTF-8.
+std::string lowerCased(std::string_view text);
+
+/// The same for ASCII letters only; other bytes stay.
 std::string lowerCasedAscii(std::string_view text);
 
 } // namespace orvan

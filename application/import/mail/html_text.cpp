@@ -14,18 +14,30 @@ namespace orvan {
 namespace {
 
 constexpr std::array hiddenElements{"blockquote", "head", "script", "style", "title"};
+/// What mail programs call the elements that hold an introduction of a quotation or a signature.
+constexpr std::array hiddenClasses{"moz-cite-prefix", "gmail_attr",   "gmail_signature",     "moz-signature",
+                                   "yahoo_quoted",    "AppleMailSig", "protonmail_signature"};
+/// What they call those at which a quotation begins that nothing else marks.
+constexpr std::array quotationStarts{"divRplyFwdMsg", "appendonsend", "mail-editor-reference-message", "stopSpelling"};
 constexpr std::array blockElements{"div", "dd",    "dl", "dt", "h1", "h2", "h3", "h4", "hr",
                                    "li",  "table", "ol", "p",  "td", "th", "tr", "ul"};
-constexpr std::array<std::pair<std::string_view, std::string_view>, 26> namedCharacters{{
-    {"amp", "&"},   {"lt", "<"},     {"gt", ">"},     {"quot", "\""},  {"apos", "'"},   {"nbsp", " "},
-    {"auml", "ä"},  {"ouml", "ö"},   {"uuml", "ü"},   {"Auml", "Ä"},   {"Ouml", "Ö"},   {"Uuml", "Ü"},
-    {"szlig", "ß"}, {"agrave", "à"}, {"aacute", "á"}, {"ccedil", "ç"}, {"egrave", "è"}, {"eacute", "é"},
-    {"ecirc", "ê"}, {"iacute", "í"}, {"oacute", "ó"}, {"uacute", "ú"}, {"ntilde", "ñ"}, {"lsquo", "‘"},
-    {"rsquo", "’"}, {"hellip", "…"},
-}};
+constexpr std::array<std::pair<std::string_view, std::string_view>, 54> namedCharacters{
+    {{"amp", "&"},    {"lt", "<"},     {"gt", ">"},     {"quot", "\""},  {"apos", "'"},   {"nbsp", " "},
+     {"auml", "ä"},   {"ouml", "ö"},   {"uuml", "ü"},   {"Auml", "Ä"},   {"Ouml", "Ö"},   {"Uuml", "Ü"},
+     {"szlig", "ß"},  {"agrave", "à"}, {"aacute", "á"}, {"acirc", "â"},  {"atilde", "ã"}, {"aring", "å"},
+     {"aelig", "æ"},  {"ccedil", "ç"}, {"egrave", "è"}, {"eacute", "é"}, {"ecirc", "ê"},  {"euml", "ë"},
+     {"igrave", "ì"}, {"iacute", "í"}, {"icirc", "î"},  {"iuml", "ï"},   {"ograve", "ò"}, {"oacute", "ó"},
+     {"ocirc", "ô"},  {"otilde", "õ"}, {"oslash", "ø"}, {"ugrave", "ù"}, {"uacute", "ú"}, {"ucirc", "û"},
+     {"ntilde", "ñ"}, {"Agrave", "À"}, {"Eacute", "É"}, {"Aring", "Å"},  {"iquest", "¿"}, {"iexcl", "¡"},
+     {"lsquo", "‘"},  {"rsquo", "’"},  {"ldquo", "“"},  {"rdquo", "”"},  {"bdquo", "„"},  {"laquo", "«"},
+     {"raquo", "»"},  {"ndash", "–"},  {"mdash", "—"},  {"bull", "•"},   {"hellip", "…"}, {"euro", "€"}}};
 
 bool isOneOf(const auto& names, std::string_view name) {
   return std::ranges::any_of(names, [name](const char* known) { return name == known; });
+}
+
+bool containsOneOf(std::string_view tag, const auto& classes) {
+  return std::ranges::any_of(classes, [tag](const char* known) { return tag.contains(known); });
 }
 
 class HtmlReader {
@@ -48,7 +60,7 @@ class HtmlReader {
  private:
   void readTag() {
     if (rest_.starts_with("<!--")) {
-      skipPast("-->");
+      takePast("-->");
       return;
     }
     const bool closes = rest_.starts_with("</");
@@ -58,14 +70,44 @@ class HtmlReader {
       rest_.remove_prefix(1);
       return;
     }
-    skipPast(">");
+    const auto tag = takePast(">");
+    if (!hiddenBy_.empty()) {
+      countHidden(name, closes);
+    } else if (!closes && isHidden(name, tag)) {
+      hiddenBy_ = name;
+      hiddenDepth_ = 1;
+      text_.append(name == "blockquote" ? "\n\n>\n\n" : "\n\n");
+    } else {
+      text_.append(textInPlaceOf(name, tag));
+      isPreformatted_ = name == "pre" ? !closes : isPreformatted_;
+    }
+  }
+
+  static bool isHidden(std::string_view name, std::string_view tag) {
+    const bool mayHaveClass = name == "div" || name == "pre" || name == "span";
+    return isOneOf(hiddenElements, name) || (mayHaveClass && containsOneOf(tag, hiddenClasses));
+  }
+
+  static std::string_view textInPlaceOf(std::string_view name, std::string_view tag) {
+    if (containsOneOf(tag, quotationStarts)) {
+      return "\n\n________________\n\n";
+    }
     if (name == "br") {
-      append("\n");
-    } else if (isOneOf(blockElements, name)) {
-      append("\n\n");
-    } else if (isOneOf(hiddenElements, name)) {
-      append("\n\n");
-      hiddenDepth_ = closes ? std::max(hiddenDepth_ - 1, 0) : hiddenDepth_ + 1;
+      return "\n";
+    }
+    if (name == "code") {
+      return "`";
+    }
+    return isOneOf(blockElements, name) ? "\n\n" : "";
+  }
+
+  void countHidden(std::string_view name, bool closes) {
+    if (name == hiddenBy_) {
+      hiddenDepth_ += closes ? -1 : 1;
+    }
+    if (hiddenDepth_ == 0) {
+      hiddenBy_.clear();
+      text_.append("\n\n");
     }
   }
 
@@ -81,23 +123,28 @@ class HtmlReader {
   /// Line breaks of the source are blanks to the reader.
   void readPlainText() {
     const auto end = std::min(rest_.find_first_of("<&"), rest_.size());
-    if (hiddenDepth_ == 0) {
+    if (hiddenBy_.empty()) {
       const auto start = static_cast<std::ptrdiff_t>(text_.size());
       text_.append(rest_.substr(0, end));
-      std::replace_if(text_.begin() + start, text_.end(), [](char byte) { return byte == '\n' || byte == '\r'; }, ' ');
+      if (!isPreformatted_) {
+        std::replace_if(
+            text_.begin() + start, text_.end(), [](char byte) { return byte == '\n' || byte == '\r'; }, ' ');
+      }
     }
     rest_.remove_prefix(end);
   }
 
   void append(std::string_view text) {
-    if (hiddenDepth_ == 0) {
+    if (hiddenBy_.empty()) {
       text_.append(text);
     }
   }
 
-  void skipPast(std::string_view end) {
+  std::string_view takePast(std::string_view end) {
     const auto found = rest_.find(end);
-    rest_.remove_prefix(found == std::string_view::npos ? rest_.size() : found + end.size());
+    const auto taken = rest_.substr(0, found == std::string_view::npos ? rest_.size() : found + end.size());
+    rest_.remove_prefix(taken.size());
+    return taken;
   }
 
   static std::string tagName(std::string_view text) {
@@ -135,7 +182,10 @@ class HtmlReader {
 
   std::string_view rest_;
   std::string text_;
+  /// The name of the element within which nothing is shown, and how many of that name are open.
+  std::string hiddenBy_;
   int hiddenDepth_ = 0;
+  bool isPreformatted_ = false;
 };
 
 } // namespace

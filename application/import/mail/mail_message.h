@@ -43,9 +43,9 @@ struct MailMessage {
   std::vector<std::string> listAddresses = {};
   /// A program wrote it: automatic replies, delivery reports, no-reply mailboxes.
   bool isAutomated = false;
-  /// The first question its sender asked in words of their own: see firstQuestion(). Absent for automated and forwarded
-  /// mail and for invitations.
-  std::optional<std::string> question;
+  /// What its sender says in words of their own, for firstQuestion(): see ownWords(). Absent for automated and
+  /// forwarded mail, for invitations, and where no question mark is in these words.
+  std::optional<std::string> ownWords;
 
   bool operator==(const MailMessage&) const = default;
 };

@@ -6,6 +6,7 @@
 #include "application/import/mail/header_fields.h"
 #include "application/import/mail/header_values.h"
 #include "application/import/mail/mail_origin.h"
+#include "application/import/mail/own_words.h"
 #include "application/import/mail/question_detector.h"
 
 namespace orvan {
@@ -16,9 +17,13 @@ std::string messageIDOf(const RawMail& mail, const HeaderFields& fields) {
   return ids.empty() ? messageIDFromHeader(mail.header()) : std::move(ids.front());
 }
 
-std::optional<std::string> questionIn(const HeaderFields& fields, std::string_view body, BodyLines bodyLines) {
+std::optional<std::string> askingWords(const HeaderFields& fields, std::string_view body, BodyLines bodyLines) {
   const auto [text, isInvitation] = bodyText(fields, body, bodyLines);
-  return text && !isInvitation ? firstQuestion(*text) : std::nullopt;
+  if (!text || isInvitation || !hasQuestionMark(*text)) {
+    return std::nullopt;
+  }
+  auto words = ownWords(*text);
+  return hasQuestionMark(words) ? std::optional{std::move(words)} : std::nullopt;
 }
 
 } // namespace
@@ -47,7 +52,7 @@ MailItem MailParser::parse(const RawMail& mail) const {
   message.isAutomated = isAutomatedMail(fields, from.front());
   message.from = std::move(from);
   if (!message.isAutomated && !isForwardSubject(message.subject)) {
-    message.question = questionIn(fields, mail.body(), bodyLines_);
+    message.ownWords = askingWords(fields, mail.body(), bodyLines_);
   }
   return message;
 }

@@ -9,39 +9,19 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "OrvanPlatform/white_space.h"
 #include "application/import/mail/characters.h"
 #include "application/import/mail/decoded_text.h"
-#include "application/import/mail/own_words.h"
+#include "application/import/mail/rhetoric.h"
+#include "application/import/mail/sentences.h"
 
 namespace orvan {
 namespace {
 
-constexpr std::string_view fullWidthMark = "？";
-constexpr std::string_view arabicMark = "؟";
-
-bool hasQuestionMark(std::string_view text) noexcept {
-  return text.contains('?') || text.contains(fullWidthMark) || text.contains(arabicMark);
-}
-
 bool isWhiteSpace(UChar32 character) noexcept {
   return u_isUWhiteSpace(character) != 0;
-}
-
-bool isClosingMark(UChar32 character) noexcept {
-  const auto category = u_charType(character);
-  return character == '"' || character == '\'' || character == '*' || category == U_END_PUNCTUATION ||
-         category == U_FINAL_PUNCTUATION;
-}
-
-/// These end a sentence wherever they stand: their scripts do not put blanks after them.
-bool endsSentenceAnywhere(UChar32 character) noexcept {
-  return character == 0xFF1F || character == 0x061F || character == 0x3002 || character == 0xFF01;
-}
-
-bool isQuestionMark(UChar32 character) noexcept {
-  return character == '?' || character == 0xFF1F || character == 0x061F;
 }
 
 bool isUrl(std::string_view word) noexcept {
@@ -52,6 +32,8 @@ bool isUrl(std::string_view word) noexcept {
 
 struct LetterCounts {
   int words = 0;
+  int letters = 0;
+  int addresses = 0;
   int nonLatinLetters = 0;
 };
 
@@ -68,27 +50,49 @@ void countLetters(std::string_view word, LetterCounts& counts) noexcept {
   bool hasLetter = false;
   for (std::size_t position = 0; position < word.size();) {
     const auto character = takeCharacter(word, position);
-    hasLetter = hasLetter || u_isalpha(character) != 0;
+    const bool isLetter = u_isalpha(character) != 0;
+    hasLetter = hasLetter || isLetter;
+    counts.letters += isLetter ? 1 : 0;
     counts.nonLatinLetters += isNonLatinLetter(character) ? 1 : 0;
   }
   counts.words += hasLetter ? 1 : 0;
 }
 
-/// `sentence` is on one line. Web addresses are not words.
-bool saysEnough(std::string_view sentence) noexcept {
+LetterCounts lettersOf(std::string_view line) noexcept {
   LetterCounts counts;
-  while (!sentence.empty()) {
-    const auto word = sentence.substr(0, sentence.find(' '));
+  while (!line.empty()) {
+    const auto word = line.substr(0, line.find(' '));
+    counts.addresses += isUrl(word) ? 1 : 0;
     if (!isUrl(word)) {
       countLetters(word, counts);
     }
-    sentence.remove_prefix(std::min(word.size() + 1, sentence.size()));
+    line.remove_prefix(std::min(word.size() + 1, line.size()));
   }
-  return counts.words >= 2 || counts.nonLatinLetters >= 2;
+  return counts;
 }
 
-/// Without the list bullet, opening quotation mark or bracket in front of it.
+/// How a question of so many letters is shown. Web addresses are not words.
+enum class Shown { notAtAll, asItIs, withSentenceBefore };
+
+Shown howShown(const LetterCounts& counts) noexcept {
+  if (counts.words >= 2 || counts.nonLatinLetters >= 2) {
+    return Shown::asItIs;
+  }
+  return counts.words == 1 && counts.letters >= 2 && counts.addresses == 0 ? Shown::withSentenceBefore
+                                                                           : Shown::notAtAll;
+}
+
+/// Without the number in front of an entry of a list.
+std::string_view withoutNumber(std::string_view sentence) noexcept {
+  const auto mark = sentence.find_first_not_of("0123456789");
+  const bool isNumbered = mark != std::string_view::npos && mark > 0 && mark <= 2 &&
+                          (sentence.substr(mark).starts_with(". ") || sentence.substr(mark).starts_with(") "));
+  return isNumbered ? sentence.substr(mark + 2) : sentence;
+}
+
+/// Without the list bullet, number, opening quotation mark or bracket in front of it.
 std::string_view withoutOpeningMarks(std::string_view sentence) noexcept {
+  sentence = withoutNumber(sentence);
   for (std::size_t position = 0; position < sentence.size();) {
     const auto start = position;
     const auto character = takeCharacter(sentence, position);
@@ -133,8 +137,9 @@ std::size_t endOfCharacters(std::string_view text, std::size_t count) noexcept {
   return position;
 }
 
+constexpr std::size_t mostCharacters = 300;
+
 std::string cutToLength(std::string question) {
-  constexpr std::size_t mostCharacters = 300;
   if (endOfCharacters(question, mostCharacters) == question.size()) {
     return question;
   }
@@ -143,127 +148,111 @@ std::string cutToLength(std::string question) {
   return question + "…";
 }
 
-// --- Sentences ------------------------------------------------------------------------------------------------------
+// --- The mail -------------------------------------------------------------------------------------------------------
 
-/// Goes through a text sentence by sentence.
-class SentenceReader {
+/// Goes through a writer's own words up to the first question that waits for the user.
+class QuestionFinder {
  public:
-  explicit SentenceReader(std::string_view text) noexcept : text_{text} {}
+  explicit QuestionFinder(const ReaderNames& names) noexcept : names_{names} {}
 
-  /// The next sentence that ends in a question mark, with that mark and without what stands around the sentence.
-  std::optional<std::string_view> nextQuestion() {
-    while (position_ < text_.size()) {
-      const auto markStart = position_;
-      const auto mark = takeCharacter(text_, position_);
-      if (isQuestionMark(mark) && endsSentence(markStart, mark)) {
-        return takeQuestion();
-      }
-      if (beginsSentenceAfter(markStart, mark)) {
-        start_ = position_;
-      }
+  /// Reads on in the next paragraph; an empty one is a gap.
+  std::optional<std::string> readParagraph(std::string_view paragraph) {
+    if (paragraph.empty()) {
+      previous_ = {};
+      return std::nullopt;
     }
+    const auto address = addressAtStart(paragraph, names_);
+    if (address.isGreeting) {
+      ofMail_ = address.addressee;
+    }
+    ofParagraph_ = ofMail_;
+    SentenceReader sentences{paragraph};
+    while (const auto sentence = sentences.next()) {
+      if (auto question = questionIn(*sentence)) {
+        return question;
+      }
+      previous_ = sentence->text;
+    }
+    previous_ = endsSentence(previous_) ? previous_ : std::string_view{};
     return std::nullopt;
   }
 
  private:
-  std::string_view takeQuestion() {
-    while (position_ < text_.size() && std::string_view{"?!"}.contains(text_[position_])) {
-      ++position_;
+  std::optional<std::string> questionIn(const Sentence& sentence) {
+    if (const auto address = addressAtStart(sentence.text, names_); address.addressee != Addressee::nobodyByName) {
+      ofParagraph_ = address.addressee;
     }
-    const auto question = text_.substr(start_, position_ - start_);
-    start_ = position_;
-    return question;
-  }
-
-  bool beginsSentenceAfter(std::size_t markStart, UChar32 mark) const {
-    switch (mark) {
-      case '\n':
-        return paragraphEnds();
-      case '!':
-      case 0x2026:
-        return endsSentence(markStart, mark) && !lowerCaseFollows();
-      case '.':
-        return endsSentence(markStart, mark) && !lowerCaseFollows() && !isAbbreviation(wordBefore(markStart));
-      default:
-        return endsSentenceAnywhere(mark);
+    if (!sentence.isQuestion) {
+      return std::nullopt;
     }
-  }
-
-  /// Whether the mark stands at the end of a word, rather than inside a number, name or web address, or alone in
-  /// brackets, where it only comments on the word before it.
-  bool endsSentence(std::size_t markStart, UChar32 mark) const {
-    if (endsSentenceAnywhere(mark)) {
-      return true;
+    auto question = onOneLine(withoutOpeningMarks(sentence.text));
+    const auto shown = howShown(lettersOf(question));
+    if (shown == Shown::notAtAll || !isTheUsers(sentence.text) || isRhetorical(sentence, previous_)) {
+      return std::nullopt;
     }
-    const char before = markStart == 0 ? '\0' : text_[markStart - 1];
-    if (before == '(' || before == '[') {
-      return false;
+    if ((shown == Shown::withSentenceBefore || asksForConsent(question)) && !previous_.empty()) {
+      const auto both = onOneLine(withoutOpeningMarks(previous_)) + ' ' + question;
+      question = endOfCharacters(both, mostCharacters) == both.size() ? both : question;
     }
-    const auto character = nextThatIsNot([](UChar32 following) {
-      return isClosingMark(following) || following == '?' || following == '!' || following == '.';
-    });
-    return character == 0 || isWhiteSpace(character) || (character >= 0x80 && u_isalpha(character) == 0);
+    return cutToLength(std::move(question));
   }
 
-  /// At a line break: whether the next line is empty or an entry of a list.
-  bool paragraphEnds() const noexcept {
-    const auto next = text_.substr(position_);
-    return next.empty() || next.starts_with('\n') || next.starts_with("- ") || next.starts_with("* ") ||
-           next.starts_with("• ");
+  bool isTheUsers(std::string_view question) const {
+    const auto called = addresseeWithin(question, names_);
+    const auto addressee = called == Addressee::nobodyByName ? ofParagraph_ : called;
+    return addressee != Addressee::somebodyElse && (addressee == Addressee::user || !asksEverybody(question));
   }
 
-  bool lowerCaseFollows() const noexcept {
-    const auto character =
-        nextThatIsNot([](UChar32 following) { return isWhiteSpace(following) || u_ispunct(following) != 0; });
-    return u_islower(character) != 0;
+  static bool endsSentence(std::string_view text) noexcept {
+    constexpr std::array ends{".", "!", "?", "…", "。", "！", "？", ":"};
+    return std::ranges::any_of(ends, [text](const char* end) { return text.ends_with(end); });
   }
 
-  /// The next character that `passes` does not hold for; 0 at the end, or when it is far: a text of marks alone would
-  /// otherwise be read once for each of them.
-  UChar32 nextThatIsNot(bool (*passes)(UChar32)) const noexcept {
-    constexpr int mostPassed = 32;
-    auto after = position_;
-    for (int passed = 0; passed < mostPassed && after < text_.size(); ++passed) {
-      const auto character = takeCharacter(text_, after);
-      if (!passes(character)) {
-        return character;
-      }
-    }
-    return 0;
-  }
-
-  std::string_view wordBefore(std::size_t end) const noexcept {
-    const auto before = text_.substr(start_, end - start_);
-    const auto blank = before.find_last_of(" \n(");
-    return blank == std::string_view::npos ? before : before.substr(blank + 1);
-  }
-
-  /// Titles and initials, whose full stop does not end a sentence.
-  static bool isAbbreviation(std::string_view word) noexcept {
-    constexpr std::array<std::string_view, 14> known{"Dr", "Mr", "Mrs", "Ms",  "Prof", "St",  "vs",
-                                                     "Hr", "Fr", "Sr",  "Sra", "bzw",  "e.g", "i.e"};
-    const bool isInitial = word.size() == 1 && u_isalpha(word.front()) != 0;
-    return isInitial || std::ranges::find(known, word) != known.end();
-  }
-
-  std::string_view text_;
-  std::size_t position_ = 0;
-  /// Where the sentence at position_ begins.
-  std::size_t start_ = 0;
+  const ReaderNames& names_;
+  Addressee ofMail_ = Addressee::nobodyByName;
+  Addressee ofParagraph_ = Addressee::nobodyByName;
+  std::string_view previous_;
 };
+
+/// "Q: ..." above "A: ..."
+bool isAnsweredBelow(std::string_view paragraph, std::string_view below) noexcept {
+  constexpr std::array<std::pair<std::string_view, std::string_view>, 3> labels{
+      {{"Q:", "A:"}, {"F:", "A:"}, {"Q:", "R:"}}};
+  return std::ranges::any_of(
+      labels, [&](const auto& pair) { return paragraph.starts_with(pair.first) && below.starts_with(pair.second); });
+}
+
+/// Of a mail that says nothing but "?": that.
+std::optional<std::string> bareMark(std::string_view ownWords) {
+  constexpr std::size_t mostBytes = 16;
+  const auto text = trimmed(ownWords);
+  const bool isBare = hasQuestionMark(text) && text.size() <= mostBytes && onOneLine(text) == text &&
+                      std::ranges::all_of(text, [](char byte) { return std::string_view{"?!. "}.contains(byte); });
+  return isBare || text == "？" ? std::optional{std::string{text}} : std::nullopt;
+}
 
 } // namespace
 
-std::optional<std::string> firstQuestion(std::string_view text) {
-  if (!hasQuestionMark(text)) {
+bool hasQuestionMark(std::string_view text) noexcept {
+  return text.contains('?') || text.contains("？") || text.contains("؟");
+}
+
+std::optional<std::string> firstQuestion(std::string_view ownWords, const ReaderNames& names) {
+  if (!hasQuestionMark(ownWords)) {
     return std::nullopt;
   }
-  const auto own = ownWords(text);
-  SentenceReader sentences{own};
-  while (const auto found = sentences.nextQuestion()) {
-    auto question = onOneLine(withoutOpeningMarks(*found));
-    if (saysEnough(question)) {
-      return cutToLength(std::move(question));
+  if (auto mark = bareMark(ownWords)) {
+    return mark;
+  }
+  QuestionFinder finder{names};
+  while (!ownWords.empty()) {
+    const auto paragraph = ownWords.substr(0, ownWords.find('\n'));
+    ownWords.remove_prefix(std::min(paragraph.size() + 1, ownWords.size()));
+    if (isAnsweredBelow(paragraph, ownWords)) {
+      continue;
+    }
+    if (auto question = finder.readParagraph(paragraph)) {
+      return question;
     }
   }
   return std::nullopt;

@@ -65,7 +65,7 @@ struct TestMail {
     message.isBulk = isBulk;
     message.listAddresses = lists;
     message.isAutomated = isAutomated;
-    message.question = question;
+    message.ownWords = question;
     return message;
   }
 };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "OrvanPlatform/internet_date_time.h"
+#include "application/import/mail/question_detector.h"
 
 namespace orvan {
 namespace {
@@ -36,12 +37,16 @@ std::string text(const std::string& kind, const std::string& body) {
   return "Content-Type: text/" + kind + "; charset=utf-8\n\n" + body + "\n";
 }
 
+std::optional<std::string> questionIn(const MailMessage& mail) {
+  return mail.ownWords ? firstQuestion(*mail.ownWords) : std::nullopt;
+}
+
 std::optional<std::string> questionOfParts(const std::vector<std::string>& parts) {
   std::string body = "preamble, is it read?\n";
   for (const auto& part : parts) {
     body += "--b\n" + part;
   }
-  return message("Content-Type: multipart/mixed; boundary=\"b\"\n", body + "--b--\nepilogue").question;
+  return questionIn(message("Content-Type: multipart/mixed; boundary=\"b\"\n", body + "--b--\nepilogue"));
 }
 
 TEST(MailDates, AreWholeSecondsInUtc) {
@@ -126,7 +131,7 @@ TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
         "From: MAILER-DAEMON@example.org\n", "From: bounces+7=a@example.org\n"}) {
     const auto mail = message(header, "Are you there?\n");
     EXPECT_TRUE(mail.isAutomated) << header;
-    EXPECT_EQ(mail.question, std::nullopt) << header;
+    EXPECT_EQ(mail.ownWords, std::nullopt) << header;
   }
   for (const char* header :
        {"Auto-Submitted: no\n", "Precedence: first-class\n", "Precedence: Bulk\n", "List-Id: <team.example.org>\n",
@@ -134,10 +139,10 @@ TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
         "Subject: Forward: plan\n"}) {
     const auto mail = message(header, "Are you there?\n");
     EXPECT_FALSE(mail.isAutomated) << header;
-    EXPECT_EQ(mail.question, "Are you there?") << header;
+    EXPECT_EQ(questionIn(mail), "Are you there?") << header;
   }
   for (const char* subject : {"Fwd: plan\n", "FW: plan\n", "WG: Plan\n", "[Fwd: plan]\n"}) {
-    EXPECT_EQ(message(std::string{"Subject: "} + subject, "Are you there?\n").question, std::nullopt) << subject;
+    EXPECT_EQ(message(std::string{"Subject: "} + subject, "Are you there?\n").ownWords, std::nullopt) << subject;
   }
   for (const char* header : {"List-Id: x\n", "List-Unsubscribe: x\n", "Precedence: bulk\n", "Precedence: junk (x)\n"}) {
     EXPECT_TRUE(message(header).isBulk) << header;
@@ -162,8 +167,21 @@ TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
       {{text("html",
              "<head><style>a?b c?</style></head><!-- is it a comment? --><div>Hi&nbsp;Zo&#xEB;,<br>\nd&#39;you "
              "<a href='http://x/?a b'>come</a>\ntoo?</div><blockquote>Is this quoted?</blockquote>")},
-       "Hi Zoë, d'you come too?"},
+       "d'you come too?"},
       {{text("html", "<p>No.</p><blockquote>Is <blockquote>and</blockquote> this quoted?</blockquote>")}, {}},
+      {{text("html",
+             "<div>Yes. And you?</div><div class='moz-cite-prefix'>Is it cited?</div><blockquote><div>Is it "
+             "quoted?</div></blockquote><p>Shall we go?</p>")},
+       "And you?"},
+      {{text("html", "On 5 Mar 2026 at 09:15, Zoe &lt;z@x&gt; wrote:<blockquote>Is it?</blockquote>Is it below?")},
+       "Is it below?"},
+      {{text("html", "Yes.<div id='divRplyFwdMsg'>Is this of the answered mail?</div>")}, {}},
+      {{text("html", "<pre>&gt; Is it\n&gt; quoted?\nIs this own?</pre><div class=gmail_signature>Want more?</div>")},
+       "Is this own?"},
+      {{text("html", "Yes.<div class=gmail_signature>Who <div>wants</div> more?</div>")}, {}},
+      {{text("plain; format=flowed", "> Is it \n> quoted?\n>> a \nCan you bring \nit? Bye.\n-- \nIs it flowed?")},
+       "Can you bring it?"},
+      {{text("plain; format=flowed; delsp=yes", "明日は \n来ますか？")}, "明日は来ますか？"},
       {{text("html", "Is it 1 &lt; 2 & 3 < 4?<br")}, "Is it 1 < 2 & 3 < 4?"}};
   for (const auto& [parts, question] : bodies) {
     EXPECT_EQ(questionOfParts(parts), question) << parts.front();
@@ -180,12 +198,15 @@ TEST(Bodies, AreDecodedWhateverTheirCharset) {
        "Gehen wir nach Z=C3=BCr=\nich?\n", "Gehen wir nach Zürich?"},
       {"Content-Transfer-Encoding: BASE64\n", "QXJlIHlv\ndSB0aGVy\nZT8=\n", "Are you there?"},
       {"Content-Type: text/plain; charset=\"ISO-8859-1\"\n", "Nach Z\xfcrich \x93heute\x94?\n", "Nach Zürich “heute”?"},
-      {"Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xba\xc3\xc2\xf0\xa3\xbf", "你好吗？"},
+      {"Content-Type: text/plain; charset=gb2312\n", "\xc4\xe3\xc0\xb4\xc2\xf0\xa3\xbf", "你来吗？"},
       {"Content-Type: text/plain; charset=no-such\n", "Nach Z\xfcrich?\n", "Nach Zürich?"},
       {"Content-Type: text/plain; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
+      {"Content-Type: text\n", "Are you there?\n", "Are you there?"},
+      {"Content-Type: text; charset=utf-8\n", "Nach Z\xfcrich?\n", "Nach Z\uFFFDrich?"},
+      {"Content-Type: plain/\n", "Are you there?\n", "Are you there?"},
       {"", std::string("Are\0 you there?\n", 16), "Are you there?"}};
   for (const auto& [fields, body, question] : bodies) {
-    EXPECT_EQ(message(fields, body).question, question) << fields;
+    EXPECT_EQ(questionIn(message(fields, body)), question) << fields;
   }
 }
 
@@ -198,7 +219,7 @@ TEST(Bodies, NestedWithoutEndAreGivenUp) {
   }
   EXPECT_EQ(questionOfParts({body + text("plain", "Is this deep?")}), std::nullopt);
   EXPECT_EQ(questionOfParts({body, text("plain", "Is this after it?")}), "Is this after it?");
-  EXPECT_EQ(message("Content-Type: multipart/mixed\n", text("plain", "Is there no boundary?")).question, std::nullopt);
+  EXPECT_EQ(message("Content-Type: multipart/mixed\n", text("plain", "Is there no boundary?")).ownWords, std::nullopt);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "application/import/mail/mail_source_error.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
+#include "application/import/mail/question_detector.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -61,7 +62,8 @@ class Mailbox : public testing::Test {
 
   static MailMessage firstOf(MailSource&& source) { return std::get<MailMessage>(source.next().value()); }
   std::optional<std::string> questionIn(const std::string& body) const {
-    return firstOf(MboxSource{write("inbox", entry("one", body))}).question;
+    const auto words = firstOf(MboxSource{write("inbox", entry("one", body))}).ownWords;
+    return words ? firstQuestion(*words) : std::nullopt;
   }
 
   template <typename Source>
