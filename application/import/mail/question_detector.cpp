@@ -191,7 +191,7 @@ class QuestionFinder {
       return std::nullopt;
     }
     if ((shown == Shown::withSentenceBefore || asksForConsent(question)) && !previous_.empty()) {
-      const auto both = onOneLine(withoutOpeningMarks(previous_)) + ' ' + question;
+      const auto both = onOneLine(std::string{withoutOpeningMarks(previous_)} + ' ' + question);
       question = endOfCharacters(both, mostCharacters) == both.size() ? both : question;
     }
     return cutToLength(std::move(question));

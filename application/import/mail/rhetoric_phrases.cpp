@@ -186,9 +186,9 @@ const PhraseList& whyWords() {
 
 const PhraseList& answers() {
   static const PhraseList list{R"(
-    no idea | yes | yep | yeah | no | nope | not yet | not really | of course | of course not | y n | yes no
-    keine ahnung | ja | nein | doch | natürlich | noch nicht | aucune idée | oui | non | si | bien sûr | pas encore
-    ni idea | sí | claro | todavía no | boh | certo | non ancora | geen idee | nee | nog niet | não faço ideia
+    no idea | yes | yep | yeah | no | nope | not yet | not really | of course not | y n | yes no
+    keine ahnung | ja | nein | doch | noch nicht | aucune idée | oui | non | si | pas encore
+    ni idea | sí | todavía no | boh | non ancora | geen idee | nee | nog niet | não faço ideia
     sim | não
     nie mam pojęcia | tak | nie | jeszcze nie | понятия не имею | да | нет | ещё нет | ano | ne | ještě ne
     nej | inte än
@@ -198,24 +198,17 @@ const PhraseList& answers() {
 
 const PhraseList& conclusions() {
   static const PhraseList list{R"(
-    turns out | it turns out | it turned out | turned out | apparently | anyway | anyhow | but then
-    never mind | nevermind | forget it
-    found it | that is the question | that's the question | the answer
-    jedenfalls | egal | wie auch immer | na ja | naja | stellt sich heraus | es stellte sich heraus
-    wie sich herausstellte
-    bref | peu importe | enfin | il s'avère | en fin | da igual | resulta que | comunque | a quanto pare
-    lasciamo stare
-    hoe dan ook | blijkt | enfim | w każdym razie | okazało się | в общем | оказалось | неважно | každopádně
-    no nic
-    hur som helst
+    turns out | it turns out | it turned out | turned out | apparently | anyway | anyhow | but then | never mind
+    nevermind | forget it | found it | that is the question | that's the question | the answer
+    jedenfalls | egal | wie auch immer | na ja | naja | stellt sich heraus | es stellte sich heraus | bref | peu importe
+    il s'avère | resulta que | a quanto pare | hoe dan ook | blijkt | okazało się | оказалось | ukázalo se | hur som helst
   )"};
   return list;
 }
 
 const PhraseList& assurances() {
   static const PhraseList list{R"(
-    of course | obviously | natürlich | selbstverständlich | bien sûr | évidemment | claro | por supuesto | certo
-    ovviamente | natuurlijk | oczywiście | конечно | samozřejmě | såklart
+    of course | obviously | natürlich | selbstverständlich | bien sûr | évidemment | natuurlijk | såklart
   )"};
   return list;
 }

@@ -25,7 +25,8 @@ const PhraseList& calls();
 const PhraseList& whyWords();
 const PhraseList& reasons();
 const PhraseList& answers();
-/// How they go on after one that is done with, and after one that goes without saying.
+/// How they go on after one that is done with, and after one that goes without saying. Languages whose verbs need no
+/// word for the reader have few of these: there, the same words may go on after a question that asks.
 const PhraseList& conclusions();
 const PhraseList& assurances();
 /// Little questions that ask for a consent after a proposal, and are courtesies elsewhere.
