@@ -99,7 +99,9 @@ void verify(Connection& connection, const StoreTerms& terms) {
 
 /// Moves the log into the file, so that the file alone is the store.
 void emptyLog(Connection& connection) {
-  connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
+  if (connection.fetchOptionalInteger("PRAGMA wal_checkpoint(TRUNCATE)") != 0) {
+    throw StoreError({SQLITE_BUSY, sqliteCategory()}, "moving a new store's log into its file");
+  }
 }
 
 void checkBackup(int code, Connection& destination) {

@@ -14,18 +14,18 @@ namespace orvan {
 /// Who opens a store. It decides what is asked of the file, how each connection is prepared and what is asked of the
 /// content:
 ///
-/// | role                | the file must                 | a connection | the content must |
-/// |---------------------|-------------------------------|--------------|-----------------------------------------------|
-/// | `evidenceCompiler`  | not be plaintext              | only reads   | decrypt | | `dispositionStore`  | not be
-/// plaintext; is created  | writes       | decrypt                                       | | `programReader`     | be
-/// there, regular, encrypted  | only reads   | decrypt                                       | | `programWriter`     |
-/// be there, regular, encrypted  | writes       | decrypt                                       | | `applicationReader`
-/// | the same, and be the user's   | only reads   | have the canonical tables of this version     | |
-/// `applicationWriter` | alone, with its log           | writes       | have the canonical tables of this version     |
-/// | `applicationMover`  |                               | writes       | have the canonical tables of it or an older |
+/// | role                | the file must                  | a connection | the content must                   |
+/// |---------------------|--------------------------------|--------------|------------------------------------|
+/// | `evidenceCompiler`  | not be plaintext               | only reads   | decrypt                            |
+/// | `dispositionStore`  | not be plaintext; is created   | writes       | decrypt                            |
+/// | `programReader`     | be there, regular, encrypted   | only reads   | decrypt                            |
+/// | `programWriter`     | be there, regular, encrypted   | writes       | decrypt                            |
+/// | `applicationReader` | as well be the user's alone    | only reads   | have this version's tables         |
+/// | `applicationWriter` | as well be the user's alone    | writes       | have this version's tables         |
+/// | `applicationMover`  | as well be the user's alone    | writes       | have these or an older version's   |
 ///
-/// A program that embeds the library takes the two roles in the middle, for its own tables and for the projection
-/// reader and the follow-ups that it gives a connection to.
+/// A program that embeds the library takes `programReader` and `programWriter`, for its own tables and for the
+/// projection reader and the follow-ups that it gives a connection to.
 ///
 /// A connection that only reads never changes the file. One that writes keeps foreign keys, is on disk with each
 /// commit, keeps temporary content in memory, overwrites what is deleted, and leaves the write-ahead log to be moved
@@ -46,6 +46,9 @@ enum class StoreRole {
 ///
 /// A value, used from any thread. It holds no connection and no key: the vault is asked anew for each connection, and
 /// the key zeroed as soon as that has it. What it opens may outlive it.
+///
+/// A program that has a store open must not open its file in any other way, to copy or to read it: closing that would
+/// take away the process's locks on the store, and another program would remove the log from under it.
 ///
 /// Operations that fail throw Error with an EncryptedStoreError, or with a CredentialVaultError or anything else that
 /// the vault throws; StoreError for what SQLite reports, a key that does not fit and a damaged file among it

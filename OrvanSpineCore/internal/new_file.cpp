@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
@@ -53,6 +55,20 @@ bool renameUnlessTaken(const std::filesystem::path& from, const std::filesystem:
   return errno != EEXIST && link(from.c_str(), to.c_str()) == 0;
 }
 
+/// Waits as long as connections wait for each other. A file system without locks takes no turns; a name is still given
+/// to one file alone.
+bool takeTurn(int folder) {
+  constexpr std::chrono::milliseconds pause{5};
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{5};
+  while (flock(folder, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR)) {
+    if (std::chrono::steady_clock::now() >= end) {
+      return false;
+    }
+    std::this_thread::sleep_for(pause);
+  }
+  return true;
+}
+
 void requireFree(const std::filesystem::path& path) {
   if (std::filesystem::exists(std::filesystem::symlink_status(path))) {
     throw Error(std::make_error_code(std::errc::file_exists), "naming a new file");
@@ -66,8 +82,9 @@ NewFile::FolderLock::FolderLock(const std::filesystem::path& folder)
   if (descriptor_ < 0) {
     fail("opening a folder");
   }
-  // A file system without locks takes no turns; the names are still given to one file each.
-  while (flock(descriptor_, LOCK_EX) != 0 && errno == EINTR) {
+  if (!takeTurn(descriptor_)) {
+    close(descriptor_);
+    throw Error(std::make_error_code(std::errc::resource_unavailable_try_again), "waiting for a turn in a folder");
   }
 }
 

@@ -5,7 +5,8 @@
 namespace orvan::internal {
 
 /// A file that is to appear under its name whole or not at all: it is made under another name beside that, readable by
-/// its owner alone, and gets its own when it is finished. Whoever makes files in the same folder this way waits for it.
+/// its owner alone, and gets its own when it is finished. Whoever makes files in the same folder this way waits for it,
+/// for five seconds at most, and fails with resource_unavailable_try_again then.
 ///
 /// The other name is the same each time, so that what a killed program left is found and removed by the next one.
 ///

@@ -1,13 +1,16 @@
 #include "OrvanSpineCore/internal/store_file.h"
 
-#include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/encrypted_store_error.h"
@@ -15,49 +18,48 @@
 namespace orvan::internal {
 namespace {
 
+/// Nothing but this is read: a store may be a gigabyte.
 constexpr std::string_view plaintextHeader = "SQLite format 3";
 
-/// Nothing but the header is read: a store may be a gigabyte.
-using Header = std::array<char, plaintextHeader.size()>;
-
-[[noreturn]] void failWithSystemsReason(const char* attempt) {
-  throw Error({errno, std::generic_category()}, attempt);
-}
-
-std::string_view readHeader(int descriptor, Header& header) {
-  std::size_t length = 0;
-  while (length < header.size()) {
-    const auto count = pread(descriptor, header.data() + length, header.size() - length, static_cast<off_t>(length));
-    if (count < 0 && errno == EINTR) {
-      continue;
-    }
-    if (count < 0) {
-      failWithSystemsReason("reading the start of the store file");
-    }
-    if (count == 0) {
-      break;
-    }
-    length += static_cast<std::size_t>(count);
-  }
-  return {header.data(), length};
-}
-
-class OpenFile {
+/// A second descriptor for a store that is open in this process would, when it is closed, take away the locks that the
+/// process has on the file, and another program would then remove the log from under it. SQLite's own file layer knows
+/// which files are open and keeps such a descriptor until they are not.
+class FileThroughEngine {
  public:
-  /// A pipe would keep the opening waiting for a writer.
-  explicit OpenFile(const std::filesystem::path& path)
-      : descriptor_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
-    if (descriptor_ < 0) {
-      failWithSystemsReason("reading the start of the store file");
-    }
+  explicit FileThroughEngine(const std::filesystem::path& path)
+      : name_(path.native() + '\0'),
+        layer_(sqlite3_vfs_find(nullptr)),
+        memory_(static_cast<std::size_t>(layer_->szOsFile) / sizeof(void*) + 1) {
+    check(layer_->xOpen(layer_, name_.c_str(), file(), SQLITE_OPEN_READONLY | SQLITE_OPEN_MAIN_DB, nullptr));
   }
-  ~OpenFile() { close(descriptor_); }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-  int descriptor() const noexcept { return descriptor_; }
+  ~FileThroughEngine() { file()->pMethods->xClose(file()); }
+  FileThroughEngine(const FileThroughEngine&) = delete;
+  FileThroughEngine& operator=(const FileThroughEngine&) = delete;
+
+  /// What lies beyond the end reads as zeros.
+  template <std::size_t length>
+  std::array<char, length> start() {
+    std::array<char, length> bytes{};
+    const int code = file()->pMethods->xRead(file(), bytes.data(), static_cast<int>(length), 0);
+    check(code == SQLITE_IOERR_SHORT_READ ? SQLITE_OK : code);
+    return bytes;
+  }
 
  private:
-  int descriptor_;
+  sqlite3_file* file() noexcept { return reinterpret_cast<sqlite3_file*>(memory_.data()); }
+
+  void check(int code) const {
+    if (code != SQLITE_OK) {
+      const int reason = layer_->xGetLastError(layer_, 0, nullptr);
+      throw Error({reason == 0 ? EIO : reason, std::generic_category()}, "reading the start of the store file");
+    }
+  }
+
+  /// The layer takes a second zero for the end of a name's parameters.
+  std::string name_;
+  sqlite3_vfs* layer_;
+  /// The layer says how large its files are; they start with a pointer.
+  std::vector<void*> memory_;
 };
 
 /// Nothing when there is no file.
@@ -67,7 +69,7 @@ std::optional<struct stat> statusOf(const std::filesystem::path& file) {
     return status;
   }
   if (errno != ENOENT && errno != ENOTDIR) {
-    failWithSystemsReason("looking at the store's files");
+    throw Error({errno, std::generic_category()}, "looking at the store's files");
   }
   return std::nullopt;
 }
@@ -88,13 +90,19 @@ void requirePrivate(const struct stat& status) {
 } // namespace
 
 void rejectPlaintext(const std::filesystem::path& file) {
-  std::error_code ignored;
-  if (!std::filesystem::exists(file, ignored)) {
+  std::error_code unreachable;
+  const auto type = std::filesystem::status(file, unreachable).type();
+  if (type == std::filesystem::file_type::not_found || type == std::filesystem::file_type::none) {
     return;
   }
-  const OpenFile opened(file);
-  Header header{};
-  if (readHeader(opened.descriptor(), header) == plaintextHeader) {
+  if (type == std::filesystem::file_type::directory) {
+    throw Error(std::make_error_code(std::errc::is_a_directory), "reading the start of the store file");
+  }
+  // Opening a pipe would wait for a writer.
+  if (type != std::filesystem::file_type::regular) {
+    throw Error(std::make_error_code(std::errc::invalid_seek), "reading the start of the store file");
+  }
+  if (std::ranges::equal(FileThroughEngine(file).start<plaintextHeader.size()>(), plaintextHeader)) {
     throw Error(EncryptedStoreError::plaintext, "opening the store");
   }
 }

@@ -19,6 +19,8 @@ std::optional<ApplicationStoreError> knownFailureOf(const std::error_code& reaso
     case ENFILE:
     case ENOMEM:
       return ApplicationStoreError::systemExhausted;
+    case EAGAIN:
+      return ApplicationStoreError::storeBusy;
     case EACCES:
     case EPERM:
       return ApplicationStoreError::cannotReachStore;

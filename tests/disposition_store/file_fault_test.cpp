@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "tests/support/disposition_samples.h"
 #include "tests/support/faulting_vfs.h"
 #include "tests/support/test_store.h"
@@ -153,6 +156,44 @@ TEST(PowerCuts, LoseNothingThatWasAcknowledged) {
     EXPECT_THAT(damage(connection), IsEmpty());
     EXPECT_EQ(connection.fetchOptionalInteger("SELECT count(*) FROM relationship_attention_disposition"), number + 1);
   }
+}
+
+/// Another process that opens and closes a store at a word, as the application does.
+class OtherProgram {
+ public:
+  explicit OtherProgram(const std::filesystem::path& file) {
+    EXPECT_EQ(pipe(word_), 0);
+    process_ = fork();
+    if (process_ == 0) {
+      char any = 0;
+      static_cast<void>(!read(word_[0], &any, 1));
+      _exit(faultOf([&] { const Connection opened(file, keyedConfiguration()); }) ? 1 : 0);
+    }
+  }
+  int run() const {
+    int status = -1;
+    static_cast<void>(!write(word_[1], "!", 1));
+    waitpid(process_, &status, 0);
+    return status;
+  }
+
+ private:
+  int word_[2] = {-1, -1};
+  pid_t process_ = -1;
+};
+
+TEST(Locks, OfAnOpenStoreSurviveThatItsFileIsLookedAtOnceMore) {
+  deriveKeysQuickly();
+  const StoreInUse used;
+  const OtherProgram other(used.file());
+  auto store = used.open();
+  EncryptedStore::examine(used.file(), StoreRole::dispositionStore);
+  EXPECT_EQ(other.run(), 0);
+  EXPECT_TRUE(std::filesystem::exists(EncryptedStore::logFileOf(used.file()))) << "taken for nobody's";
+  StoreInUse::apply(*store, 4);
+  store.reset();
+  store = used.open();
+  EXPECT_FALSE(waitFor(store->executor(), store->records(numberedPerson(4))).empty());
 }
 
 } // namespace
