@@ -19,6 +19,22 @@ WHERE (
       LIMIT ?1
     )
   ) >= ?1
+  AND (
+    NOT EXISTS (
+      SELECT 1
+      FROM identity_membership im
+      JOIN source_identity mailbox ON mailbox.id = im.source_identity_id AND mailbox.kind <> 'person'
+      WHERE im.canonical_person_id = p.id
+        AND im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
+    )
+    OR EXISTS (
+      SELECT 1
+      FROM identity_membership im
+      JOIN source_identity mailbox ON mailbox.id = im.source_identity_id AND mailbox.kind = 'person'
+      WHERE im.canonical_person_id = p.id
+        AND im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
+    )
+  )
 ORDER BY p.id
 )sql";
 

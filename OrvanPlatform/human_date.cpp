@@ -4,8 +4,8 @@
 
 #include <memory>
 
+#include "OrvanPlatform/internal/user_locale.h"
 #include "OrvanPlatform/local_time.h"
-#include "OrvanPlatform/user_locale.h"
 
 namespace orvan {
 namespace {
@@ -18,9 +18,9 @@ struct Formatter {
 
 const icu::DateFormat* currentFormat() {
   thread_local Formatter kept;
-  auto locale = userLocaleName();
+  auto locale = internal::userLocaleName();
   if (kept.format == nullptr || kept.locale != locale) {
-    kept.format.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, userLocale(locale)));
+    kept.format.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, internal::userLocale(locale)));
     if (kept.format != nullptr) {
       kept.format->setTimeZone(*icu::TimeZone::getGMT());
     }

@@ -1,10 +1,10 @@
-#include "OrvanPlatform/sleep.h"
+#include "OrvanPlatform/internal/sleep.h"
 
 #include <boost/asio/this_coro.hpp>
 
-#include "OrvanPlatform/continuation.h"
+#include "OrvanPlatform/internal/continuation.h"
 
-namespace orvan {
+namespace orvan::internal {
 
 TaskHandle::TaskHandle() : state_(std::make_shared<State>()) {}
 
@@ -45,4 +45,4 @@ Task<SleepEnd> sleepUntil(std::shared_ptr<const Clock> clock, MonotonicInstant d
   return sleepUntil(std::move(clock), due, TaskHandle{});
 }
 
-} // namespace orvan
+} // namespace orvan::internal

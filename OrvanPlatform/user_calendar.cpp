@@ -4,8 +4,8 @@
 
 #include <memory>
 
+#include "OrvanPlatform/internal/user_locale.h"
 #include "OrvanPlatform/local_time.h"
-#include "OrvanPlatform/user_locale.h"
 
 namespace orvan {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 /// Reckons in local time: the change to and from UTC is made outside.
 std::unique_ptr<icu::Calendar> userCalendar(UErrorCode& error) {
   return std::unique_ptr<icu::Calendar>{
-      icu::Calendar::createInstance(*icu::TimeZone::getGMT(), userLocale(userLocaleName()), error)};
+      icu::Calendar::createInstance(*icu::TimeZone::getGMT(), internal::userLocale(internal::userLocaleName()), error)};
 }
 
 } // namespace

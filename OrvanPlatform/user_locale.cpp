@@ -1,11 +1,11 @@
-#include "OrvanPlatform/user_locale.h"
+#include "OrvanPlatform/internal/user_locale.h"
 
 #include <array>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 /// How the system's locale names say that a language is written in the less usual of its scripts.
@@ -40,4 +40,4 @@ icu::Locale userLocale(const std::string& name) {
   return locale;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -1,5 +1,8 @@
 #include "OrvanSpineCore/canonical_schema.h"
 
+#include <array>
+#include <string>
+
 namespace orvan {
 namespace {
 
@@ -253,19 +256,204 @@ CREATE INDEX post_commit_obligation_owed
   ON post_commit_obligation (kind, notification_key) WHERE settled_at IS NULL;
 )sql";
 
-// "Orvn", so that tools can tell what the file is once it is decrypted.
-constexpr const char* identity = R"sql(
-PRAGMA application_id = 0x4f72766e;
-PRAGMA user_version = 1;
+// What only the importers use. They made these tables themselves in stores of version 1, where they may be missing.
+constexpr const char* imports = R"sql(
+CREATE TABLE IF NOT EXISTS own_address (
+  address TEXT NOT NULL PRIMARY KEY
+) STRICT, WITHOUT ROWID;
+
+-- Every Message-ID that was read or referred to, as a number made from it: which thread it belongs to, and whether the
+-- mail itself was 'imported', 'passed_over' (nobody wrote it to the user) or only 'referenced' so far.
+CREATE TABLE IF NOT EXISTS mail_reference (
+  message_key INTEGER PRIMARY KEY,
+  thread_id TEXT,
+  state TEXT NOT NULL
+) STRICT;
+
+-- Threads that a later mail showed to be part of another one.
+CREATE TABLE IF NOT EXISTS merged_thread (
+  thread_id TEXT NOT NULL PRIMARY KEY,
+  merged_into TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS merged_thread_by_target ON merged_thread (merged_into);
+
+-- Questions put to the user that are not known to be answered.
+CREATE TABLE IF NOT EXISTS pending_question (
+  interaction_id TEXT NOT NULL PRIMARY KEY,
+  thread_id TEXT NOT NULL,
+  source_identity_id TEXT NOT NULL,
+  asked_at TEXT NOT NULL,
+  question TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS pending_question_by_thread ON pending_question (thread_id);
+
+-- Which calendar files list a meeting and at which import of each it was seen last.
+CREATE TABLE IF NOT EXISTS calendar_entry (
+  interaction_id TEXT NOT NULL,
+  calendar TEXT NOT NULL,
+  seen_in INTEGER NOT NULL,
+  PRIMARY KEY (interaction_id, calendar)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS calendar_entry_by_calendar ON calendar_entry (calendar, seen_in);
 )sql";
+
+// What tells, without a look at anybody's history, who can have a reason to be written to and how much the user deals
+// with whom. Whoever writes interactions keeps these along with them.
+// What was imported before is told as far as it is known: who else was on a mail is no contact, and which mails were to
+// the user alone is learned when they are read again.
+constexpr const char* contact = R"sql(
+-- What reads the mailbox: 'person', 'role' (an office), 'machine', 'list', or 'likely_list' (it is written to as a list
+-- is). Only people are projected.
+ALTER TABLE source_identity ADD COLUMN kind TEXT NOT NULL DEFAULT 'person';
+
+-- How much there was between the user and an identity in a week, counted in whole weeks since 1970: mails that the user
+-- sent to them, mails that they sent to the user alone, mails to or from them in the company of others, and meetings.
+-- The week comes first: an import goes forward in time, and a list looks at the last year.
+CREATE TABLE contact_week (
+  week INTEGER NOT NULL,
+  source_identity_id TEXT NOT NULL,
+  sent INTEGER NOT NULL,
+  received INTEGER NOT NULL,
+  in_company INTEGER NOT NULL,
+  met INTEGER NOT NULL,
+  PRIMARY KEY (week, source_identity_id)
+) STRICT, WITHOUT ROWID;
+
+-- Since when there is contact at all, and since when the user wrote to the identity or met it.
+CREATE TABLE contact_span (
+  source_identity_id TEXT NOT NULL PRIMARY KEY,
+  first_contact_at TEXT NOT NULL,
+  first_reached_at TEXT
+) STRICT, WITHOUT ROWID;
+
+-- The threads whose latest interaction is a mail to the user alone, and who wrote it when.
+CREATE TABLE waiting_thread (
+  thread_id TEXT NOT NULL PRIMARY KEY,
+  source_identity_id TEXT NOT NULL,
+  since TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+CREATE INDEX waiting_thread_by_identity ON waiting_thread (source_identity_id);
+
+-- What a mail program finds a message by.
+CREATE TABLE message_text (
+  interaction_id TEXT NOT NULL PRIMARY KEY,
+  message_id TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+
+-- Where a meeting takes place, when the calendar tells.
+CREATE TABLE meeting_text (
+  interaction_id TEXT NOT NULL PRIMARY KEY,
+  location TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+
+-- state is what a mail is as far as its copies tell: 'referenced' (none was read yet), 'passed_over' (it does not concern
+-- the user), 'group', 'direct' or 'own'. is_answered tells whether a mail of the user's refers to it.
+ALTER TABLE mail_reference ADD COLUMN is_answered INTEGER NOT NULL DEFAULT 0;
+UPDATE mail_reference SET state = 'group' WHERE state = 'imported';
+
+ALTER TABLE pending_question ADD COLUMN message_key INTEGER NOT NULL DEFAULT 0;
+CREATE INDEX pending_question_by_identity ON pending_question (source_identity_id);
+CREATE INDEX pending_question_by_message ON pending_question (message_key);
+
+-- How an address is used by others than the user: on how many mails it stands as a reader, who wrote these (each writer
+-- a bit), and how many mails came from it. An address that many write to and that never writes is a list.
+CREATE TABLE address_use (
+  source_identity_id TEXT NOT NULL PRIMARY KEY,
+  named INTEGER NOT NULL,
+  named_by INTEGER NOT NULL,
+  written INTEGER NOT NULL
+) STRICT, WITHOUT ROWID;
+
+DELETE FROM interaction_participant
+WHERE EXISTS (
+  SELECT 1 FROM interaction mail
+  WHERE mail.id = interaction_participant.interaction_id AND mail.direction = 'inbound'
+    AND mail.source_identity_id <> interaction_participant.source_identity_id);
+
+INSERT INTO contact_week (week, source_identity_id, sent, received, in_company, met)
+SELECT strftime('%s', i.occurred_at) / 604800, present.source_identity_id,
+       sum(i.direction = 'outbound'),
+       sum(i.direction = 'inbound' AND event.conversation_kind = 'direct'),
+       sum(i.direction = 'inbound' AND event.conversation_kind <> 'direct'),
+       sum(i.kind = 'meeting')
+FROM interaction_participant present
+JOIN interaction i ON i.id = present.interaction_id
+JOIN source_event event ON event.id = i.source_event_id
+GROUP BY 1, 2;
+
+INSERT INTO contact_span (source_identity_id, first_contact_at, first_reached_at)
+SELECT present.source_identity_id, min(i.occurred_at),
+       min(CASE WHEN i.direction <> 'inbound' THEN i.occurred_at END)
+FROM interaction_participant present
+JOIN interaction i ON i.id = present.interaction_id
+GROUP BY 1;
+
+INSERT INTO waiting_thread (thread_id, source_identity_id, since)
+SELECT latest.thread_id, latest.source_identity_id, latest.occurred_at
+FROM interaction latest
+JOIN source_event event ON event.id = latest.source_event_id AND event.conversation_kind = 'direct'
+WHERE latest.direction = 'inbound' AND latest.source_identity_id IS NOT NULL AND latest.thread_id IS NOT NULL
+  AND NOT EXISTS (
+    SELECT 1 FROM interaction later
+    WHERE later.thread_id = latest.thread_id AND later.occurred_at > latest.occurred_at)
+ON CONFLICT DO NOTHING;
+)sql";
+
+void createWhatTheLibraryReads(Connection& connection) {
+  for (const char* script : {people, history, claimsAndLoops, whatMayBeShown, attention, followUps, actions}) {
+    connection.executeScript(script);
+  }
+}
+
+void createWhatImportsRemember(Connection& connection) {
+  connection.executeScript(imports);
+}
+
+void createWhatTellsOfContact(Connection& connection) {
+  connection.executeScript(contact);
+}
+
+/// From the version before to `version`, within the caller's transaction.
+struct Step {
+  std::int64_t version;
+  void (*make)(Connection& connection);
+};
+
+// A new store goes all steps, an older one those that it lacks. A step that was published stays as it is; what is to
+// change becomes the next one.
+constexpr std::array<Step, 3> steps{{
+    {1, createWhatTheLibraryReads},
+    {2, createWhatImportsRemember},
+    {3, createWhatTellsOfContact},
+}};
+
+void makeStepsAfter(std::int64_t version, Connection& connection) {
+  for (const auto& step : steps) {
+    if (step.version > version) {
+      step.make(connection);
+      connection.executeScript("PRAGMA user_version = " + std::to_string(step.version));
+    }
+  }
+}
 
 } // namespace
 
+SchemaIdentity SchemaIdentity::of(Connection& connection) {
+  return {connection.fetchOptionalInteger("PRAGMA application_id").value_or(0),
+          connection.fetchOptionalInteger("PRAGMA user_version").value_or(0)};
+}
+
+SchemaIdentity SchemaIdentity::newest() noexcept {
+  return {orvan, steps.back().version};
+}
+
 void createCanonicalSchema(Connection& connection) {
-  for (const char* script :
-       {people, history, claimsAndLoops, whatMayBeShown, attention, followUps, actions, identity}) {
-    connection.executeScript(script);
-  }
+  makeStepsAfter(0, connection);
+  connection.executeScript("PRAGMA application_id = " + std::to_string(SchemaIdentity::orvan));
+}
+
+void moveCanonicalSchemaForward(Connection& connection) {
+  makeStepsAfter(SchemaIdentity::of(connection).version, connection);
 }
 
 } // namespace orvan

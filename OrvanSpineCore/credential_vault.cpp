@@ -23,6 +23,8 @@ class CredentialVaultCategory final : public std::error_category {
         return "the key file can be read by others than its owner";
       case CredentialVaultError::keyExists:
         return "there is a key already";
+      case CredentialVaultError::keyFileNotRegular:
+        return "the key file is a folder, a pipe or a device";
     }
     return "unknown vault error";
   }

@@ -21,6 +21,8 @@ enum class CredentialVaultError {
   keyFileNotPrivate,
   /// A key is there already and would have been overwritten.
   keyExists,
+  /// What should be the key file is a folder, a pipe or a device.
+  keyFileNotRegular,
 };
 
 std::error_code make_error_code(CredentialVaultError error) noexcept;

@@ -6,12 +6,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <span>
-#include <string>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanSpineCore/internal/new_file.h"
 
 namespace orvan {
 namespace {
@@ -39,10 +38,13 @@ class Descriptor {
   throw Error(error, attempt);
 }
 
-void requirePrivate(int descriptor) {
+void requireRegularAndPrivate(int descriptor) {
   struct stat status{};
-  if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+  if (fstat(descriptor, &status) != 0) {
     fail(CredentialVaultError::accessFailed, "looking at the key file");
+  }
+  if (!S_ISREG(status.st_mode)) {
+    fail(CredentialVaultError::keyFileNotRegular, "looking at the key file");
   }
   constexpr mode_t everyoneElse = 077;
   if ((status.st_mode & everyoneElse) != 0 || status.st_uid != geteuid()) {
@@ -82,41 +84,12 @@ void writeAll(int descriptor, std::span<const unsigned char> bytes) {
   }
 }
 
-/// A file beside the key's, readable by its owner alone, and gone at the end. Half a key under the key's own name would
-/// pass for one, so the name is given to a file that is whole.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::filesystem::path& beside)
-      : path_(beside.native() + ".XXXXXX"), file_(mkostemp(path_.data(), O_CLOEXEC)) {
-    if (!file_.isOpen()) {
-      fail(CredentialVaultError::accessFailed, "creating the key file");
-    }
+void writeInto(const std::filesystem::path& path, std::span<const unsigned char> bytes) {
+  const Descriptor file{open(path.c_str(), O_WRONLY | O_CLOEXEC)};
+  if (!file.isOpen()) {
+    fail(CredentialVaultError::accessFailed, "opening the new key file");
   }
-  ~TemporaryFile() { unlink(path_.c_str()); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  int descriptor() const noexcept { return file_.number(); }
-
-  /// Gives the file the name `path`, unless that is taken.
-  void appearAs(const std::filesystem::path& path) const {
-    if (link(path_.c_str(), path.c_str()) != 0) {
-      fail(errno == EEXIST ? CredentialVaultError::keyExists : CredentialVaultError::accessFailed,
-           "naming the key file");
-    }
-  }
-
- private:
-  std::string path_;
-  Descriptor file_;
-};
-
-/// A new file's name survives a crash only once its directory is synced.
-void syncDirectory(const std::filesystem::path& directory) {
-  const Descriptor opened{open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-  if (!opened.isOpen() || fsync(opened.number()) != 0) {
-    fail(CredentialVaultError::accessFailed, "syncing the key file's directory");
-  }
+  writeAll(file.number(), bytes);
 }
 
 } // namespace
@@ -124,14 +97,15 @@ void syncDirectory(const std::filesystem::path& directory) {
 KeyFile::KeyFile(std::filesystem::path path) : path_(std::move(path)) {}
 
 std::optional<SecretBytes> KeyFile::loadLocalStoreKey() const {
-  const Descriptor file{open(path_.c_str(), O_RDONLY | O_CLOEXEC)};
+  // A pipe would keep the opening waiting for a writer.
+  const Descriptor file{open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
   if (!file.isOpen()) {
     if (errno == ENOENT) {
       return std::nullopt;
     }
     fail(CredentialVaultError::accessFailed, "opening the key file");
   }
-  requirePrivate(file.number());
+  requireRegularAndPrivate(file.number());
   SecretBytes buffer(mostBytesRead);
   const auto length = readInto(file.number(), buffer.bytes());
   return SecretBytes{buffer.bytes().first(length)};
@@ -142,13 +116,16 @@ void KeyFile::create() const {
   if (RAND_priv_bytes(key.bytes().data(), static_cast<int>(key.size())) != 1) {
     fail(CredentialVaultError::accessFailed, "making a random key");
   }
-  const TemporaryFile file(path_);
-  writeAll(file.descriptor(), key.bytes());
-  if (fsync(file.descriptor()) != 0) {
-    fail(CredentialVaultError::accessFailed, "syncing the key file");
+  try {
+    internal::NewFile file(path_);
+    writeInto(file.path(), key.bytes());
+    file.appear();
+  } catch (const Error& error) {
+    if (error.code() == std::errc::file_exists) {
+      fail(CredentialVaultError::keyExists, "naming the key file");
+    }
+    fail(CredentialVaultError::accessFailed, "making the key file");
   }
-  file.appearAs(path_);
-  syncDirectory(path_.has_parent_path() ? path_.parent_path() : ".");
 }
 
 } // namespace orvan

@@ -17,12 +17,14 @@ class KeyFile final : public CredentialSource {
   explicit KeyFile(std::filesystem::path path);
 
   /// The file's bytes (at most 4096 of them), whatever their number; nothing when there is no file. A file that others
-  /// can read or write, or that belongs to someone else, is refused with keyFileNotPrivate.
+  /// can read or write, or that belongs to someone else, is refused with keyFileNotPrivate, and a folder, pipe or
+  /// device with keyFileNotRegular.
   std::optional<SecretBytes> loadLocalStoreKey() const override;
 
   /// Makes a new random key of keyLength bytes and writes it, synced to disk; whatever interrupts it, the file is there
-  /// with the whole key or not at all. Refuses with keyExists when the file is there. The caller makes sure that no
-  /// store exists yet: a store's content is lost with its key.
+  /// with the whole key or not at all, and what is left of an interruption goes with the next call. Refuses with
+  /// keyExists when the file is there. The caller makes sure that no store exists yet: a store's content is lost with
+  /// its key.
   void create() const;
 
  private:

@@ -1,6 +1,7 @@
 #include "OrvanStore/connection.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <mutex>
@@ -72,7 +73,7 @@ Connection::Connection(const std::filesystem::path& file, const ConnectionConfig
   const int code = sqlite3_open_v2(file.c_str(), &opened, openFlags(configuration.mode), nullptr);
   handle_.reset(opened);
   if (code != SQLITE_OK) {
-    throw StoreError({code, sqliteCategory()}, "opening the store file");
+    throw StoreError::latestOf(opened, "opening the store file");
   }
   sqlite3_db_config(opened, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, configuration.checkpointsOnClose ? 0 : 1, nullptr);
   sqlite3_busy_timeout(opened, static_cast<int>(busyTimeout_.count()));
@@ -84,6 +85,18 @@ Connection::Connection(const std::filesystem::path& file, const ConnectionConfig
   if (configuration.pageCacheCeilingKiB > 0) {
     setPageCacheCeiling(configuration.pageCacheCeilingKiB);
   }
+}
+
+FileIdentity Connection::fileIdentity() const {
+  struct stat status{};
+  int wasMoved = 0;
+  // SQLite compares the path with the file it has open; looked at in this order, both are the file at the path.
+  const bool isThere = stat(sqlite3_db_filename(handle_.get(), "main"), &status) == 0;
+  sqlite3_file_control(handle_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &wasMoved);
+  if (!isThere || wasMoved != 0) {
+    throw StoreError(StoreFault::fileReplaced, "looking at the store file");
+  }
+  return {status.st_dev, status.st_ino};
 }
 
 void Connection::setPageCacheCeiling(std::int64_t kiB) {
@@ -109,7 +122,7 @@ Query Connection::queryWithTexts(std::string_view sql, std::span<const std::stri
 void Connection::executeScript(std::string_view script) {
   const std::string terminated{script};
   if (sqlite3_exec(handle_.get(), terminated.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
-    throw StoreError({sqlite3_extended_errcode(handle_.get()), sqliteCategory()}, terminated);
+    throw StoreError::latestOf(handle_.get(), terminated);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sqlite3.h>
+#include <sys/types.h>
 
 #include <chrono>
 #include <cstdint>
@@ -54,8 +55,20 @@ struct ConnectionConfiguration {
   std::size_t statementCacheCapacity = 128;
 };
 
+/// Which file it is, whatever its name.
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t number = 0;
+
+  friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
 /// One connection to a store file. Used by one thread at a time; DatabaseQueue and DatabasePool see to that. Every
 /// operation throws StoreError when SQLite reports a fault.
+///
+/// The first connection of a process turns off SQLCipher's own log for the whole process: it would write to standard
+/// error whenever a page does not decrypt. A program that wants it turns it on again after that, with "PRAGMA
+/// cipher_log_level".
 class Connection {
  public:
   /// Opens the file and prepares the connection as `configuration` says.
@@ -116,6 +129,9 @@ class Connection {
 
   /// How long the connection waits for the locks of others, as its preparation left it.
   std::chrono::milliseconds busyTimeout() const noexcept { return busyTimeout_; }
+
+  /// The file that is open. Throws StoreFault::fileReplaced when it is no longer the one at its path.
+  FileIdentity fileIdentity() const;
 
   bool isInTransaction() const noexcept { return sqlite3_get_autocommit(handle_.get()) == 0; }
 

@@ -3,10 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "OrvanStore/store_error.h"
+
 namespace orvan {
 
-DatabasePool::DatabasePool(std::filesystem::path file, Configuration configuration)
-    : file_(std::move(file)), configuration_(std::move(configuration)), writer_(file_, configuration_.connection) {
+DatabasePool::DatabasePool(const std::filesystem::path& file, Configuration configuration)
+    : file_(std::filesystem::absolute(file)),
+      configuration_(std::move(configuration)),
+      writer_(file_, configuration_.connection),
+      identity_(writer_.withoutTransaction([](const Connection& writer) { return writer.fileIdentity(); })) {
   const MutexLock lock(mutex_);
   idleReaders_.reserve(std::max<std::size_t>(configuration_.mostReaders, 1));
 }
@@ -16,13 +21,21 @@ std::unique_ptr<Connection> DatabasePool::takeReader() {
     return reader;
   }
   try {
-    auto readOnly = configuration_.connection;
-    readOnly.mode = OpenMode::readOnly;
-    return std::make_unique<Connection>(file_, readOnly);
+    return makeReader();
   } catch (...) {
     dropReservation();
     throw;
   }
+}
+
+std::unique_ptr<Connection> DatabasePool::makeReader() const {
+  auto readOnly = configuration_.connection;
+  readOnly.mode = OpenMode::readOnly;
+  auto reader = std::make_unique<Connection>(file_, readOnly);
+  if (reader->fileIdentity() != identity_) {
+    throw StoreError(StoreFault::fileReplaced, "opening the store file once more");
+  }
+  return reader;
 }
 
 std::unique_ptr<Connection> DatabasePool::takeIdleReaderOrReserve() {

@@ -19,7 +19,9 @@ namespace orvan {
 /// and see the last committed state. May be called from any thread; a call waits on its own thread for its connection.
 ///
 /// The writer is opened at once. A reader is opened when a read finds none idle, and kept: keying a connection takes
-/// far longer than a read.
+/// far longer than a read. All are connections to the file that lay at the path when the pool was made: a relative path
+/// counts from the folder that was current then, and a reader that finds another file there fails with
+/// StoreFault::fileReplaced.
 class DatabasePool {
  public:
   struct Configuration {
@@ -29,7 +31,7 @@ class DatabasePool {
 
   /// Opens the writer. `configuration.connection.prepare` must leave the file in write-ahead-log mode; it runs on every
   /// connection, the readers included, which are opened read-only.
-  DatabasePool(std::filesystem::path file, Configuration configuration);
+  DatabasePool(const std::filesystem::path& file, Configuration configuration);
 
   /// Runs `body(Connection&)` in a read transaction on a reader. When all readers are busy and no more may be opened,
   /// it waits for one.
@@ -38,6 +40,9 @@ class DatabasePool {
     const ReaderLease reader(*this);
     return inTransaction(reader.connection(), TransactionKind::read, body);
   }
+
+  /// Opens a reader unless one is idle, so that what keeps one from opening can be told from a fault of the reading.
+  void openReader() { const ReaderLease opened(*this); }
 
   /// Runs `body(Connection&)` in a read transaction on the writer: for checks while opening, when no reader is open
   /// yet.
@@ -77,6 +82,7 @@ class DatabasePool {
   };
 
   std::unique_ptr<Connection> takeReader() ORVAN_EXCLUDES(mutex_);
+  std::unique_ptr<Connection> makeReader() const;
   /// An idle reader, or nothing after counting one more that the caller is to open.
   std::unique_ptr<Connection> takeIdleReaderOrReserve() ORVAN_EXCLUDES(mutex_);
   void giveBack(std::unique_ptr<Connection> reader) noexcept ORVAN_EXCLUDES(mutex_);
@@ -85,6 +91,7 @@ class DatabasePool {
   const std::filesystem::path file_;
   const Configuration configuration_;
   DatabaseQueue writer_;
+  const FileIdentity identity_;
 
   Mutex mutex_;
   std::condition_variable_any readerReturned_;

@@ -12,7 +12,7 @@ Statement::Statement(sqlite3* connection, std::string_view sql) : sql_(sql) {
                                       &compiled, nullptr);
   handle_.reset(compiled);
   if (code != SQLITE_OK) {
-    throw StoreError({sqlite3_extended_errcode(connection), sqliteCategory()}, sql_);
+    throw StoreError::latestOf(connection, sql_);
   }
   const int columns = sqlite3_column_count(compiled);
   columnNames_.reserve(static_cast<std::size_t>(columns));
@@ -41,7 +41,7 @@ bool Statement::step() {
     return true;
   }
   if (code != SQLITE_DONE) {
-    throw StoreError({sqlite3_extended_errcode(sqlite3_db_handle(handle_.get())), sqliteCategory()}, sql_);
+    throw StoreError::latestOf(sqlite3_db_handle(handle_.get()), sql_);
   }
   return false;
 }
@@ -76,7 +76,7 @@ std::int64_t Statement::integer(Column column) const noexcept {
 
 void Statement::check(int code) const {
   if (code != SQLITE_OK) {
-    throw StoreError({sqlite3_extended_errcode(sqlite3_db_handle(handle_.get())), sqliteCategory()}, sql_);
+    throw StoreError::latestOf(sqlite3_db_handle(handle_.get()), sql_);
   }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sqlite3.h>
+
 #include <string>
 
 #include "OrvanPlatform/error.h"
@@ -16,6 +18,8 @@ enum class StoreFault {
   rowMissing,
   /// The SQLite that this process loaded cannot encrypt: another library came before SQLCipher.
   engineCannotEncrypt,
+  /// At the path of an open store lies another file than the one that was opened, or none.
+  fileReplaced,
 };
 
 std::error_code make_error_code(StoreFault fault) noexcept;
@@ -29,13 +33,21 @@ class StoreError : public Error {
  public:
   StoreError(std::error_code code, std::string statement);
 
+  /// The fault that SQLite holds ready for `connection`, which may be null when there was no memory to make one.
+  static StoreError latestOf(sqlite3* connection, std::string statement);
+
   /// SQLite's extended result code, or 0 when the fault was found by this layer.
   int extendedCode() const noexcept;
   /// The statement's text with its placeholders, or what was attempted where there was no statement.
   const std::string& statement() const noexcept { return statement_; }
 
+  /// Why the system refused what SQLite asked of it (ENOSPC, EACCES, ...); empty when that was not the cause, or SQLite
+  /// does not know.
+  std::error_code systemReason() const noexcept { return systemReason_; }
+
  private:
   std::string statement_;
+  std::error_code systemReason_;
 };
 
 } // namespace orvan

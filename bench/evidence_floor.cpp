@@ -6,7 +6,8 @@
 #include <cstdlib>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_options.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_compiler_options.h"
+#include "OrvanSpineCore/internal/store_terms.h"
 #include "tests/support/test_store.h"
 
 namespace orvan::bench {
@@ -33,6 +34,10 @@ void require(bool holds, sqlite3* connection) {
     std::fprintf(stderr, "The floor's connection failed: %s\n", sqlite3_errmsg(connection));
     std::exit(1); // NOLINT(concurrency-mt-unsafe): no other thread runs here.
   }
+}
+
+void execute(const char* statement, sqlite3* connection) {
+  require(sqlite3_exec(connection, statement, nullptr, nullptr, nullptr) == SQLITE_OK, connection);
 }
 
 /// One run of a statement, reset at its end.
@@ -99,10 +104,12 @@ EvidenceFloor::EvidenceFloor(const std::filesystem::path& file, const Statements
   sqlite3_busy_timeout(opened, 5000);
   const auto key = KeyInMemory{}.bytes();
   require(sqlite3_key(opened, key.bytes().data(), static_cast<int>(key.size())) == SQLITE_OK, opened);
-  for (const char* setting : {"PRAGMA cipher_page_size = 4096", "PRAGMA busy_timeout = 5000", "PRAGMA query_only = 1",
-                              "PRAGMA cache_size = -65536", "BEGIN", "PRAGMA cipher_version",
-                              "SELECT count(*) FROM sqlite_master", "COMMIT"}) {
-    require(sqlite3_exec(opened, setting, nullptr, nullptr, nullptr) == SQLITE_OK, opened);
+  for (const char* setting : internal::termsOf(StoreRole::evidenceCompiler).preparation) {
+    execute(setting, opened);
+  }
+  for (const char* statement : {"PRAGMA cache_size = -65536", "BEGIN", "PRAGMA cipher_version",
+                                "SELECT count(*) FROM sqlite_master", "COMMIT"}) {
+    execute(statement, opened);
   }
   begin_ = prepare("BEGIN");
   commit_ = prepare("COMMIT");

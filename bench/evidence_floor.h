@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "OrvanPlatform/instant.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
-#include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/changed_context_detector.h"
 
 namespace orvan::bench {
 

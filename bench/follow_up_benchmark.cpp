@@ -24,10 +24,10 @@
 #include <vector>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_authorization_recovery.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
-#include "OrvanRelationshipAttention/follow_up/reminder_text.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_authorization_recovery.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_text.h"
 #include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
 #include "OrvanSpineCore/canonical_schema.h"
 #include "OrvanStore/transaction.h"
@@ -184,7 +184,8 @@ void measureWaiters() {
   constexpr std::size_t count = 10000;
   Bench bench;
   bench.center->script(InMemoryNotificationCenter::Operation::requestAuthorization, CenterBehaviour::hang());
-  const auto recovery = std::make_shared<FollowUpAuthorizationRecovery>(bench.loop.get_executor(), bench.clock);
+  const auto recovery =
+      std::make_shared<internal::FollowUpAuthorizationRecovery>(bench.loop.get_executor(), bench.clock);
   std::size_t resumed = 0;
   for (std::size_t index = 0; index < count; ++index) {
     boost::asio::co_spawn(bench.loop, recovery->waitForAuthorization(bench.notifications, 20s),

@@ -3,15 +3,11 @@
 #include <stdexcept>
 
 #include "OrvanSpineCore/credential_vault.h"
+#include "OrvanSpineCore/internal/store_terms.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
 namespace {
-
-constexpr const char* preparation =
-    "PRAGMA cipher_page_size = 4096; PRAGMA foreign_keys = ON; PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
-    "PRAGMA temp_store = MEMORY; PRAGMA wal_autocheckpoint = 0; PRAGMA mmap_size = 0; PRAGMA secure_delete = ON;"
-    "PRAGMA busy_timeout = 5000; PRAGMA cache_size = -65536";
 
 constexpr std::array texts{
     "BEGIN IMMEDIATE",
@@ -46,7 +42,10 @@ HandWrittenApply::HandWrittenApply(const std::filesystem::path& file) {
   const auto key = KeyInMemory{}.loadLocalStoreKey();
   require(sqlite3_open_v2(file.c_str(), &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) == SQLITE_OK);
   require(sqlite3_key(handle_, key->bytes().data(), static_cast<int>(key->size())) == SQLITE_OK);
-  require(sqlite3_exec(handle_, preparation, nullptr, nullptr, nullptr) == SQLITE_OK);
+  for (const char* statement : internal::termsOf(StoreRole::dispositionStore).preparation) {
+    require(sqlite3_exec(handle_, statement, nullptr, nullptr, nullptr) == SQLITE_OK);
+  }
+  require(sqlite3_exec(handle_, "PRAGMA cache_size = -65536", nullptr, nullptr, nullptr) == SQLITE_OK);
   for (std::size_t step = 0; step < texts.size(); ++step) {
     require(sqlite3_prepare_v3(handle_, texts.at(step), -1, SQLITE_PREPARE_PERSISTENT, &statements_.at(step),
                                nullptr) == SQLITE_OK);

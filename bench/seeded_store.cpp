@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanSpineCore/canonical_schema.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "OrvanStore/transaction.h"
 #include "tests/support/test_store.h"
 
@@ -230,14 +230,12 @@ void write(Table& table, Connection& connection) {
   table.rows = {};
 }
 
-Connection openForWriting(const std::filesystem::path& file) {
-  ConnectionConfiguration configuration;
-  configuration.pageCacheCeilingKiB = std::int64_t{1024} * 1024;
-  configuration.prepare = [](Connection& connection) {
-    connection.key(KeyInMemory{}.bytes().bytes());
-    connection.executeScript("PRAGMA cipher_page_size = 4096; PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF");
-  };
-  return Connection{file, configuration};
+void fill(Tables& tables, Connection& connection) {
+  connection.setPageCacheCeiling(std::int64_t{1024} * 1024);
+  for (auto* table : tables.all()) {
+    write(*table, connection);
+  }
+  connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 } // namespace
@@ -257,12 +255,11 @@ SeededStore makeSeededStore(const std::filesystem::path& file, const StoreSize& 
   }
   addAccounts(tables);
 
-  Connection connection = openForWriting(file);
-  inTransaction(connection, TransactionKind::write, createCanonicalSchema);
-  for (auto* table : tables.all()) {
-    write(*table, connection);
-  }
-  connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
+  const EncryptedStore encrypted(file, CredentialVault{std::make_shared<KeyInMemory>()});
+  encrypted.create();
+  encrypted.openQueue(StoreRole::programWriter)->withoutTransaction([&tables](Connection& connection) {
+    fill(tables, connection);
+  });
   return store;
 }
 

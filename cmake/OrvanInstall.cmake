@@ -5,21 +5,12 @@ include(CMakePackageConfigHelpers)
 
 set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/OrvanRelationshipAttention")
 
-# Headers that only the library's own sources include.
-string(JOIN "|" internal_headers
-  "_internal"
-  "OrvanPlatform/user_(locale|time_zone)"
-  "evidence/evidence_queries"
-  "disposition_store/disposition_rows"
-  "follow_up/attention_resolution"
-  "follow_up/authorization_watcher"
-  "follow_up/follow_up_(authorization_recovery|candidates|key|log|parts|registration_race|rows)"
-  "follow_up/reminder_(reconciliation|registration|text)")
-
+# The headers that lie right in a library's folder are its users'. Of the folders within, internal/ is for the library's
+# own sources, and any other is a library of its own.
 function(orvan_install_headers folder)
   # Read when the package is installed: listing the folder while configuring would have every build look for new files.
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
-    FILES_MATCHING PATTERN "*.h" REGEX "(${internal_headers})\\.h$" EXCLUDE)
+    FILES_MATCHING PATTERN "*.h" REGEX "/${folder}/[^/.]+$" EXCLUDE)
 endfunction()
 
 get_property(libraries GLOBAL PROPERTY ORVAN_LIBRARIES)
@@ -27,9 +18,7 @@ foreach(library IN LISTS libraries)
   get_property(folder TARGET ${library} PROPERTY ORVAN_FOLDER)
   if(NOT folder MATCHES "^(application|bench|tests)(/|$)")
     install(TARGETS ${library} EXPORT OrvanRelationshipAttentionTargets)
-    if(NOT library STREQUAL orvan_store_access)
-      orvan_install_headers(${folder})
-    endif()
+    orvan_install_headers(${folder})
   endif()
 endforeach()
 install(TARGETS orvan_relationship_attention EXPORT OrvanRelationshipAttentionTargets)

@@ -3,11 +3,26 @@
 
 include(GNUInstallDirs)
 
+# What programs call a target, in our build and in the installed package alike: orvan_test_support is Orvan::TestSupport.
+function(orvan_name_for_programs target)
+  string(REGEX REPLACE "^orvan_" "" name ${target})
+  string(REGEX MATCHALL "[a-z]+" words ${name})
+  set(name "")
+  foreach(word IN LISTS words)
+    string(SUBSTRING ${word} 0 1 initial)
+    string(SUBSTRING ${word} 1 -1 rest)
+    string(TOUPPER ${initial} initial)
+    string(APPEND name ${initial}${rest})
+  endforeach()
+  add_library(Orvan::${name} ALIAS ${target})
+  set_property(TARGET ${target} PROPERTY EXPORT_NAME ${name})
+endfunction()
+
 # orvan_library(NAME target FOLDER path/from/the/root SOURCES ... [PUBLIC ...] [PRIVATE ...])
 function(orvan_library)
   cmake_parse_arguments(ARG "" "NAME;FOLDER" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(${ARG_NAME} STATIC ${ARG_SOURCES})
-  add_library(Orvan::${ARG_NAME} ALIAS ${ARG_NAME})
+  orvan_name_for_programs(${ARG_NAME})
   set(include_root "${CMAKE_BINARY_DIR}/include/${ARG_NAME}")
   cmake_path(GET ARG_FOLDER PARENT_PATH parent)
   file(MAKE_DIRECTORY "${include_root}/${parent}")

@@ -9,7 +9,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "OrvanObservatory/store_projection_reader.h"
@@ -18,27 +17,16 @@
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler.h"
 #include "OrvanSpineCore/credential_vault.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "OrvanSpineCore/key_file.h"
-#include "OrvanStore/database_queue.h"
 
 namespace {
 
-// The people list reads through a connection of the program's own.
-std::shared_ptr<orvan::DatabaseQueue> openForReading(const std::filesystem::path& store, orvan::CredentialVault vault) {
-  orvan::ConnectionConfiguration configuration;
-  configuration.mode = orvan::OpenMode::readOnly;
-  configuration.prepare = [vault = std::move(vault)](orvan::Connection& connection) {
-    if (const auto key = vault.loadLocalStoreKey()) {
-      connection.key(key->bytes());
-    }
-    connection.execute("PRAGMA cipher_page_size = 4096");
-  };
-  return std::make_shared<orvan::DatabaseQueue>(store, configuration);
-}
-
 void printCatchUpList(const std::filesystem::path& store, const std::filesystem::path& keyFile) {
   const orvan::CredentialVault vault(std::make_shared<orvan::KeyFile>(keyFile));
-  const auto people = std::make_shared<orvan::StoreProjectionReader>(openForReading(store, vault));
+  // The people list reads through a connection of the program's own.
+  const auto people = std::make_shared<orvan::StoreProjectionReader>(
+      orvan::EncryptedStore(store, vault).openQueue(orvan::StoreRole::programReader));
   orvan::AttentionEvidenceCompiler compiler(store, vault, people, orvan::AttentionEvidenceCompilerOptions::defaults);
   orvan::AttentionDispositionStore dispositions(store, vault);
   const auto now = std::chrono::time_point_cast<std::chrono::microseconds>(std::chrono::system_clock::now());

@@ -15,7 +15,7 @@
 #include "OrvanRelationshipAttention/follow_up/follow_up_notification_delegate.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
 #include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
-#include "OrvanSpineCore/canonical_schema.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "OrvanSpineCore/key_file.h"
 #include "OrvanTestSupport/in_memory_notification_center.h"
 #include "OrvanTestSupport/manual_clock.h"
@@ -59,17 +59,11 @@ class Folder {
   std::filesystem::path path_;
 };
 
-/// The pool that the application opens for follow-ups: encrypted, foreign keys on, write-ahead log. The tables are the
-/// application's to make.
-std::shared_ptr<DatabasePool> openPool(const std::filesystem::path& file, const CredentialVault& vault) {
-  DatabasePool::Configuration configuration;
-  configuration.connection.prepare = [vault](Connection& connection) {
-    connection.key(vault.loadLocalStoreKey().value().bytes());
-    connection.executeScript("PRAGMA cipher_page_size = 4096; PRAGMA foreign_keys = ON; PRAGMA journal_mode = WAL");
-  };
-  auto pool = std::make_shared<DatabasePool>(file, std::move(configuration));
-  pool->write(createCanonicalSchema);
-  return pool;
+/// The store, which is the application's to make, and the pool that it opens for follow-ups.
+std::shared_ptr<DatabasePool> makeStore(const std::filesystem::path& file, const CredentialVault& vault) {
+  const EncryptedStore store(file, vault);
+  store.create();
+  return store.openPool(StoreRole::programWriter);
 }
 
 CredentialVault makeVault(const std::filesystem::path& file) {
@@ -188,7 +182,7 @@ class Road {
   const Executor executor_ = loop_.get_executor();
   Folder folder_;
   CredentialVault vault_ = makeVault(folder_.file("store.key"));
-  std::shared_ptr<DatabasePool> pool_ = openPool(folder_.file("store.db"), vault_);
+  std::shared_ptr<DatabasePool> pool_ = makeStore(folder_.file("store.db"), vault_);
   std::shared_ptr<AttentionDispositionStore> dispositions_ =
       std::make_shared<AttentionDispositionStore>(folder_.file("store.db"), vault_, executor_);
   std::shared_ptr<ManualClock> clock_ = std::make_shared<ManualClock>(*parseInternetDateTime("2026-03-04T09:15:00Z"));

@@ -4,8 +4,8 @@
 #include <optional>
 #include <variant>
 
-#include "OrvanPlatform/continuation.h"
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/internal/continuation.h"
 #include "OrvanPlatform/mutex.h"
 #include "OrvanPlatform/notification_center/notification_center_error.h"
 
@@ -14,6 +14,8 @@ namespace {
 
 template <typename Result>
 using Outcome = std::expected<Result, std::exception_ptr>;
+
+using internal::Continuation;
 
 std::exception_ptr errorOf(NotificationCenterError code, const char* attempt) {
   return std::make_exception_ptr(Error{code, attempt});
@@ -48,7 +50,7 @@ class OneAnswer {
 /// Asks through `ask`, which is given an object to answer through, and waits for the answer.
 template <typename Result, typename Ask>
 Task<Outcome<Result>> answerTo(Ask ask) {
-  return suspended<Outcome<Result>>([ask = std::move(ask)](Continuation<Outcome<Result>> waiting) mutable {
+  return internal::suspended<Outcome<Result>>([ask = std::move(ask)](Continuation<Outcome<Result>> waiting) mutable {
     auto answer = std::make_shared<OneAnswer<Result>>(std::move(waiting));
     try {
       ask(answer);

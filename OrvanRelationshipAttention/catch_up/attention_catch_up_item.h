@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_item.h"
 
 namespace orvan {

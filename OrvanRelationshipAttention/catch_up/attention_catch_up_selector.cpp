@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "OrvanPlatform/white_space.h"
-#include "OrvanRelationshipAttention/catch_up/attention_catch_up_internal.h"
+#include "OrvanRelationshipAttention/catch_up/internal/attention_catch_up_item_maker.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
 
 namespace orvan {

@@ -1,6 +1,6 @@
 #include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
 
-#include "OrvanRelationshipAttention/catch_up/attention_catch_up_internal.h"
+#include "OrvanRelationshipAttention/catch_up/internal/attention_catch_up_item_maker.h"
 
 namespace orvan {
 namespace {

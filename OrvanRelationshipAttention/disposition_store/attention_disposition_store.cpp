@@ -5,11 +5,8 @@
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanRelationshipAttention/disposition_store/disposition_rows.h"
-#include "OrvanRelationshipAttention/store_access/plaintext_database.h"
-#include "OrvanRelationshipAttention/store_access/store_key.h"
-#include "OrvanSpineCore/store_write_diagnostics.h"
-#include "OrvanStore/database_pool.h"
+#include "OrvanRelationshipAttention/disposition_store/internal/disposition_rows.h"
+#include "OrvanSpineCore/encrypted_store.h"
 
 namespace orvan {
 namespace {
@@ -22,30 +19,6 @@ constexpr std::array requiredTables{"person", "relationship_attention_dispositio
 /// Operations run one at a time, so a second reader would never be asked for.
 constexpr std::size_t mostReaders = 1;
 
-constexpr std::array preparation{
-    "PRAGMA cipher_page_size = 4096", "PRAGMA foreign_keys = ON",   "PRAGMA journal_mode = WAL",
-    "PRAGMA synchronous = FULL",      "PRAGMA temp_store = MEMORY", "PRAGMA wal_autocheckpoint = 0",
-    "PRAGMA mmap_size = 0",           "PRAGMA secure_delete = ON",  "PRAGMA busy_timeout = 5000",
-};
-
-void prepareConnection(Connection& connection, const StoreKeyProvider& keyProvider) {
-  keyConnection(connection, keyProvider, AttentionDispositionStoreError::invalidKeyLength);
-  for (const char* statement : preparation) {
-    connection.executeScript(statement);
-  }
-  StoreWriteDiagnostics::attach(connection, StorePool::relationshipAttention, nullptr);
-}
-
-void verifyEncryption(Connection& connection) {
-  if (!isSQLCipher(connection)) {
-    throw Error(AttentionDispositionStoreError::cannotOpenEncryptedStore, "asking for SQLCipher's version");
-  }
-  if (connection.fetchOptionalInteger("PRAGMA secure_delete").value_or(0) == 0) {
-    throw Error(AttentionDispositionStoreError::cannotOpenEncryptedStore,
-                "asking whether deleted rows are overwritten");
-  }
-}
-
 void verifyRequiredTablesPresent(Connection& connection) {
   for (const char* table : requiredTables) {
     if (!connection.fetchOptionalText("SELECT name FROM sqlite_master WHERE type = 'table' AND name = ?", table)) {
@@ -54,41 +27,47 @@ void verifyRequiredTablesPresent(Connection& connection) {
   }
 }
 
-/// The checks read on the writer, which is open anyway: a reader would have to derive the key a second time, for
-/// programs that may never read.
-std::unique_ptr<DatabasePool> openDatabasePool(const std::filesystem::path& file, StoreKeyProvider keyProvider) {
-  DatabasePool::Configuration configuration;
-  configuration.mostReaders = mostReaders;
-  configuration.connection.checkpointsOnClose = false;
-  configuration.connection.prepare = [keyProvider = std::move(keyProvider)](Connection& connection) {
-    prepareConnection(connection, keyProvider);
-  };
-  auto pool = std::make_unique<DatabasePool>(file, std::move(configuration));
-  pool->readOnWriter(verifyEncryption);
-  pool->readOnWriter(verifyRequiredTablesPresent);
-  return pool;
-}
-
 bool isOurs(const std::error_code& code) noexcept {
   return code.category() == make_error_code(AttentionDispositionStoreError::cannotOpenEncryptedStore).category();
 }
 
-[[noreturn]] void failOpening() {
-  throw Error(AttentionDispositionStoreError::cannotOpenEncryptedStore, "opening the store for writing");
-}
-
-std::unique_ptr<DatabasePool> openStore(const std::filesystem::path& file, CredentialVault credentialVault) {
-  rejectPlaintextDatabase(file, AttentionDispositionStoreError::plaintextDatabaseRejected);
+/// Opens a connection or more, and tells what keeps it from that in our own words.
+template <typename Open>
+auto opening(Open open) {
   try {
-    return openDatabasePool(file, makeStoreKeyProvider(std::move(credentialVault)));
+    return open();
   } catch (const Error& error) {
     if (isOurs(error.code())) {
       throw;
     }
-    failOpening();
+    throw Error(error.code() == EncryptedStoreError::invalidKeyLength
+                    ? AttentionDispositionStoreError::invalidKeyLength
+                    : AttentionDispositionStoreError::cannotOpenEncryptedStore,
+                "opening the store");
   } catch (...) { // A vault may throw anything.
-    failOpening();
+    throw Error(AttentionDispositionStoreError::cannotOpenEncryptedStore, "opening the store");
   }
+}
+
+void rejectPlaintext(const std::filesystem::path& file) {
+  try {
+    EncryptedStore::examine(file, StoreRole::dispositionStore);
+  } catch (const Error& error) {
+    if (error.code() == EncryptedStoreError::plaintext) {
+      throw Error(AttentionDispositionStoreError::plaintextDatabaseRejected, "opening the store");
+    }
+    throw;
+  }
+}
+
+std::unique_ptr<DatabasePool> openStore(const std::filesystem::path& file, CredentialVault credentialVault) {
+  rejectPlaintext(file);
+  const EncryptedStore store(file, std::move(credentialVault));
+  return opening([&store] {
+    auto pool = store.openPool(StoreRole::dispositionStore, mostReaders);
+    pool->readOnWriter(verifyRequiredTablesPresent);
+    return pool;
+  });
 }
 
 } // namespace
@@ -142,6 +121,7 @@ AttentionItemDispositionRecord AttentionDispositionStore::Desk::apply(const Atte
 }
 
 std::vector<AttentionItemDispositionRecord> AttentionDispositionStore::Desk::records(std::string_view personID) {
+  opening([this] { database_->openReader(); });
   return database_->read([&](Connection& connection) { return internal::loadRecords(personID, connection); });
 }
 
@@ -162,6 +142,11 @@ Task<AttentionItemDispositionRecord> AttentionDispositionStore::apply(AttentionC
 
 Task<std::vector<AttentionItemDispositionRecord>> AttentionDispositionStore::records(std::string personID) {
   return Desk::recordsInTurn(desk_, std::move(personID));
+}
+
+std::vector<AttentionItemDispositionRecord> AttentionDispositionStore::records(std::string_view personID,
+                                                                               Connection& connection) {
+  return internal::loadRecords(personID, connection);
 }
 
 } // namespace orvan

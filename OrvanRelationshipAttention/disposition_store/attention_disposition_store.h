@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "OrvanPlatform/executor.h"
@@ -13,6 +14,7 @@
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store_error.h"
 #include "OrvanRelationshipAttention/disposition_store/follow_up_disposition_applying.h"
 #include "OrvanSpineCore/credential_vault.h"
+#include "OrvanStore/connection.h"
 
 namespace orvan {
 
@@ -58,8 +60,14 @@ class AttentionDispositionStore final : public FollowUpDispositionApplying {
                                              Instant asOf) override;
 
   /// What the user decided about a person's items, in the store's order, snoozes that are over included. Records that
-  /// cannot be read are left out. Throws StoreError.
+  /// cannot be read are left out. Throws StoreError when reading fails, and Error when the reading connection, which
+  /// the first call opens, cannot be opened: invalidKeyLength, or cannotOpenEncryptedStore for everything else, be it
+  /// the vault or another file in the place of the one the store was opened on. The next call tries again.
   Task<std::vector<AttentionItemDispositionRecord>> records(std::string personID);
+
+  /// The same within the caller's read, on the caller's thread: for programs that have the store open already, since
+  /// opening a disposition store derives the key anew.
+  static std::vector<AttentionItemDispositionRecord> records(std::string_view personID, Connection& connection);
 
   /// Where operations run.
   const Executor& executor() const noexcept { return work_.get(); }

@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/disposition_store/disposition_rows.h"
+#include "OrvanRelationshipAttention/disposition_store/internal/disposition_rows.h"
 
 #include <string>
 

@@ -9,11 +9,9 @@
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/precondition.h"
-#include "OrvanRelationshipAttention/evidence/changed_context_detector.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
-#include "OrvanRelationshipAttention/store_access/plaintext_database.h"
-#include "OrvanRelationshipAttention/store_access/store_key.h"
-#include "OrvanSpineCore/store_write_diagnostics.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/values/changed_context_detector.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "OrvanStore/database_queue.h"
 
 namespace orvan {
@@ -33,48 +31,25 @@ constexpr std::array projectableTables{"person",
                                        "exclusion_rule",
                                        "deletion_tombstone"};
 
-void prepareConnection(Connection& connection, const StoreKeyProvider& keyProvider) {
-  keyConnection(connection, keyProvider, AttentionEvidenceCompilerError::invalidKeyLength);
-  connection.executeScript("PRAGMA cipher_page_size = 4096");
-  connection.executeScript("PRAGMA busy_timeout = 5000");
-  connection.executeScript("PRAGMA query_only = 1");
-  StoreWriteDiagnostics::attach(connection, StorePool::relationshipAttention, nullptr);
-}
-
-/// Counting the schema's rows is the first statement to touch the file's pages: it fails under a wrong key.
-void verifyEncryption(Connection& connection) {
-  if (!isSQLCipher(connection)) {
-    throw Error(AttentionEvidenceCompilerError::cannotOpenEncryptedStore, "asking for SQLCipher's version");
+void rejectPlaintext(const std::filesystem::path& file) {
+  try {
+    EncryptedStore::examine(file, StoreRole::evidenceCompiler);
+  } catch (const Error& error) {
+    if (error.code() == EncryptedStoreError::plaintext) {
+      throw Error(AttentionEvidenceCompilerError::plaintextDatabaseRejected, "opening the store for reading");
+    }
+    throw;
   }
-  connection.execute("SELECT count(*) FROM sqlite_master");
-}
-
-/// The ceiling waits for the verification, because setting it reads the schema.
-void verifyThenGrowPageCache(Connection& connection) {
-  verifyEncryption(connection);
-  connection.setPageCacheCeiling(ConnectionConfiguration{}.pageCacheCeilingKiB);
-}
-
-std::unique_ptr<DatabaseQueue> openReadOnlyQueue(const std::filesystem::path& file, StoreKeyProvider keyProvider) {
-  ConnectionConfiguration configuration;
-  configuration.mode = OpenMode::readOnly;
-  configuration.pageCacheCeilingKiB = 0;
-  configuration.prepare = [keyProvider = std::move(keyProvider)](Connection& connection) {
-    prepareConnection(connection, keyProvider);
-  };
-  auto queue = std::make_unique<DatabaseQueue>(file, configuration);
-  queue->read(verifyThenGrowPageCache);
-  return queue;
 }
 
 std::unique_ptr<DatabaseQueue> openStoreIfThere(const std::filesystem::path& file, CredentialVault credentialVault) {
-  rejectPlaintextDatabase(file, AttentionEvidenceCompilerError::plaintextDatabaseRejected);
-  std::error_code ignored;
-  if (!std::filesystem::exists(file, ignored)) {
+  rejectPlaintext(file);
+  const EncryptedStore store(file, std::move(credentialVault));
+  if (!store.exists()) {
     return nullptr;
   }
   try {
-    return openReadOnlyQueue(file, makeStoreKeyProvider(std::move(credentialVault)));
+    return store.openQueue(StoreRole::evidenceCompiler);
   } catch (...) { // A vault may throw anything.
     throw Error(AttentionEvidenceCompilerError::cannotOpenEncryptedStore, "opening the store for reading");
   }
@@ -134,7 +109,7 @@ class AttentionEvidenceCompiler::Desk {
   std::unique_ptr<DatabaseQueue> database_;
   std::shared_ptr<ProjectionReader> observatory_;
   AttentionEvidenceCompilerOptions options_;
-  EvidenceQueries queries_;
+  internal::EvidenceQueries queries_;
   boost::asio::strand<Executor> turn_;
 };
 
@@ -147,15 +122,16 @@ AttentionEvidenceBundle AttentionEvidenceCompiler::Desk::compile(std::string per
       database_->read([&](Connection& connection) { return queries_.fetchOpenThreads(personKey, asOf, connection); });
   auto upcomingInteractions = database_->read(
       [&](Connection& connection) { return queries_.fetchUpcomingInteractions(personKey, asOf, connection); });
-  const auto history = database_->read(
-      [&](Connection& connection) { return EvidenceQueries::fetchInteractionTimestamps(personKey, connection); });
+  const auto history = database_->read([&](Connection& connection) {
+    return internal::EvidenceQueries::fetchInteractionTimestamps(personKey, connection);
+  });
   auto changedContext = ChangedContextDetector::detectResumption(history, asOf, options_.quietPeriodThresholdDays(),
                                                                  options_.recentWindowDays(),
                                                                  options_.maxResumedInteractionIDsPerBundle());
   auto commitments =
       database_->read([&](Connection& connection) { return queries_.fetchCommitments(personKey, connection); });
   auto sourceFreshness = database_->read(
-      [&](Connection& connection) { return EvidenceQueries::fetchSourceFreshness(personKey, connection); });
+      [&](Connection& connection) { return internal::EvidenceQueries::fetchSourceFreshness(personKey, connection); });
   auto corrections = database_->read(
       [&](Connection& connection) { return queries_.fetchUserCorrections(personKey, asOf, connection); });
   return {std::move(personKey),     std::move(generatedAt),          options_.recentWindowDays(),

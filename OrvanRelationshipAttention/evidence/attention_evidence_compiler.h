@@ -9,9 +9,9 @@
 #include "OrvanPlatform/executor.h"
 #include "OrvanPlatform/instant.h"
 #include "OrvanPlatform/work_executor.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_options.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_compiler_options.h"
 #include "OrvanSpineCore/credential_vault.h"
 
 namespace orvan {

@@ -1,7 +1,7 @@
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/source_eligibility.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view untilEligibility = R"sql(SELECT ol.id, ol.kind, ol.evidence_ref, ol.detected_at
@@ -46,4 +46,4 @@ std::vector<CommitmentEvidence> EvidenceQueries::fetchCommitments(std::string_vi
   return commitments;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

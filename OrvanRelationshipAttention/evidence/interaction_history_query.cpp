@@ -1,7 +1,7 @@
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/source_eligibility.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view untilEligibility =
@@ -38,4 +38,4 @@ std::vector<ChangedContextDetector::TimestampedInteraction> EvidenceQueries::fet
   return history;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -1,7 +1,7 @@
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/source_eligibility.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view untilLatestCondition = R"sql(SELECT DISTINCT t.id AS thread_id, t.source_type AS source_type,
@@ -73,4 +73,4 @@ std::vector<OpenThreadEvidence> EvidenceQueries::fetchOpenThreads(std::string_vi
   return threads;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

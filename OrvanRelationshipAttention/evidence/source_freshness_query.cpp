@@ -1,7 +1,7 @@
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/source_eligibility.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view accountsUntilEligibility = R"sql(SELECT DISTINCT se.source_account_id
@@ -76,4 +76,4 @@ std::vector<SourceFreshnessEvidence> EvidenceQueries::fetchSourceFreshness(std::
   return freshness;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -1,8 +1,8 @@
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/source_eligibility.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view untilEligibility =
@@ -55,4 +55,4 @@ std::vector<UpcomingInteractionEvidence> EvidenceQueries::fetchUpcomingInteracti
   return meetings;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

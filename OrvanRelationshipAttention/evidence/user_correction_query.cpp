@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view ofThePerson =
@@ -43,4 +43,4 @@ EvidenceQueries::UserCorrections EvidenceQueries::fetchUserCorrections(std::stri
   return corrections;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

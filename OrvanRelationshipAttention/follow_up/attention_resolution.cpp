@@ -1,10 +1,10 @@
-#include "OrvanRelationshipAttention/follow_up/attention_resolution.h"
+#include "OrvanRelationshipAttention/follow_up/internal/attention_resolution.h"
 
 #include <expected>
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
 
 namespace orvan::internal {
 namespace {

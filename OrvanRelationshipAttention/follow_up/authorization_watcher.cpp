@@ -1,10 +1,10 @@
-#include "OrvanRelationshipAttention/follow_up/authorization_watcher.h"
+#include "OrvanRelationshipAttention/follow_up/internal/authorization_watcher.h"
 
 #include <algorithm>
 #include <boost/asio/detached.hpp>
 #include <string>
 
-#include "OrvanRelationshipAttention/follow_up/reminder_reconciliation.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_reconciliation.h"
 
 namespace orvan::internal {
 namespace {

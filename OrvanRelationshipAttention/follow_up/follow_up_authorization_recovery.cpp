@@ -1,9 +1,9 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_authorization_recovery.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_authorization_recovery.h"
 
 #include <boost/asio/detached.hpp>
 #include <utility>
 
-namespace orvan {
+namespace orvan::internal {
 
 using AuthorizationResult = FollowUpAuthorizationRecovery::AuthorizationResult;
 
@@ -248,4 +248,4 @@ void FollowUpAuthorizationRecovery::addReconcileWaiter(ReconcileWaiter waiter) {
   waiter.resume({});
 }
 
-} // namespace orvan
+} // namespace orvan::internal

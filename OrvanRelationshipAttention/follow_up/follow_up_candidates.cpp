@@ -1,11 +1,11 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_candidates.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_candidates.h"
 
 #include <vector>
 
-#include "OrvanRelationshipAttention/catch_up/attention_catch_up_internal.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
+#include "OrvanRelationshipAttention/catch_up/internal/attention_catch_up_item_maker.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
-#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
+#include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
 
 namespace orvan {
 namespace internal {

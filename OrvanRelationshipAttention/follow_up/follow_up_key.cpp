@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
 
 #include <openssl/evp.h>
 
@@ -13,7 +13,7 @@
 
 #include "OrvanPlatform/internet_date_time.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 constexpr std::string_view version25Prefix = "fu-v25:";
@@ -119,4 +119,4 @@ std::string iso8601Minute(Instant instant) {
   return formatInternetDateTime(instant).substr(0, lengthToMinute) + "Z";
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -1,9 +1,9 @@
 // The operations of FollowUpScheduler that read and change follow-ups in the caller's transaction.
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_candidates.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_candidates.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
 #include "OrvanSpineCore/action_effect_store.h"
 
 namespace orvan {

@@ -1,14 +1,14 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_registration_race.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_registration_race.h"
 
 #include <boost/asio/detached.hpp>
 #include <expected>
 #include <optional>
 
-#include "OrvanPlatform/continuation.h"
+#include "OrvanPlatform/internal/continuation.h"
+#include "OrvanPlatform/internal/sleep.h"
 #include "OrvanPlatform/mutex.h"
-#include "OrvanPlatform/sleep.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 using Outcome = std::expected<LiveReminderRegistration, std::exception_ptr>;
@@ -85,4 +85,4 @@ Task<LiveReminderRegistration> racingRegistrationDeadline(Executor executor, std
   co_return *outcome;
 }
 
-} // namespace orvan
+} // namespace orvan::internal

@@ -1,6 +1,6 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
 #include "OrvanSpineCore/source_eligibility.h"
 
 namespace orvan::internal {

@@ -3,18 +3,18 @@
 #include <utility>
 
 #include "OrvanPlatform/white_space.h"
-#include "OrvanRelationshipAttention/follow_up/attention_resolution.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_log.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_parts.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
-#include "OrvanRelationshipAttention/follow_up/reminder_reconciliation.h"
-#include "OrvanRelationshipAttention/follow_up/reminder_registration.h"
+#include "OrvanRelationshipAttention/follow_up/internal/attention_resolution.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_log.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_parts.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_reconciliation.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_registration.h"
 
 namespace orvan {
 namespace {
 
-Task<void> drain(std::shared_ptr<FollowUpAuthorizationRecovery> recovery) {
+Task<void> drain(std::shared_ptr<internal::FollowUpAuthorizationRecovery> recovery) {
   co_await recovery->stopAndDrain();
 }
 
@@ -25,7 +25,7 @@ FollowUpScheduler::FollowUpScheduler(std::shared_ptr<DatabasePool> pool,
                                      std::shared_ptr<FollowUpDispositionApplying> dispositions,
                                      AuthorizationRecheck authorizationRecheck, Executor executor,
                                      std::shared_ptr<const Clock> clock, std::shared_ptr<LogSink> log) {
-  auto recovery = std::make_shared<FollowUpAuthorizationRecovery>(executor, clock);
+  auto recovery = std::make_shared<internal::FollowUpAuthorizationRecovery>(executor, clock);
   parts_ = std::make_shared<const internal::FollowUpParts>(
       internal::FollowUpParts{.pool = std::move(pool),
                               .notifications = std::move(notifications),
@@ -34,23 +34,23 @@ FollowUpScheduler::FollowUpScheduler(std::shared_ptr<DatabasePool> pool,
                               .authorizationRecovery = std::move(recovery),
                               .executor = std::move(executor),
                               .clock = std::move(clock),
-                              .log = followUpLog(std::move(log))});
+                              .log = internal::followUpLog(std::move(log))});
 }
 
 std::string FollowUpScheduler::key(std::string_view sourceObjectID, std::string_view personID) {
-  return followUpKey(sourceObjectID, personID);
+  return internal::followUpKey(sourceObjectID, personID);
 }
 
 std::string FollowUpScheduler::openLoopID(std::string_view sourceObjectID, std::string_view personID) {
-  return followUpOpenLoopID(sourceObjectID, personID);
+  return internal::followUpOpenLoopID(sourceObjectID, personID);
 }
 
 std::string FollowUpScheduler::openLoopID(std::string_view followUpID) {
-  return followUpOpenLoopID(followUpID);
+  return internal::followUpOpenLoopID(followUpID);
 }
 
 bool FollowUpScheduler::isLegacyNotificationKey(std::string_view identifier) {
-  return isLegacyFollowUpKey(identifier);
+  return internal::isLegacyFollowUpKey(identifier);
 }
 
 std::optional<FollowUpRefusal> FollowUpScheduler::followUpRefusal(std::string_view title, Instant dueAt, Instant now) {
@@ -72,7 +72,7 @@ bool FollowUpScheduler::notificationMayPresent(Connection& connection, const std
   if (internal::liveFollowUp(connection, followUpID).has_value()) {
     return true;
   }
-  const auto pair = pairOfFollowUpKey(followUpID);
+  const auto pair = internal::pairOfFollowUpKey(followUpID);
   return pair.has_value() && !internal::liveFollowUps(connection, pair->sourceObjectID, pair->personID).empty();
 }
 

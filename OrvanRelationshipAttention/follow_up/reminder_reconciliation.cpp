@@ -1,13 +1,13 @@
-#include "OrvanRelationshipAttention/follow_up/reminder_reconciliation.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_reconciliation.h"
 
 #include <algorithm>
 #include <optional>
 #include <unordered_set>
 #include <vector>
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
-#include "OrvanRelationshipAttention/follow_up/reminder_registration.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_registration.h"
 #include "OrvanSpineCore/action_effect_store.h"
 
 namespace orvan::internal {

@@ -1,13 +1,13 @@
-#include "OrvanRelationshipAttention/follow_up/reminder_registration.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_registration.h"
 
 #include <algorithm>
 
-#include "OrvanRelationshipAttention/follow_up/authorization_watcher.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_registration_tracker.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_rows.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
-#include "OrvanRelationshipAttention/follow_up/reminder_text.h"
+#include "OrvanRelationshipAttention/follow_up/internal/authorization_watcher.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_text.h"
 #include "OrvanSpineCore/action_effect_store.h"
 
 namespace orvan::internal {

@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/follow_up/reminder_text.h"
+#include "OrvanRelationshipAttention/follow_up/internal/reminder_text.h"
 
 #include <unicode/brkiter.h>
 #include <unicode/uchar.h>

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "OrvanPlatform/notification_center/notification_center.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_log.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_log.h"
 
 namespace orvan {
 namespace {
@@ -42,7 +42,7 @@ bool carriesOwnMark(const NotificationRequest& request) {
 
 /// The identifier of a request that is a follow-up reminder. The centre holds the application's other requests too.
 std::optional<std::string> ownedIdentifier(const NotificationRequest& request) {
-  if (carriesOwnMark(request) || isLegacyFollowUpKey(request.identifier())) {
+  if (carriesOwnMark(request) || internal::isLegacyFollowUpKey(request.identifier())) {
     return request.identifier();
   }
   return std::nullopt;
@@ -95,7 +95,7 @@ ErrorCode currentErrorCode() {
 } // namespace
 
 UserNotificationsFollowUpScheduling::UserNotificationsFollowUpScheduling(std::shared_ptr<LogSink> log)
-    : logger_(followUpLog(std::move(log))) {}
+    : logger_(internal::followUpLog(std::move(log))) {}
 
 Task<bool> UserNotificationsFollowUpScheduling::authorizationGranted() {
   const auto status = co_await currentStatus();
@@ -124,8 +124,8 @@ Task<bool> UserNotificationsFollowUpScheduling::requestAuthorization() {
 }
 
 Task<void> UserNotificationsFollowUpScheduling::registerRequest(std::string key, std::string title, Instant dueAt) {
-  const std::string hash = followUpKeyHash(key);
-  const std::string minute = iso8601Minute(dueAt);
+  const std::string hash = internal::followUpKeyHash(key);
+  const std::string minute = internal::iso8601Minute(dueAt);
   try {
     co_await NotificationCenter::current()->added(reminderRequest(std::move(key), std::move(title), dueAt));
   } catch (...) {

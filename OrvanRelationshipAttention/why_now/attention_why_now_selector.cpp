@@ -8,7 +8,7 @@
 
 #include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+#include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
 
 namespace orvan {
 namespace {

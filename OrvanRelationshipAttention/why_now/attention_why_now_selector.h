@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_item.h"
 
 namespace orvan {

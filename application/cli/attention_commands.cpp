@@ -8,48 +8,61 @@
 namespace orvan {
 namespace {
 
-std::string nameOf(Workspace& workspace, const std::string& personKey) {
-  const auto& people = workspace.people();
-  const auto person = std::ranges::find(people, personKey, &ProjectedPerson::personKey);
-  return person == people.end() ? "Somebody unknown" : person->displayName();
+std::string nameOf(Session& session, const std::string& personKey) {
+  const auto person = session.person(personKey);
+  return person ? person->displayName() : "Somebody unknown";
+}
+
+/// What is older stays closed unless it is asked for.
+std::size_t rowsOnATerminal(const CatchUpList& list, const CatchUpArguments& arguments) {
+  constexpr std::size_t usualRows = 10;
+  if (arguments.isAll) {
+    return list.rows.size();
+  }
+  return std::min(list.rows.size() - list.older, arguments.limit.value_or(usualRows));
 }
 
 } // namespace
 
-void runPeople(const CommandContext& context) {
-  const auto& people = context.workspace.people();
+void runPeople(const CommandContext& context, const std::string& text) {
+  const auto people = text.empty() ? context.session.people() : context.session.peopleMatching(text);
   if (context.output == OutputForm::json) {
     printJson(toJson(people));
-  } else {
-    HumanOutput{}.people(people);
+    return;
+  }
+  const HumanOutput output;
+  output.people(people);
+  if (people.empty()) {
+    output.line(text.empty() ? "Nobody yet: 'orvan import' brings in mail and calendars."
+                             : "Nobody you deal with has that in their name or address.");
   }
 }
 
 void runBundle(const CommandContext& context, const std::string& person) {
-  context.workspace.openForReading();
-  const auto bundle = context.workspace.bundle(context.workspace.personKeyOf(person));
+  context.session.openForReading();
+  const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);
   if (context.output == OutputForm::json) {
     printJson(toJson(bundle));
   } else {
-    HumanOutput{}.bundle(bundle, nameOf(context.workspace, bundle.personKey()));
+    HumanOutput{}.bundle(bundle, nameOf(context.session, bundle.personKey()));
   }
 }
 
 void runBundles(const CommandContext& context) {
-  const auto bundles = context.workspace.bundles();
+  const auto bundles = context.session.bundles(context.asOf);
   if (context.output == OutputForm::json) {
     printJson(toJson(bundles));
     return;
   }
   const HumanOutput output;
   for (const auto& bundle : bundles) {
-    output.bundle(bundle, nameOf(context.workspace, bundle.personKey()));
+    output.bundle(bundle, nameOf(context.session, bundle.personKey()));
   }
 }
 
 void runWhy(const CommandContext& context, const std::string& person) {
-  context.workspace.openForReading();
-  const auto bundle = context.workspace.bundle(context.workspace.personKeyOf(person));
+  context.session.openForReading();
+  const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);
   const auto item = AttentionWhyNowSelector::select(bundle);
   if (context.output == OutputForm::json) {
     printJson(item ? toJson(*item) : Json(nullptr));
@@ -60,12 +73,13 @@ void runWhy(const CommandContext& context, const std::string& person) {
   }
 }
 
-void runCatchUp(const CommandContext& context, Explanation explanation) {
-  const auto list = makeCatchUpList(context.workspace, explanation);
+void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments) {
+  const auto explanation = arguments.isExplained ? Explanation::everyone : Explanation::none;
+  const auto list = makeCatchUpList(context.session, context.asOf, explanation);
   if (context.output == OutputForm::json) {
-    printJson(toJson(list, explanation));
+    printJson(toJson(list, arguments.limit, explanation));
   } else {
-    HumanOutput{}.catchUpList(list, context.workspace.settings().asOf);
+    HumanOutput{}.catchUpList(list, rowsOnATerminal(list, arguments), explanation, context.asOf);
   }
 }
 

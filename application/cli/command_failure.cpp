@@ -1,7 +1,5 @@
 #include "application/cli/command_failure.h"
 
-#include <sqlite3.h>
-
 #include <exception>
 #include <new>
 
@@ -10,9 +8,9 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
-#include "application/import/calendar/calendar_source.h"
-#include "application/import/mail/mail_source_error.h"
+#include "application/session/decision.h"
 #include "application/store/application_store_error.h"
+#include "application/store/store_failure.h"
 
 namespace orvan {
 namespace {
@@ -37,24 +35,21 @@ std::string sentenceOf(CredentialVaultError error) {
              "again.";
     case CredentialVaultError::keyExists:
       return "There is a key already; it was left as it is.";
+    case CredentialVaultError::keyFileNotRegular:
+      return "The key file is a folder, a pipe or a device; name the file that holds the key with --key-file.";
   }
   return "The store key could not be loaded.";
 }
 
 std::string sentenceOf(const StoreError& error) {
-  switch (error.extendedCode() & 0xff) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return make_error_code(ApplicationStoreError::storeBusy).message();
-    case SQLITE_FULL:
-      return make_error_code(ApplicationStoreError::diskFull).message();
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
+  const auto failure = failureOf(error);
+  switch (failure) {
+    case ApplicationStoreError::cannotDecrypt: // It was opened with the key.
       return "The store is damaged; restore it from a backup ('orvan doctor' tells more).";
-    case SQLITE_READONLY:
-      return make_error_code(ApplicationStoreError::storeReadOnly).message();
-    default:
+    case ApplicationStoreError::cannotReadStore:
       return "The store could not be read or written (" + error.code().message() + "); 'orvan doctor' tells more.";
+    default:
+      return make_error_code(failure).message();
   }
 }
 
@@ -62,15 +57,42 @@ ExitCode codeOf(CredentialVaultError error) {
   return error == CredentialVaultError::keyExists ? ExitCode::failed : ExitCode::cannotOpen;
 }
 
-CommandFailure failureOf(ApplicationStoreError error) {
+CommandFailure commandFailureOf(ApplicationStoreError error) {
   const bool isOpening = error != ApplicationStoreError::storeExists && error != ApplicationStoreError::cannotCreate;
   return {isOpening ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
 }
 
-CommandFailure failureOf(const Error& error) {
+std::string sentenceOf(SessionError error) {
+  switch (error) {
+    case SessionError::personUnknown:
+      return "Nobody has that key, name or address; 'orvan people TEXT' finds people by a part of their name or "
+             "address.";
+    case SessionError::personAmbiguous:
+      return "Several people go by that name; name the one you mean by key ('orvan people' lists them).";
+    case SessionError::noReasonNow:
+      return "There is no reason to get in touch with that person now; 'orvan catch-up' shows the list.";
+    case SessionError::reasonChanged:
+      return "The reason has changed meanwhile, so nothing was done; 'orvan catch-up' shows the list.";
+    case SessionError::snoozeEndPast:
+      return "A snooze has to end in the future; nothing was changed.";
+    case SessionError::cannotMakeFolder:
+      return "The folder for the store could not be made; choose another with --store.";
+  }
+  return "That could not be done.";
+}
+
+CommandFailure commandFailureOf(const ReasonChanged& error) {
+  std::string now = error.current().headline();
+  for (const auto& line : error.current().evidenceLines()) {
+    now += " " + line;
+  }
+  return {ExitCode::failed, "The reason has changed meanwhile, so nothing was done. It is now: " + now};
+}
+
+CommandFailure commandFailureOf(const Error& error) {
   const auto& code = error.code();
   if (isOf<ApplicationStoreError>(code)) {
-    return failureOf(static_cast<ApplicationStoreError>(code.value()));
+    return commandFailureOf(static_cast<ApplicationStoreError>(code.value()));
   }
   if (isOf<CredentialVaultError>(code)) {
     const auto vaultError = static_cast<CredentialVaultError>(code.value());
@@ -78,19 +100,19 @@ CommandFailure failureOf(const Error& error) {
   }
   if (code == AttentionEvidenceCompilerError::plaintextDatabaseRejected ||
       code == AttentionDispositionStoreError::plaintextDatabaseRejected) {
-    return failureOf(ApplicationStoreError::plaintextStore);
+    return commandFailureOf(ApplicationStoreError::plaintextStore);
   }
   if (code == AttentionDispositionStoreError::canonicalSchemaUnavailable) {
-    return failureOf(ApplicationStoreError::schemaMissing);
+    return commandFailureOf(ApplicationStoreError::schemaMissing);
   }
   if (code == AttentionDispositionStoreError::invalidKeyLength) {
-    return failureOf(ApplicationStoreError::keyMalformed);
+    return commandFailureOf(ApplicationStoreError::keyMalformed);
   }
-  if (isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
-    return {ExitCode::failed, code.message()};
+  if (isOf<SessionError>(code)) {
+    return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};
   }
   // The library's own connections open after the application's has told a wrong key from everything else.
-  return failureOf(ApplicationStoreError::cannotReachStore);
+  return commandFailureOf(ApplicationStoreError::cannotReachStore);
 }
 
 } // namespace
@@ -102,8 +124,10 @@ CommandFailure failureOfCurrentException() {
     return failure;
   } catch (const StoreError& error) {
     return {ExitCode::failed, sentenceOf(error)};
+  } catch (const ReasonChanged& error) {
+    return commandFailureOf(error);
   } catch (const Error& error) {
-    return failureOf(error);
+    return commandFailureOf(error);
   } catch (const std::bad_alloc&) {
     return {ExitCode::failed, "There is not enough memory for this."};
   } catch (const std::exception&) {

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "application/cli/catch_up_list.h"
-#include "application/cli/workspace.h"
+#include "OrvanPlatform/instant.h"
+#include "application/session/catch_up_list.h"
+#include "application/session/session.h"
 
 namespace orvan {
 
@@ -14,7 +17,9 @@ enum class OutputForm { human, json };
 
 /// What a command is given beside its own arguments.
 struct CommandContext {
-  Workspace& workspace;
+  Session& session;
+  /// The moment that the command takes for now.
+  Instant asOf;
   OutputForm output;
 };
 
@@ -25,17 +30,25 @@ struct ImportArguments {
   std::vector<std::filesystem::path> calendars;
 };
 
+struct CatchUpArguments {
+  /// Also the rows that are older.
+  bool isAll = false;
+  std::optional<std::size_t> limit;
+  bool isExplained = false;
+};
+
 enum class ItemCommand { snooze, dismiss, resolve };
 
 // Each runs one command and writes its output. What fails is thrown: a CommandFailure, or an exception of the library.
 
 void runInit(const CommandContext& context);
 void runImport(const CommandContext& context, const ImportArguments& arguments);
-void runPeople(const CommandContext& context);
+/// Those whose name or an address holds `text`; everybody when it is empty.
+void runPeople(const CommandContext& context, const std::string& text);
 void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);
 void runWhy(const CommandContext& context, const std::string& person);
-void runCatchUp(const CommandContext& context, Explanation explanation);
+void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments);
 /// `until` is what the user wrote; only a snooze has it.
 void runItemCommand(const CommandContext& context, ItemCommand command, const std::string& item,
                     const std::string& until);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/printable_text.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
@@ -36,7 +37,7 @@ bool othersMayEnter(const std::filesystem::path& folder) {
   return (std::filesystem::status(folder, ignored).permissions() & everyoneElse) != std::filesystem::perms::none;
 }
 
-std::string lookAtKey(const WorkspaceSettings& settings) {
+std::string lookAtKey(const SessionSettings& settings) {
   const auto key = KeyFile(settings.keyFile).loadLocalStoreKey();
   if (!key) {
     throw CommandFailure(ExitCode::cannotOpen,
@@ -48,7 +49,7 @@ std::string lookAtKey(const WorkspaceSettings& settings) {
   return "32 bytes, readable by you alone";
 }
 
-std::string lookAtFolders(const WorkspaceSettings& settings) {
+std::string lookAtFolders(const SessionSettings& settings) {
   for (const auto& file : {settings.store, settings.keyFile}) {
     if (othersMayEnter(std::filesystem::absolute(file).parent_path())) {
       throw CommandFailure(ExitCode::failed,
@@ -59,7 +60,7 @@ std::string lookAtFolders(const WorkspaceSettings& settings) {
   return "open to you alone";
 }
 
-std::string lookAtFiles(const WorkspaceSettings& settings) {
+std::string lookAtFiles(const SessionSettings& settings) {
   ApplicationStore::requireUsableFile(settings.store);
   return "the store and its log are yours alone";
 }
@@ -111,7 +112,19 @@ std::string lookAtPages(DatabaseQueue& store) {
   });
 }
 
-std::string lookAtLog(const WorkspaceSettings& settings) {
+std::string lookAtCopies(const SessionSettings& settings) {
+  const auto copies = ApplicationStore::copiesLeft(settings.store);
+  if (!copies.empty()) {
+    throw CommandFailure(
+        ExitCode::failed,
+        "A copy of the store from before it was brought to a newer version was left by an interruption; "
+        "remove it when the store opens, put it in the store's place when it does not: " +
+            printableText(copies.front().string()));
+  }
+  return "none was left behind";
+}
+
+std::string lookAtLog(const SessionSettings& settings) {
   const auto size = ApplicationStore::logSize(settings.store);
   constexpr std::uintmax_t tooLarge = std::uintmax_t{256} * 1024 * 1024;
   if (size > tooLarge) {
@@ -120,7 +133,7 @@ std::string lookAtLog(const WorkspaceSettings& settings) {
   return std::to_string(size) + " bytes";
 }
 
-std::vector<Finding> examine(const WorkspaceSettings& settings, const CredentialVault& vault) {
+std::vector<Finding> examine(const SessionSettings& settings, const CredentialVault& vault) {
   std::vector<Finding> findings;
   findings.push_back(lookAt("key", [&] { return lookAtKey(settings); }));
   findings.push_back(lookAt("folder", [&] { return lookAtFolders(settings); }));
@@ -136,13 +149,14 @@ std::vector<Finding> examine(const WorkspaceSettings& settings, const Credential
     findings.push_back(lookAt("pages", [&] { return lookAtPages(*store); }));
     findings.push_back(lookAt("log", [&] { return lookAtLog(settings); }));
   }
+  findings.push_back(lookAt("copies", [&] { return lookAtCopies(settings); }));
   return findings;
 }
 
 } // namespace
 
 void runDoctor(const CommandContext& context) {
-  const auto findings = examine(context.workspace.settings(), context.workspace.vault());
+  const auto findings = examine(context.session.settings(), context.session.vault());
   bool allFine = true;
   Json checks = Json::array();
   for (const auto& finding : findings) {

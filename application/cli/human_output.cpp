@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
-#include <optional>
+#include <span>
 
 #include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/internet_date_time.h"
@@ -26,6 +26,7 @@ std::string counted(std::int64_t count, std::string_view one, std::string_view m
 
 std::string sentenceFor(const NotShown& person) {
   switch (person.reason) {
+    case NotShownReason::nothingToTell:
     case NotShownReason::noEvidence:
       return "nothing is waiting";
     case NotShownReason::noValidReason:
@@ -42,6 +43,30 @@ std::string sentenceFor(const NotShown& person) {
       return "resolved";
     case NotShownReason::beyondTheCap:
       return "not looked at: beyond the cap (see --max-people)";
+  }
+  return "";
+}
+
+std::string exchangeInWords(double exchange) {
+  constexpr double much = 4;
+  constexpr double some = 1;
+  if (exchange >= much) {
+    return "you write to each other a lot";
+  }
+  return exchange >= some ? "you write to each other now and then" : "you hardly write to each other these days";
+}
+
+/// Why a row stands where it stands.
+std::string sentenceFor(const ListPlace& place) {
+  switch (place.part) {
+    case ListPart::near:
+      return "Among the first, because it is near; " + exchangeInWords(place.exchange) + ".";
+    case ListPart::current:
+      return "Here by how recent it is, and because " + exchangeInWords(place.exchange) + ".";
+    case ListPart::strangers:
+      return "After the others, because you never wrote to them nor met them.";
+    case ListPart::older:
+      return "Last, because it has waited for more than 90 days.";
   }
   return "";
 }
@@ -71,9 +96,6 @@ void HumanOutput::line(std::string_view text) const {
 void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
   for (const auto& person : people) {
     std::cout << printableText(person.personKey()) << "  " << printableText(person.displayName()) << '\n';
-  }
-  if (people.empty()) {
-    line("Nobody yet: 'orvan import' brings in mail and calendars.");
   }
 }
 
@@ -121,24 +143,43 @@ void HumanOutput::notShown(const NotShown& person) const {
   line(printableText(person.displayName) + faint("  " + printableText(person.personKey)) + "  " + sentenceFor(person));
 }
 
-void HumanOutput::catchUpList(const CatchUpList& list, Instant asOf) const {
-  if (list.items.empty()) {
+void HumanOutput::catchUpList(const CatchUpList& list, std::size_t shown, Explanation explanation, Instant asOf) const {
+  const auto current = list.rows.size() - list.older;
+  if (current == 0) {
     line("Nobody is waiting for you as of " + humanDateText(asOf) + ".");
   } else {
-    line(counted(static_cast<std::int64_t>(list.items.size()), "person", "people") + " to get back in touch with, " +
+    line(counted(static_cast<std::int64_t>(current), "person", "people") + " to get back in touch with, " +
          humanDateText(asOf));
   }
-  for (const auto& shown : list.items) {
-    item(shown);
+  for (const auto& row : std::span{list.rows}.first(shown)) {
+    item(row.item);
+    if (explanation == Explanation::everyone) {
+      line(faint("  " + sentenceFor(row.place)));
+    }
   }
+  moreThan(shown, list);
   if (!list.notShown.empty()) {
     line("\n" + bold("Not shown"));
   }
   for (const auto& person : list.notShown) {
     notShown(person);
   }
-  if (list.beyondTheCap > 0 && list.notShown.empty()) {
-    line("\n" + counted(static_cast<std::int64_t>(list.beyondTheCap), "further person was", "further people were") +
+}
+
+void HumanOutput::moreThan(std::size_t shown, const CatchUpList& list) const {
+  const auto current = list.rows.size() - list.older;
+  std::string more;
+  if (shown < current) {
+    more = std::to_string(current - shown) + " more";
+  }
+  if (shown < list.rows.size() && list.older > 0) {
+    more += (more.empty() ? "" : ", and ") + std::to_string(list.older) + " older";
+  }
+  if (!more.empty()) {
+    line("\n" + more + ": 'orvan catch-up --all' shows everyone.");
+  }
+  if (list.notLookedAt > 0) {
+    line("\n" + counted(static_cast<std::int64_t>(list.notLookedAt), "further person was", "further people were") +
          " not looked at; --max-people raises the number.");
   }
 }
@@ -155,7 +196,13 @@ void HumanOutput::mailReport(std::string_view source, const MailReport& report) 
   line(bold(printableText(source)) + ": " + counted(report.read, "message", "messages") + " read, " +
        std::to_string(report.imported) + " new, " + std::to_string(report.known) + " known");
   if (report.automated > 0) {
-    line("  " + std::to_string(report.automated) + " written by machines or sent to lists, kept out of histories");
+    line("  " + std::to_string(report.automated) + " written by machines, kept out of histories");
+  }
+  if (report.elsewhere > 0) {
+    line("  " + std::to_string(report.elsewhere) + " name none of your addresses (name them all with --me)");
+  }
+  if (report.completed > 0) {
+    line("  " + std::to_string(report.completed) + " known so far from a copy that told less");
   }
   if (report.notes > 0) {
     line("  " + std::to_string(report.notes) + " from you to nobody else");

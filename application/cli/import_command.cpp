@@ -2,18 +2,24 @@
 
 #include <algorithm>
 #include <iostream>
+#include <ranges>
 #include <set>
+#include <string>
+#include <utility>
 
+#include "OrvanPlatform/error.h"
 #include "OrvanPlatform/internet_date_time.h"
+#include "OrvanPlatform/printable_text.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/source_failure.h"
 #include "application/import/address/normal_address.h"
-#include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
+#include "application/import/recognition/source_recognition.h"
 
 namespace orvan {
 namespace {
@@ -58,23 +64,80 @@ std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Insta
   for (const auto& written : arguments.ownAddresses) {
     given.push_back(ownAddress(written));
   }
-  const auto all = store.write([&](Connection& connection) {
-    createImportTables(connection);
-    return rememberOwnAddresses(given, formatInternetDateTime(now), connection);
-  });
+  const auto all = store.write(
+      [&](Connection& connection) { return rememberOwnAddresses(given, formatInternetDateTime(now), connection); });
   if (all.empty()) {
     throw CommandFailure(ExitCode::wrongCommandLine, "Say which addresses are yours: --me ADDRESS...");
   }
   return {all.begin(), all.end()};
 }
 
-/// Imports one source after the other and tells of each.
+/// Imports one source after the other and tells of each. One that cannot be read does not keep the others away.
 class ImportRun {
  public:
   ImportRun(const CommandContext& context, DatabaseQueue& store, std::vector<std::string> ownAddresses)
-      : context_(context), store_(store), import_{std::move(ownAddresses), context.workspace.settings().asOf} {}
+      : context_(context), store_(store), import_{std::move(ownAddresses), context.asOf} {}
 
-  void mail(MailSource& source, const std::filesystem::path& path) {
+  void mbox(const std::filesystem::path& path) {
+    take(path, mail_, [&] {
+      requireMbox(path);
+      MboxSource source(path);
+      return mail(source, path);
+    });
+  }
+
+  void maildir(const std::filesystem::path& path) {
+    take(path, mail_, [&] {
+      MaildirSource source(path);
+      return mail(source, path);
+    });
+  }
+
+  void calendar(const std::filesystem::path& path) {
+    take(path, calendars_, [&] {
+      requireCalendar(path);
+      return meetings(path);
+    });
+  }
+
+  /// Throws CommandFailure when a source was not imported.
+  void finish() const {
+    if (context_.output == OutputForm::json) {
+      printJson({{"mail", mail_}, {"calendars", calendars_}});
+    }
+    if (failures_.empty()) {
+      return;
+    }
+    // A line for each.
+    std::string sentences = failures_.front();
+    for (const auto& failure : failures_ | std::views::drop(1)) {
+      sentences += "\n" + failure;
+    }
+    if (failures_.size() < mail_.size() + calendars_.size()) {
+      sentences += "\nEverything else was imported.";
+    }
+    throw CommandFailure(ExitCode::failed, sentences);
+  }
+
+ private:
+  /// `import` brings in the source at `path` and gives its report. What fails in the store ends the run.
+  template <typename Import>
+  void take(const std::filesystem::path& path, Json& reports, Import import) {
+    Json entry{{"source", path.string()}, {"error", nullptr}};
+    try {
+      entry.update(import());
+    } catch (const Error& error) {
+      const auto sentence = sourceFailureSentence(error.code());
+      if (!sentence) {
+        throw;
+      }
+      entry["error"] = *sentence;
+      failures_.push_back(printableText(path.string()) + ": " + *sentence);
+    }
+    reports.push_back(std::move(entry));
+  }
+
+  Json mail(MailSource& source, const std::filesystem::path& path) {
     ProgressLine progress;
     MailImporter importer(store_, import_);
     const auto report =
@@ -85,10 +148,10 @@ class ImportRun {
     if (context_.output == OutputForm::human) {
       HumanOutput{}.mailReport(path.string(), report);
     }
-    mail_.push_back(sourced(path, toJson(report)));
+    return toJson(report);
   }
 
-  void calendar(const std::filesystem::path& path) {
+  Json meetings(const std::filesystem::path& path) {
     const std::set<std::string> own{import_.ownAddresses.begin(), import_.ownAddresses.end()};
     CalendarSource source(path, importWindow(import_.now), own);
     MeetingImporter importer(store_, import_, path);
@@ -96,20 +159,7 @@ class ImportRun {
     if (context_.output == OutputForm::human) {
       HumanOutput{}.meetingReport(path.string(), report);
     }
-    calendars_.push_back(sourced(path, toJson(report)));
-  }
-
-  void finish() const {
-    if (context_.output == OutputForm::json) {
-      printJson({{"mail", mail_}, {"calendars", calendars_}});
-    }
-  }
-
- private:
-  static Json sourced(const std::filesystem::path& path, const Json& report) {
-    Json json{{"source", path.string()}};
-    json.update(report);
-    return json;
+    return toJson(report);
   }
 
   const CommandContext& context_;
@@ -117,6 +167,8 @@ class ImportRun {
   ImportContext import_;
   Json mail_ = Json::array();
   Json calendars_ = Json::array();
+  /// A sentence for each source that was not imported, behind its path.
+  std::vector<std::string> failures_;
 };
 
 } // namespace
@@ -126,15 +178,13 @@ void runImport(const CommandContext& context, const ImportArguments& arguments) 
     throw CommandFailure(ExitCode::wrongCommandLine,
                          "Say what to import: --mbox FILE, --maildir FOLDER or --ics FILE.");
   }
-  auto& store = context.workspace.writableStore();
-  ImportRun run(context, store, ownAddressesFor(arguments, context.workspace.settings().asOf, store));
+  auto& store = context.session.writableStore();
+  ImportRun run(context, store, ownAddressesFor(arguments, context.asOf, store));
   for (const auto& path : arguments.mboxes) {
-    MboxSource source(path);
-    run.mail(source, path);
+    run.mbox(path);
   }
   for (const auto& path : arguments.maildirs) {
-    MaildirSource source(path);
-    run.mail(source, path);
+    run.maildir(path);
   }
   for (const auto& path : arguments.calendars) {
     run.calendar(path);

@@ -1,7 +1,9 @@
 #include "application/cli/json_output.h"
 
+#include <algorithm>
+#include <chrono>
 #include <iostream>
-#include <optional>
+#include <span>
 
 #include "OrvanPlatform/internet_date_time.h"
 
@@ -149,8 +151,17 @@ Json toJson(const std::vector<ProjectedPerson>& people) {
   return arrayOf(people);
 }
 
-Json toJson(const CatchUpList& list, Explanation explanation) {
-  Json json{{"items", arrayOf(list.items)}};
+Json toJson(const CatchUpRow& row) {
+  auto json = toJson(row.item);
+  json["place"] = {{"part", caseName(row.place.part)},
+                   {"exchange", row.place.exchange},
+                   {"ageDays", std::chrono::duration<double, std::chrono::days::period>{row.place.age}.count()}};
+  return json;
+}
+
+Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanation explanation) {
+  const auto shown = std::span{list.rows}.first(std::min(list.rows.size(), limit.value_or(list.rows.size())));
+  Json json{{"items", arrayOf(shown)}, {"older", list.older}, {"notLookedAt", list.notLookedAt}};
   if (explanation == Explanation::everyone) {
     json["notShown"] = arrayOf(list.notShown);
   }
@@ -158,8 +169,10 @@ Json toJson(const CatchUpList& list, Explanation explanation) {
 }
 
 Json toJson(const MailReport& report) {
-  return {{"read", report.read},           {"new", report.imported}, {"known", report.known},
-          {"automated", report.automated}, {"notes", report.notes},  {"skipped", countsByName(report.skipped)}};
+  return {{"read", report.read},           {"new", report.imported},
+          {"completed", report.completed}, {"known", report.known},
+          {"automated", report.automated}, {"elsewhere", report.elsewhere},
+          {"notes", report.notes},         {"skipped", countsByName(report.skipped)}};
 }
 
 Json toJson(const MeetingReport& report) {
@@ -174,6 +187,8 @@ Json toJson(const MeetingReport& report) {
 
 std::string_view caseName(NotShownReason reason) noexcept {
   switch (reason) {
+    case NotShownReason::nothingToTell:
+      return "nothingToTell";
     case NotShownReason::noEvidence:
       return "noEvidence";
     case NotShownReason::noValidReason:

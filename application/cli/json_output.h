@@ -6,10 +6,10 @@
 
 #include "OrvanObservatory/projection_reader.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
-#include "OrvanRelationshipAttention/evidence/attention_evidence_bundle.h"
-#include "application/cli/catch_up_list.h"
+#include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
+#include "application/session/catch_up_list.h"
 
 namespace orvan {
 
@@ -24,7 +24,8 @@ Json toJson(const AttentionCatchUpItem& item);
 Json toJson(const AttentionItemDispositionRecord& record);
 Json toJson(const std::vector<AttentionItemDispositionRecord>& records);
 Json toJson(const std::vector<ProjectedPerson>& people);
-Json toJson(const CatchUpList& list, Explanation explanation);
+/// All rows, or the first `limit`.
+Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanation explanation);
 Json toJson(const MailReport& report);
 Json toJson(const MeetingReport& report);
 

@@ -1,54 +1,16 @@
-#include "OrvanPlatform/error.h"
 #include "OrvanPlatform/printable_text.h"
-#include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/session/store_creation.h"
 #include "application/store/application_store.h"
 
 namespace orvan {
-namespace {
-
-void createPrivateFolder(const std::filesystem::path& file) {
-  const auto folder = file.parent_path();
-  if (folder.empty()) {
-    return;
-  }
-  std::error_code failure;
-  if (std::filesystem::create_directories(folder, failure)) {
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, failure);
-  }
-  if (failure) {
-    throw CommandFailure(ExitCode::failed, "The folder for the store could not be made; choose another with --store.");
-  }
-}
-
-/// Whether a key had to be made. Never while there is a store: the new key could not open it.
-bool ensureKey(const Workspace& workspace) {
-  const KeyFile keyFile(workspace.settings().keyFile);
-  if (keyFile.loadLocalStoreKey()) {
-    return false;
-  }
-  keyFile.create();
-  return true;
-}
-
-} // namespace
 
 void runInit(const CommandContext& context) {
-  const auto& settings = context.workspace.settings();
-  std::error_code unreachable;
-  if (std::filesystem::exists(settings.store, unreachable)) {
-    const bool hasKey = std::filesystem::exists(settings.keyFile, unreachable);
-    throw Error(hasKey ? ApplicationStoreError::storeExists : ApplicationStoreError::keyMissingForStore,
-                "making a store");
-  }
-  createPrivateFolder(settings.store);
-  settings.requirePrivateFolder();
-  createPrivateFolder(settings.keyFile);
-  const bool madeKey = ensureKey(context.workspace);
-  ApplicationStore::create(settings.store, context.workspace.vault());
+  const auto& settings = context.session.settings();
+  const bool madeKey = createStoreAndKey(settings) == KeyOrigin::made;
   if (context.output == OutputForm::json) {
     printJson({{"store", settings.store.string()}, {"keyFile", settings.keyFile.string()}, {"madeKey", madeKey}});
     return;
@@ -61,8 +23,8 @@ void runInit(const CommandContext& context) {
 }
 
 void runCheckpoint(const CommandContext& context) {
-  const auto& file = context.workspace.settings().store;
-  auto& store = context.workspace.writableStore();
+  const auto& file = context.session.settings().store;
+  auto& store = context.session.writableStore();
   const auto before = ApplicationStore::logSize(file);
   if (!ApplicationStore::checkpoint(store)) {
     throw CommandFailure(ExitCode::failed,

@@ -1,86 +1,71 @@
 #include "application/store/application_store.h"
 
-#include <fcntl.h>
-#include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <exception>
 #include <iterator>
+#include <optional>
 #include <system_error>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanRelationshipAttention/store_access/plaintext_database.h"
-#include "OrvanRelationshipAttention/store_access/store_key.h"
 #include "OrvanSpineCore/canonical_schema.h"
-#include "OrvanSpineCore/store_write_diagnostics.h"
-#include "OrvanStore/store_error.h"
+#include "OrvanSpineCore/encrypted_store.h"
+#include "application/store/store_failure.h"
 
 namespace orvan {
 namespace {
 
-void prepareForReading(Connection& connection, const StoreKeyProvider& provider) {
-  keyConnection(connection, provider, ApplicationStoreError::keyMalformed);
-  connection.executeScript(
-      "PRAGMA cipher_page_size = 4096;"
-      "PRAGMA query_only = 1");
-}
-
-/// As the disposition store's connections, so that whichever writes, the file is treated alike.
-void prepareForWriting(Connection& connection, const StoreKeyProvider& provider) {
-  keyConnection(connection, provider, ApplicationStoreError::keyMalformed);
-  connection.executeScript(
-      "PRAGMA cipher_page_size = 4096;"
-      "PRAGMA foreign_keys = ON;"
-      "PRAGMA journal_mode = WAL;"
-      "PRAGMA synchronous = FULL;"
-      "PRAGMA temp_store = MEMORY;"
-      "PRAGMA wal_autocheckpoint = 0;"
-      "PRAGMA mmap_size = 0;"
-      "PRAGMA secure_delete = ON");
-  StoreWriteDiagnostics::attach(connection, StorePool::application, nullptr);
-}
-
-ConnectionConfiguration configurationFor(ApplicationStore::Access access, OpenMode mode, StoreKeyProvider provider) {
-  ConnectionConfiguration configuration;
-  configuration.mode = mode;
-  configuration.prepare = [access, provider = std::move(provider)](Connection& connection) {
-    if (access == ApplicationStore::Access::read) {
-      prepareForReading(connection, provider);
-    } else {
-      prepareForWriting(connection, provider);
-    }
-  };
-  return configuration;
-}
-
-/// What lies at `path` must be the user's own, for nobody else to read or write. Nothing may lie there.
-void requirePrivate(const std::filesystem::path& path) {
-  struct stat status{};
-  if (stat(path.c_str(), &status) != 0) {
-    if (errno == ENOENT) {
-      return;
-    }
-    throw Error(ApplicationStoreError::cannotReachStore, "looking at the store's files");
+ApplicationStoreError failureOf(EncryptedStoreError error) {
+  switch (error) {
+    case EncryptedStoreError::storeMissing:
+      return ApplicationStoreError::storeMissing;
+    case EncryptedStoreError::storeExists:
+      return ApplicationStoreError::storeExists;
+    case EncryptedStoreError::notRegularFile:
+      return ApplicationStoreError::storeNotRegular;
+    case EncryptedStoreError::notPrivate:
+      return ApplicationStoreError::storeNotPrivate;
+    case EncryptedStoreError::plaintext:
+      return ApplicationStoreError::plaintextStore;
+    case EncryptedStoreError::invalidKeyLength:
+      return ApplicationStoreError::keyMalformed;
+    case EncryptedStoreError::engineCannotEncrypt:
+    case EncryptedStoreError::deletedStaysReadable:
+      return ApplicationStoreError::engineCannotEncrypt;
+    case EncryptedStoreError::notCanonical:
+      return ApplicationStoreError::notOurStore;
+    case EncryptedStoreError::empty:
+      return ApplicationStoreError::storeEmpty;
+    case EncryptedStoreError::schemaOlder: // Stays so only where it could not be moved forward.
+      return ApplicationStoreError::storeReadOnly;
+    case EncryptedStoreError::schemaNewer:
+      return ApplicationStoreError::storeNewer;
   }
-  constexpr mode_t everyoneElse = 077;
-  if ((status.st_mode & everyoneElse) != 0 || status.st_uid != geteuid()) {
-    throw Error(ApplicationStoreError::storeNotPrivate, "looking at the store's files");
-  }
+  return ApplicationStoreError::cannotReachStore;
 }
 
-void rejectPlaintext(const std::filesystem::path& file) {
+/// The same error in the application's words; what the vault throws stays what it is.
+[[noreturn]] void throwAsOurs(const Error& error, const char* attempt) {
+  const auto& code = error.code();
+  if (const auto* fault = dynamic_cast<const StoreError*>(&error)) {
+    throw Error(failureOf(*fault), attempt);
+  }
+  if (code.category() == make_error_code(EncryptedStoreError{}).category()) {
+    throw Error(failureOf(static_cast<EncryptedStoreError>(code.value())), attempt);
+  }
+  if (code.category() == std::generic_category()) {
+    throw Error(failureOfSystem(code), attempt);
+  }
+  throw error;
+}
+
+template <typename Attempt>
+auto inOurWords(const char* attempt, Attempt body) {
   try {
-    rejectPlaintextDatabase(file, ApplicationStoreError::plaintextStore);
+    return body();
   } catch (const Error& error) {
-    if (error.code() == ApplicationStoreError::plaintextStore) {
-      throw;
-    }
-    throw Error(ApplicationStoreError::cannotReachStore, "reading the start of the store file");
+    throwAsOurs(error, attempt);
   }
 }
 
@@ -114,107 +99,93 @@ ORDER BY part
   return parts;
 }
 
-/// SQLite says "not a database" for a wrong key and for a damaged file alike.
-ApplicationStoreError openingFailureOf(const StoreError& error) {
-  if (error.code() == StoreFault::engineCannotEncrypt) {
-    return ApplicationStoreError::engineCannotEncrypt;
-  }
-  switch (error.extendedCode() & 0xff) {
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-      return ApplicationStoreError::cannotDecrypt;
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return ApplicationStoreError::storeBusy;
-    case SQLITE_CANTOPEN:
-    case SQLITE_PERM:
-      return ApplicationStoreError::cannotReachStore;
-    case SQLITE_READONLY:
-      return ApplicationStoreError::storeReadOnly;
-    case SQLITE_FULL:
-      return ApplicationStoreError::diskFull;
-    default:
-      return ApplicationStoreError::cannotReadStore;
-  }
+StoreRole roleFor(ApplicationStore::Access access) noexcept {
+  return access == ApplicationStore::Access::read ? StoreRole::applicationReader : StoreRole::applicationWriter;
 }
 
-void removeStore(const std::filesystem::path& file) {
-  std::error_code ignored;
-  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-    std::filesystem::remove(file.native() + suffix, ignored);
-  }
+std::shared_ptr<DatabaseQueue> openWithTables(const EncryptedStore& store, StoreRole role) {
+  std::shared_ptr<DatabaseQueue> opened = store.openQueue(role);
+  opened->read(requireTables);
+  return opened;
 }
 
-/// Whoever makes the file owns it: of two programs that make a store at once, the other must not touch it.
-void createEmptyFile(const std::filesystem::path& file) {
-  constexpr mode_t ownerOnly = 0600;
-  const int descriptor = ::open(file.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, ownerOnly);
-  if (descriptor < 0) {
-    throw Error(errno == EEXIST ? ApplicationStoreError::storeExists : ApplicationStoreError::cannotCreate,
-                "creating the store");
-  }
-  close(descriptor);
-}
-
-std::filesystem::path logOf(const std::filesystem::path& file) {
-  return file.native() + "-wal";
-}
-
-StoreKeyProvider keyProviderOf(const CredentialVault& vault) {
-  return [provider = makeStoreKeyProvider(vault)] {
-    try {
-      return provider();
-    } catch (const Error& error) {
-      if (error.code() == CredentialVaultError::keyMissing) {
-        throw Error(ApplicationStoreError::keyMissing, "opening the store");
-      }
+/// Nothing when the store's tables are older than this program's.
+std::shared_ptr<DatabaseQueue> openUnlessOlder(const EncryptedStore& store, StoreRole role) {
+  try {
+    return openWithTables(store, role);
+  } catch (const Error& error) {
+    if (error.code() != EncryptedStoreError::schemaOlder) {
       throw;
     }
-  };
+    return nullptr;
+  }
+}
+
+constexpr const char* copyInfix = ".before-version-";
+
+/// The store as it was before it is moved forward, beside it and gone at the end.
+class CopyBefore {
+ public:
+  CopyBefore(const EncryptedStore& store, std::int64_t version)
+      : path_(store.file().native() + copyInfix + std::to_string(version)) {
+    // One that an interruption left is of no use any more: the store opened, and is as it was or was written since.
+    std::error_code failsTheCopying;
+    std::filesystem::remove(path_, failsTheCopying);
+    store.copyTo(path_);
+  }
+  ~CopyBefore() {
+    std::error_code ignored;
+    std::filesystem::remove(path_, ignored);
+  }
+  CopyBefore(const CopyBefore&) = delete;
+  CopyBefore& operator=(const CopyBefore&) = delete;
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// Of two programs that do this at once, one waits and finds it done. The copy goes once the transaction has ended,
+/// whichever way.
+void moveForward(const EncryptedStore& store) {
+  std::optional<CopyBefore> copy;
+  const auto mover = store.openQueue(StoreRole::applicationMover);
+  mover->write([&](Connection& connection) {
+    const auto newest = SchemaIdentity::newest();
+    if (SchemaIdentity::of(connection) != newest) {
+      copy.emplace(store, newest.version);
+      moveCanonicalSchemaForward(connection);
+    }
+  });
 }
 
 } // namespace
 
 void ApplicationStore::create(const std::filesystem::path& file, const CredentialVault& vault) {
-  createEmptyFile(file);
   try {
-    DatabaseQueue store(file, configurationFor(Access::write, OpenMode::readWrite, keyProviderOf(vault)));
-    store.write(createCanonicalSchema);
-    checkpoint(store);
-  } catch (const StoreError& error) {
-    removeStore(file);
-    throw Error(error.code() == StoreFault::engineCannotEncrypt ? ApplicationStoreError::engineCannotEncrypt
-                                                                : ApplicationStoreError::cannotCreate,
-                "creating the store");
-  } catch (...) {
-    removeStore(file);
+    inOurWords("creating the store", [&] { EncryptedStore(file, vault).create(); });
+  } catch (const Error& error) {
+    if (error.code() == ApplicationStoreError::cannotReachStore ||
+        error.code() == ApplicationStoreError::cannotReadStore) {
+      throw Error(ApplicationStoreError::cannotCreate, "creating the store");
+    }
     throw;
   }
 }
 
 void ApplicationStore::requireUsableFile(const std::filesystem::path& file) {
-  std::error_code unreachable;
-  if (!std::filesystem::exists(file, unreachable)) {
-    throw Error(unreachable ? ApplicationStoreError::cannotReachStore : ApplicationStoreError::storeMissing,
-                "opening the store");
-  }
-  for (const char* suffix : {"", "-wal", "-shm"}) {
-    requirePrivate(file.native() + suffix);
-  }
-  rejectPlaintext(file);
+  inOurWords("looking at the store", [&] { EncryptedStore::examine(file, StoreRole::applicationWriter); });
 }
 
 std::shared_ptr<DatabaseQueue> ApplicationStore::open(const std::filesystem::path& file, const CredentialVault& vault,
                                                       Access access) {
-  requireUsableFile(file);
-  const auto mode = access == Access::read ? OpenMode::readOnly : OpenMode::readWrite;
-  try {
-    auto store = std::make_shared<DatabaseQueue>(file, configurationFor(access, mode, keyProviderOf(vault)));
-    store->read(requireTables);
-    return store;
-  } catch (const StoreError& error) {
-    throw Error(openingFailureOf(error), "opening the store");
-  }
+  return inOurWords("opening the store", [&] {
+    const EncryptedStore store(file, vault);
+    if (auto opened = openUnlessOlder(store, roleFor(access))) {
+      return opened;
+    }
+    moveForward(store);
+    return openWithTables(store, roleFor(access));
+  });
 }
 
 bool ApplicationStore::checkpoint(DatabaseQueue& store) {
@@ -244,8 +215,22 @@ std::vector<std::string> ApplicationStore::missingSchemaParts(Connection& connec
 
 std::uintmax_t ApplicationStore::logSize(const std::filesystem::path& file) {
   std::error_code missing;
-  const auto size = std::filesystem::file_size(logOf(file), missing);
+  const auto size = std::filesystem::file_size(EncryptedStore::logFileOf(file), missing);
   return missing ? 0 : size;
+}
+
+std::vector<std::filesystem::path> ApplicationStore::copiesLeft(const std::filesystem::path& file) {
+  std::vector<std::filesystem::path> copies;
+  const auto store = EncryptedStore::fileBehind(file);
+  const auto beginning = store.filename().native() + copyInfix;
+  std::error_code unreadable;
+  for (std::filesystem::directory_iterator entry(store.parent_path(), unreadable), end; !unreadable && entry != end;
+       entry.increment(unreadable)) {
+    if (entry->path().filename().native().starts_with(beginning)) {
+      copies.push_back(entry->path());
+    }
+  }
+  return copies;
 }
 
 } // namespace orvan

@@ -13,24 +13,26 @@
 namespace orvan {
 
 /// The store as its owner, the application, handles it: made, opened for the importers and the people list, and
-/// checkpointed. Every failure to open is an Error with an ApplicationStoreError, or with a CredentialVaultError from
-/// the vault.
+/// checkpointed. Every failure to make or open it is an Error with an ApplicationStoreError, or with a
+/// CredentialVaultError from the vault.
 class ApplicationStore {
  public:
   enum class Access { read, write };
 
   ApplicationStore() = delete;
 
-  /// Makes a store with the canonical tables at `file`, which must not exist, readable by its owner alone. Of two calls
-  /// at once one fails with storeExists. When it fails, no file of its making is left.
+  /// Makes a store with the canonical tables at `file`, which must not exist, readable by its owner alone: whole or not
+  /// at all, whatever interrupts it. Of two calls at once one fails with storeExists.
   static void create(const std::filesystem::path& file, const CredentialVault& vault);
 
-  /// Looks at the file without opening it as a store: throws when it is missing, when it or one of the files beside it
-  /// (the write-ahead log and its index) belongs to somebody else or can be read or written by others, and when it is
-  /// an SQLite database without encryption.
+  /// Looks at the file without opening it as a store: throws when it is missing or no regular file, when it or one of
+  /// the files beside it (the write-ahead log and its index) belongs to somebody else or can be read or written by
+  /// others, and when it is an SQLite database without encryption.
   static void requireUsableFile(const std::filesystem::path& file);
 
-  /// Opens the store. A read-only connection never changes the file.
+  /// Opens the store. A store with the tables of an older version is first brought to this one's, for reading too: all
+  /// in one transaction, and with a copy of the store beside it until that has ended. One of a newer version is
+  /// refused. Apart from that, a read-only connection never changes the file.
   static std::shared_ptr<DatabaseQueue> open(const std::filesystem::path& file, const CredentialVault& vault,
                                              Access access);
 
@@ -48,6 +50,10 @@ class ApplicationStore {
 
   /// How many bytes the write-ahead log of `file` has; 0 when there is none.
   static std::uintmax_t logSize(const std::filesystem::path& file);
+
+  /// The copies beside `file` that a killed program left when it brought the store to a newer version. While one does
+  /// so, its copy is among them.
+  static std::vector<std::filesystem::path> copiesLeft(const std::filesystem::path& file);
 };
 
 } // namespace orvan

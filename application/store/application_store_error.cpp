@@ -16,8 +16,6 @@ class ApplicationStoreCategory final : public std::error_category {
         return "There is a store already; it was left as it is.";
       case ApplicationStoreError::keyMissingForStore:
         return "There is a store but no key for it; put its key back, because a new one could not open it.";
-      case ApplicationStoreError::keyMissing:
-        return "There is no store key; make key and store with 'orvan init', or name the key with --key-file.";
       case ApplicationStoreError::keyMalformed:
         return "The store key is not 32 bytes long; name the right file with --key-file.";
       case ApplicationStoreError::plaintextStore:
@@ -29,6 +27,16 @@ class ApplicationStoreCategory final : public std::error_category {
       case ApplicationStoreError::schemaMissing:
         return "The store lacks tables that it must have; restore it from a backup, or make a new one with 'orvan "
                "init' under another name.";
+      case ApplicationStoreError::notOurStore:
+        return "The file is encrypted with this key but is no store of orvan's; name another with --store.";
+      case ApplicationStoreError::storeEmpty:
+        return "The store holds nothing at all, as after an 'orvan init' that was interrupted; remove the file and run "
+               "'orvan init' again.";
+      case ApplicationStoreError::storeNewer:
+        return "The store was written by a newer orvan than this one; use that, or install the newest.";
+      case ApplicationStoreError::storeNotRegular:
+        return "The store, its log (-wal) or the log's index (-shm) is a folder, a pipe or a device; name the store's "
+               "file with --store.";
       case ApplicationStoreError::storeNotPrivate:
         return "The store file, its log (-wal) or the log's index (-shm) is not yours alone; own them, take away what "
                "others may do with 'chmod 600', and try again.";
@@ -42,8 +50,14 @@ class ApplicationStoreCategory final : public std::error_category {
         return "The store cannot be written; check that the file and its folder are yours.";
       case ApplicationStoreError::diskFull:
         return "The disk is full; make room and try again: nothing was lost.";
+      case ApplicationStoreError::systemExhausted:
+        return "The system has no more memory or open files to give; close other programs and try again: nothing was "
+               "lost.";
+      case ApplicationStoreError::storeReplaced:
+        return "Another file took the store's place while it was in use; try again, and let one program at a time put "
+               "files there.";
       case ApplicationStoreError::cannotReadStore:
-        return "The system cannot read the store; check the disk, or restore the file from a backup.";
+        return "The system failed to read or write the store; check the disk and try again.";
       case ApplicationStoreError::cannotCreate:
         return "The store could not be created; check that its folder exists and can be written.";
       case ApplicationStoreError::engineCannotEncrypt:

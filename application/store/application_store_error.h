@@ -10,13 +10,20 @@ enum class ApplicationStoreError {
   storeExists,
   /// There is a store and no key for it: making a new key would lose the store for good.
   keyMissingForStore,
-  keyMissing,
   /// Not 32 bytes.
   keyMalformed,
   plaintextStore,
   /// Another key made it, it is damaged, or it is no store at all.
   cannotDecrypt,
   schemaMissing,
+  /// It decrypts and is marked as somebody else's.
+  notOurStore,
+  /// It decrypts and holds nothing, as after a creation that was interrupted by an older version of this program.
+  storeEmpty,
+  /// A newer version of this program made it or wrote it.
+  storeNewer,
+  /// A folder, a pipe or a device.
+  storeNotRegular,
   /// Others than the user can read or write the file or one beside it, or it belongs to somebody else.
   storeNotPrivate,
   /// Others than the user can look into the folder that is the program's own.
@@ -26,6 +33,10 @@ enum class ApplicationStoreError {
   storeBusy,
   storeReadOnly,
   diskFull,
+  /// The system lacks file handles or memory.
+  systemExhausted,
+  /// Another file took its place while it was open.
+  storeReplaced,
   /// The system failed while it was read.
   cannotReadStore,
   cannotCreate,

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "OrvanRelationshipAttention/catch_up/attention_catch_up_internal.h"
-#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+#include "OrvanRelationshipAttention/catch_up/internal/attention_catch_up_item_maker.h"
+#include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
 
 namespace orvan {
 namespace {

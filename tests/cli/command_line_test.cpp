@@ -146,7 +146,13 @@ TEST_F(CommandLine, HonoursADeclineUnderAnAddressToldEarlier) {
 
 TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
   for (const std::vector<std::string>& words : {std::vector<std::string>{"frobnicate"},
+                                                {"frobnicate", "--help"},
                                                 {},
+                                                {"Jo Same"},
+                                                {"why", "Jo", "Same"},
+                                                {"catch-up", "Same"},
+                                                {"people", "--frob=Same", "--help"},
+                                                {"people", "--json=Same"},
                                                 {"snooze", "ada"},
                                                 {"people", "--store", ""},
                                                 {"people", "--key-file="},
@@ -162,8 +168,38 @@ TEST_F(CommandLine, NamesEveryWrongCommandLineInOneSentence) {
     EXPECT_TRUE(refused.output.empty());
     EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1) << refused.errors;
     EXPECT_TRUE(refused.errors.starts_with("orvan: ") && refused.errors.ends_with(".\n")) << refused.errors;
+    EXPECT_FALSE(refused.errors.contains("Same")) << refused.errors;
   }
+  EXPECT_TRUE(runBare({"snoze"}).errors.contains("'snoze' is no command; the nearest is 'snooze'"));
+  EXPECT_EQ(runBare({"snooze", "--help"}).status, 0);
   EXPECT_EQ(runBare({"--help"}).status, 0);
+}
+
+TEST_F(CommandLine, ImportsTheOtherSourcesBesideAWrongOne) {
+  makeStoreWithAMailFromAda();
+  importFile("--mbox", "");
+  struct Wrong {
+    const char* kind;
+    std::string content;
+    const char* told;
+  };
+  const Wrong wrongs[] = {{"--mbox", "BEGIN:VCALENDAR\nEND:VCALENDAR\n", "give it with --ics"},
+                          {"--mbox", "Hello,\n\nFriday?\n", "There is no mail in it"},
+                          {"--mbox", {'S', '\0', '\x01'}, "neither mail nor a calendar"},
+                          {"--ics", mail("b1", "08"), "give it with --mbox"},
+                          {"--ics", std::string("SQLite format 3\0", 16), "is a database"},
+                          {"--ics", "", "holds no calendar"}};
+  for (const auto& [kind, content, told] : wrongs) {
+    std::ofstream(path("wrong"), std::ios::binary) << content;
+    std::ofstream(path("right")) << mail("a1", "08");
+    const auto outcome = run({"import", kind, path("wrong"), "--mbox", path("right"), "--json"});
+    EXPECT_EQ(outcome.status, 1) << told;
+    EXPECT_TRUE(outcome.errors.starts_with("orvan: " + path("wrong") + ": ")) << outcome.errors;
+    const auto report = json::parse(outcome.output);
+    const std::string error = report[kind == std::string{"--ics"} ? "calendars" : "mail"][0]["error"];
+    EXPECT_TRUE(error.contains(told)) << error;
+    EXPECT_EQ(report["mail"].back()["known"], 1) << told;
+  }
 }
 
 TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
@@ -173,11 +209,12 @@ TEST_F(CommandLine, TellsByItsStatusWhatWentWrong) {
   std::filesystem::permissions(path("store.db"), perms::owner_all);
   const auto folder = run({"catch-up"});
   EXPECT_EQ(folder.status, 3);
-  EXPECT_NE(folder.errors.find("cannot be opened; check"), std::string::npos) << "not told as a wrong key";
+  EXPECT_NE(folder.errors.find("is a folder, a pipe or a device"), std::string::npos) << folder.errors;
   std::filesystem::remove(path("store.db"));
   ASSERT_EQ(run({"init"}).status, 0);
   EXPECT_EQ(run({"init"}).status, 1) << "never over an existing store";
   EXPECT_EQ(run({"import", "--me", "robin@orvan.example", "--mbox", path("missing")}).status, 1);
+  EXPECT_EQ(run({"why", "Ada Marsh"}).status, 1) << "nobody of that name";
   EXPECT_EQ(run({"import", "--me", "nobody", "--mbox", path("missing")}).status, 2);
 
   std::ofstream(path("store.db-wal")).close();
@@ -224,6 +261,10 @@ TEST_F(CommandLine, ExplainsADamagedStoreAndANamelessPerson) {
   EXPECT_EQ(run({"doctor"}).status, 0);
   change("UPDATE person SET display_name = ' '");
   EXPECT_EQ(list()["notShown"].at(0)["reason"], "noName");
+  std::ofstream(path("store.db.before-version-2")) << "left";
+  const auto withACopy = run({"doctor"});
+  EXPECT_EQ(withACopy.status, 1);
+  EXPECT_NE(withACopy.output.find(path("store.db.before-version-2")), std::string::npos) << withACopy.output;
   change("DROP INDEX open_loop_by_person");
   const auto examined = run({"doctor"});
   EXPECT_EQ(examined.status, 1);

@@ -23,6 +23,15 @@ struct FailingVault final : CredentialSource {
   std::optional<SecretBytes> loadLocalStoreKey() const override { throw 7; }
 };
 
+/// Is there for the first connection, and afterwards has the length it is given, or fails.
+struct ForgottenKey final : CredentialSource {
+  std::optional<SecretBytes> loadLocalStoreKey() const override {
+    const auto now = std::exchange(length, 0);
+    return now == 0 ? throw 7 : KeyInMemory{now}.loadLocalStoreKey();
+  }
+  mutable std::size_t length = 32;
+};
+
 /// Follows every connection from the moment its key is fetched, which is before its first statement.
 struct WatchedKey final : CredentialSource {
   std::optional<SecretBytes> loadLocalStoreKey() const override {
@@ -132,6 +141,31 @@ TEST_F(StoreOpening, ForWritingFetchesTheKeyAndPreparesOnceForEachOfTwoConnectio
                             "PRAGMA mmap_size = 0", "PRAGMA secure_delete = ON", "PRAGMA busy_timeout = 5000"));
   }
   key->logs.clear(); // Before the connections close.
+}
+
+TEST_F(StoreOpening, ForReadingPreparesItsConnectionThenProvesThatItDecrypts) {
+  createStore(file);
+  const auto key = std::make_shared<WatchedKey>();
+  const AttentionEvidenceCompiler compiler(file, CredentialVault{key}, nullptr,
+                                           AttentionEvidenceCompilerOptions::defaults);
+  ASSERT_EQ(key->logs.size(), 1U);
+  EXPECT_THAT(key->logs.front().texts(),
+              ElementsAre("PRAGMA cipher_page_size = 4096", "PRAGMA busy_timeout = 5000", "PRAGMA query_only = 1",
+                          "PRAGMA busy_timeout", "BEGIN", "PRAGMA cipher_version", "SELECT count(*) FROM sqlite_master",
+                          "PRAGMA cache_size = -65536", "COMMIT"));
+  key->logs.clear(); // Before the connection closes.
+}
+
+TEST_F(StoreOpening, OfTheReaderThatRecordsNeedsFailsInTheStoresOwnWords) {
+  createStore(file);
+  const auto key = std::make_shared<ForgottenKey>();
+  AttentionDispositionStore store(file, CredentialVault{key});
+  const auto read = [&] { return waitFor(store.executor(), store.records("p-1")); };
+  EXPECT_EQ(faultOf(read), Writing::cannotOpenEncryptedStore);
+  key->length = 31;
+  EXPECT_EQ(faultOf(read), Writing::invalidKeyLength);
+  key->length = 32;
+  EXPECT_EQ(faultOf(read), std::error_code{});
 }
 
 } // namespace

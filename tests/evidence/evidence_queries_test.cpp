@@ -1,4 +1,4 @@
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 
 #include <gmock/gmock.h>
 
@@ -8,7 +8,7 @@
 #include "OrvanStore/store_error.h"
 #include "tests/support/test_store.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 using testing::ElementsAre;
@@ -279,4 +279,4 @@ TEST_F(DamagedRows, AreNotThoseWhoseTextIsOfOddBytes) {
 }
 
 } // namespace
-} // namespace orvan
+} // namespace orvan::internal

@@ -3,11 +3,11 @@
 #include <span>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "tests/support/connection_watch.h"
 #include "tests/support/test_store.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 using testing::Contains;
@@ -82,4 +82,4 @@ TEST_F(QueryPlans, PersonSeenInNoAccountCostsNoSecondFreshnessStatement) {
 }
 
 } // namespace
-} // namespace orvan
+} // namespace orvan::internal

@@ -4,10 +4,10 @@
 #include <boost/asio/thread_pool.hpp>
 #include <thread>
 
-#include "OrvanRelationshipAttention/follow_up/follow_up_authorization_recovery.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_authorization_recovery.h"
 #include "follow_up_store_test.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 using namespace std::chrono_literals;
@@ -193,4 +193,4 @@ TEST_F(AuthorizationRecovery, AnswersTimeoutsAndStoppingOnManyThreadsResumeEachW
 }
 
 } // namespace
-} // namespace orvan
+} // namespace orvan::internal

@@ -1,5 +1,6 @@
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_notification_delegate.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "follow_up_store_test.h"
 
 namespace orvan {
@@ -72,12 +73,11 @@ TEST_F(FollowUpEffects, ResolvingWhatIsMissingUnusableOrRejectedGivesItsToken) {
 }
 
 TEST_F(FollowUpEffects, ResolvingReachesTheDispositionStore) {
-  const auto key = std::make_shared<KeyInMemory>();
-  const SecretBytes bytes = key->bytes();
-  const auto file = folder.path() / "shared.db";
-  pool = openPool(file, {}, 128, {bytes.bytes().begin(), bytes.bytes().end()});
-  pool->write(createCanonicalSchema);
-  const auto real = std::make_shared<AttentionDispositionStore>(file, CredentialVault{key}, loop.get_executor());
+  const CredentialVault vault{std::make_shared<KeyInMemory>()};
+  const EncryptedStore shared(folder.path() / "shared.db", vault);
+  shared.create();
+  pool = shared.openPool(StoreRole::programWriter);
+  const auto real = std::make_shared<AttentionDispositionStore>(shared.file(), vault, loop.get_executor());
   scheduler =
       FollowUpScheduler{pool, notifications, real, AuthorizationRecheck::standard(), loop.get_executor(), clock, log};
   schedule("f-1", inOneHour());

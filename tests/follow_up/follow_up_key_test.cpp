@@ -1,10 +1,10 @@
-#include "OrvanRelationshipAttention/follow_up/follow_up_key.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_key.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 TEST(FollowUpKey, CountsBytesSoThatNoTwoPairsShareAKey) {
@@ -28,4 +28,4 @@ TEST(FollowUpKey, IsKnownAmongIdentifiersByItsForm) {
 }
 
 } // namespace
-} // namespace orvan
+} // namespace orvan::internal

@@ -59,15 +59,15 @@ class RecordingDispositions final : public FollowUpDispositionApplying {
   std::vector<std::pair<std::string, AttentionItemAction>> applied;
 };
 
-/// A pool on an encrypted store. The standard key is in the form that needs no derivation, which would take most of a
-/// test's time.
+/// A pool on an encrypted store. The key is in the form that needs no derivation, which would take most of a test's
+/// time.
 inline std::shared_ptr<DatabasePool> openPool(const std::filesystem::path& file,
                                               std::function<void(Connection&)> alsoPrepare = {},
-                                              std::size_t statementCacheCapacity = 128,
-                                              std::string key = "x'" + std::string(64, '5') + "'") {
+                                              std::size_t statementCacheCapacity = 128) {
   DatabasePool::Configuration configuration;
   configuration.connection.statementCacheCapacity = statementCacheCapacity;
-  configuration.connection.prepare = [key = std::move(key), alsoPrepare = std::move(alsoPrepare)](Connection& opened) {
+  configuration.connection.prepare = [alsoPrepare = std::move(alsoPrepare)](Connection& opened) {
+    const std::string key = "x'" + std::string(64, '5') + "'";
     opened.key({reinterpret_cast<const unsigned char*>(key.data()), key.size()});
     opened.executeScript("PRAGMA foreign_keys = ON; PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF");
     if (alsoPrepare) {

@@ -3,12 +3,12 @@
 #include <boost/asio/thread_pool.hpp>
 #include <thread>
 
-#include "OrvanPlatform/sleep.h"
-#include "OrvanRelationshipAttention/follow_up/follow_up_registration_race.h"
+#include "OrvanPlatform/internal/sleep.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_registration_tracker.h"
+#include "OrvanRelationshipAttention/follow_up/internal/follow_up_registration_race.h"
 #include "tests/support/event_loop_test.h"
 
-namespace orvan {
+namespace orvan::internal {
 namespace {
 
 using namespace std::chrono_literals;
@@ -100,4 +100,4 @@ TEST(RegistrationTracker, CountsEachKeyUntilItsLastWorkHasEndedOnWhateverThread)
 }
 
 } // namespace
-} // namespace orvan
+} // namespace orvan::internal

@@ -9,14 +9,15 @@
 #include <optional>
 #include <vector>
 
+#include "OrvanPlatform/internal/sleep.h"
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanPlatform/sleep.h"
 #include "OrvanTestSupport/manual_clock.h"
 
 namespace orvan {
 namespace {
 
 using namespace std::chrono_literals;
+using internal::TaskHandle;
 
 const Instant start = *parseInternetDateTime("2026-03-04T09:15:00Z");
 

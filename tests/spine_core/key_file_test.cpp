@@ -1,6 +1,7 @@
 #include "OrvanSpineCore/key_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <fstream>
@@ -29,6 +30,7 @@ class KeyFileTest : public testing::Test {
 
 TEST_F(KeyFileTest, GivesBackTheKeyItMadeAndNothingBefore) {
   EXPECT_FALSE(keyFile.loadLocalStoreKey());
+  std::ofstream(path.string() + ".being-made") << "what a killed program left";
   keyFile.create();
   const auto key = keyFile.loadLocalStoreKey();
   ASSERT_TRUE(key);
@@ -55,7 +57,10 @@ TEST_F(KeyFileTest, RefusesAFileThatOthersCanReachAndAPathThatIsNoFile) {
   }
   std::filesystem::remove(path);
   std::filesystem::create_directory(path);
-  EXPECT_EQ(loadFault(), CredentialVaultError::accessFailed);
+  EXPECT_EQ(loadFault(), CredentialVaultError::keyFileNotRegular);
+  std::filesystem::remove(path);
+  mkfifo(path.c_str(), 0600);
+  EXPECT_EQ(loadFault(), CredentialVaultError::keyFileNotRegular) << "nor does it wait for a writer";
 }
 
 } // namespace

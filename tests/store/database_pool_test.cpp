@@ -13,7 +13,8 @@ namespace {
 
 class Pool : public testing::Test {
  protected:
-  DatabasePool makePool(std::size_t mostReaders) {
+  DatabasePool makePool(std::size_t mostReaders) { return makePool(mostReaders, folder_.path() / "pool.db"); }
+  DatabasePool makePool(std::size_t mostReaders, const std::filesystem::path& file) {
     DatabasePool::Configuration configuration;
     configuration.mostReaders = mostReaders;
     configuration.connection.prepare = [this](Connection& connection) {
@@ -23,7 +24,7 @@ class Pool : public testing::Test {
       }
       connection.executeScript("PRAGMA journal_mode = WAL; CREATE TABLE IF NOT EXISTS note (text)");
     };
-    return DatabasePool(folder_.path() / "pool.db", std::move(configuration));
+    return {file, std::move(configuration)};
   }
 
   static std::int64_t notes(Connection& connection) {
@@ -69,6 +70,22 @@ TEST_F(Pool, AReaderThatFailsToOpenTakesNobodysPlace) {
   failingOpening_ = 2;
   EXPECT_THROW(pool.read(notes), StoreError);
   EXPECT_EQ(pool.read(notes), 0);
+}
+
+TEST_F(Pool, StaysWithTheFileItOpenedWhereverTheProgramGoes) {
+  const auto home = std::filesystem::current_path();
+  std::filesystem::current_path(folder_.path());
+  auto pool = makePool(2, "pool.db");
+  pool.write(addNote);
+  std::filesystem::current_path(home);
+  EXPECT_EQ(pool.read(notes), 1);
+  const auto readInPlaceOf = [&pool](Connection& /*busy*/) {
+    return faultOf([&pool] { return pool.read(notes); });
+  };
+  std::filesystem::rename(folder_.path() / "pool.db", folder_.path() / "moved.db");
+  EXPECT_NE(pool.read(readInPlaceOf), std::error_code{}) << "no file there";
+  makePool(1);
+  EXPECT_EQ(pool.read(readInPlaceOf), StoreFault::fileReplaced);
 }
 
 TEST_F(Pool, ReadsAndWritesFromSeveralThreadsTakeTurns) {

@@ -4,8 +4,8 @@
 #include <chrono>
 #include <utility>
 
-#include "OrvanRelationshipAttention/catch_up/attention_catch_up_internal.h"
-#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+#include "OrvanRelationshipAttention/catch_up/internal/attention_catch_up_item_maker.h"
+#include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
 
 namespace orvan {
 namespace {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "OrvanSpineCore/canonical_schema.h"
+#include "OrvanSpineCore/encrypted_store.h"
 #include "OrvanStore/transaction.h"
 
 namespace orvan {
@@ -61,8 +62,7 @@ ConnectionConfiguration keyedConfiguration(OpenMode mode) {
 }
 
 void createStore(const std::filesystem::path& file) {
-  Connection connection(file, keyedConfiguration());
-  inTransaction(connection, TransactionKind::write, createCanonicalSchema);
+  EncryptedStore(file, CredentialVault{std::make_shared<KeyInMemory>()}).create();
 }
 
 std::vector<std::string> damage(Connection& connection) {

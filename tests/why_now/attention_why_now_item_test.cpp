@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "OrvanRelationshipAttention/why_now/attention_why_now_internal.h"
+#include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
 
 namespace orvan {
 namespace {

@@ -52,6 +52,18 @@ VALUES (?, ?)
 ON CONFLICT DO NOTHING
 )sql";
 
+constexpr const char* insertMessageText = R"sql(
+INSERT INTO message_text (interaction_id, message_id)
+VALUES (?, ?)
+ON CONFLICT DO NOTHING
+)sql";
+
+constexpr const char* upsertMeetingText = R"sql(
+INSERT INTO meeting_text (interaction_id, location)
+VALUES (?, ?)
+ON CONFLICT DO UPDATE SET location = excluded.location
+)sql";
+
 using Pair = std::pair<std::string_view, std::string_view>;
 
 void writePairs(std::vector<Pair> pairs, const char* statement, Connection& connection) {
@@ -81,6 +93,7 @@ void HistoryRows::write(const std::string& sourceAccountID, std::string_view now
   writeThreads(now, connection);
   writeInteractions(sourceAccountID, connection);
   writeParticipants(connection);
+  writeTexts(connection);
   interactions_.clear();
   threads_.clear();
 }
@@ -123,6 +136,19 @@ void HistoryRows::writeParticipants(Connection& connection) {
   }
   writePairs(std::move(ofInteractions), insertInteractionParticipant, connection);
   writePairs(std::move(ofThreads), insertThreadParticipant, connection);
+}
+
+void HistoryRows::writeTexts(Connection& connection) {
+  RepeatedStatement message(connection, insertMessageText);
+  RepeatedStatement meeting(connection, upsertMeetingText);
+  for (const auto& row : interactions_) {
+    if (!row.messageID.empty()) {
+      message.execute(row.id, row.messageID);
+    }
+    if (!row.location.empty()) {
+      meeting.execute(row.id, row.location);
+    }
+  }
 }
 
 } // namespace orvan

@@ -24,6 +24,9 @@ struct InteractionRow {
   std::string occurredAt;
   /// Everybody but the user whose history it belongs to.
   std::vector<std::string> participantIdentityIDs;
+  /// What a mail program finds a mail by, and where a meeting takes place; empty when it is not to be kept.
+  std::string messageID = {};
+  std::string location = {};
 };
 
 /// Collects the rows of a batch and writes each table in the order of its key, so that the pages of the store are
@@ -52,6 +55,7 @@ class HistoryRows {
   void writeThreads(std::string_view now, Connection& connection);
   void writeInteractions(const std::string& sourceAccountID, Connection& connection);
   void writeParticipants(Connection& connection);
+  void writeTexts(Connection& connection);
 
   std::vector<InteractionRow> interactions_;
   std::vector<Thread> threads_;

@@ -7,20 +7,29 @@
 #include <vector>
 
 #include "OrvanPlatform/instant.h"
+#include "application/import/ledger/mail_standing.h"
 #include "application/import/ledger/people_ledger.h"
 #include "application/import/ledger/stable_id.h"
 #include "application/import/mail/mail_message.h"
 
 namespace orvan {
 
+/// What is known of addresses while mail is read: the user's own, and those of mailing lists. More lists become known
+/// on the way.
+struct KnownAddresses {
+  std::set<std::string> own;
+  std::set<std::string> lists;
+};
+
 /// A mail reduced to what the tables take.
 struct PreparedMail {
+  /// What a report counts it as.
   enum class Use {
-    /// Part of the history of the people it is from and to.
     history,
-    /// List mail: part of its thread, and of nobody's history.
-    listOnly,
+    /// A program wrote it, or it is a newsletter.
     automated,
+    /// It does not name the user.
+    elsewhere,
     /// From the user to the user.
     note,
   };
@@ -29,23 +38,29 @@ struct PreparedMail {
   /// The mails it answers, oldest first.
   std::vector<MailKey> references;
   Use use = Use::history;
-  bool isFromUser = false;
-  bool isGroup = false;
+  MailStanding standing = MailStanding::passedOver;
+  /// What a mail that is passed over counts as when it answers one of the user's.
+  MailStanding standingAsAnswer = MailStanding::passedOver;
   /// Beside whose rows the mail's rows lie: those of who wrote it or, of the user's own mail, of its first reader.
   std::string principalIdentityID;
+  /// Whom the mail is contact with: who wrote it or, of the user's own mail, whom it was sent to.
   std::vector<std::string> participantIdentityIDs;
+  /// Everybody else's addresses on a mail that is not the user's.
+  std::vector<std::string> namedIdentityIDs;
   Instant sentAt;
   std::string subject;
+  std::string messageID;
   std::optional<std::string> question;
 
+  bool isFromUser() const noexcept { return standing == MailStanding::own; }
   std::string interactionID() const { return clusteredID(principalIdentityID, sentAt, key); }
 };
 
 /// What is read and prepared before it is written in one transaction.
 class MailBatch {
  public:
-  /// Takes one mail over; `ownAddresses` are the user's. Of very many people on a mail only some are kept.
-  void add(MailMessage message, const std::set<std::string>& ownAddresses);
+  /// Takes one mail over, and adds to `known` what it shows. Of very many people on a mail only some are kept.
+  void add(MailMessage message, KnownAddresses& known);
   void addSkip(MailSkipReason reason) { skips_.push_back(reason); }
 
   /// How many mails and skips it holds, and about how much memory they take.

@@ -1,23 +1,28 @@
 #include "application/import/ledger/mail_importer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <optional>
 #include <set>
 #include <span>
 #include <thread>
+#include <unordered_map>
 #include <utility>
 #include <variant>
 
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/precondition.h"
+#include "application/import/ledger/address_use_ledger.h"
+#include "application/import/ledger/contact_ledger.h"
 #include "application/import/ledger/handoff.h"
 #include "application/import/ledger/history_rows.h"
-#include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/mail_batch.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/ledger/question_ledger.h"
+#include "application/import/ledger/stored_interactions.h"
 #include "application/import/ledger/thread_ledger.h"
+#include "application/import/ledger/waiting_threads.h"
 
 namespace orvan {
 namespace {
@@ -34,11 +39,8 @@ struct ReadBatch {
 /// Reads the source on its own thread, a batch ahead of the writer.
 class BatchReader {
  public:
-  BatchReader(MailSource& source, std::set<std::string> ownAddresses, std::size_t mailsPerBatch)
-      : source_(source),
-        ownAddresses_(std::move(ownAddresses)),
-        mailsPerBatch_(mailsPerBatch),
-        thread_([this] { run(); }) {}
+  BatchReader(MailSource& source, KnownAddresses known, std::size_t mailsPerBatch)
+      : source_(source), known_(std::move(known)), mailsPerBatch_(mailsPerBatch), thread_([this] { run(); }) {}
 
   ~BatchReader() { batches_.abandon(); }
   BatchReader(const BatchReader&) = delete;
@@ -86,16 +88,16 @@ class BatchReader {
     }
   }
 
-  void add(MailItem item, MailBatch& batch) const {
+  void add(MailItem item, MailBatch& batch) {
     if (auto* message = std::get_if<MailMessage>(&item)) {
-      batch.add(std::move(*message), ownAddresses_);
+      batch.add(std::move(*message), known_);
     } else {
       batch.addSkip(std::get<MailSkip>(item).reason);
     }
   }
 
   MailSource& source_;
-  std::set<std::string> ownAddresses_;
+  KnownAddresses known_;
   std::size_t mailsPerBatch_;
   Handoff<ReadBatch> batches_;
   /// Written by the thread, read after it ended.
@@ -120,9 +122,11 @@ void countUse(PreparedMail::Use use, MailReport& report) {
     case PreparedMail::Use::history:
       ++report.imported;
       break;
-    case PreparedMail::Use::listOnly:
     case PreparedMail::Use::automated:
       ++report.automated;
+      break;
+    case PreparedMail::Use::elsewhere:
+      ++report.elsewhere;
       break;
     case PreparedMail::Use::note:
       ++report.notes;
@@ -135,76 +139,207 @@ struct PlacedMail {
   PreparedMail* mail;
   /// As the thread ledger numbers it.
   std::size_t thread;
+  /// Rows of a copy that told less are in the store.
+  bool isStored;
 };
 
-/// Counts each mail, gives it its place, and returns those to be written.
-std::vector<PlacedMail> placeMails(MailBatch& batch, ThreadLedger& threads, MailReport& report) {
-  std::vector<PlacedMail> placed;
-  for (auto& mail : batch.mails()) {
-    if (threads.isKnown(mail.key)) {
-      ++report.known;
-      continue;
+/// Goes through a batch and finds what is to be written.
+class Placement {
+ public:
+  Placement(ThreadLedger& threads, AddressUseLedger& uses, MailReport& report)
+      : threads_(threads), uses_(uses), report_(report) {}
+
+  void place(PreparedMail& mail) {
+    decideAsAnswer(mail);
+    const auto known = threads_.standingOf(mail.key);
+    if (known != MailStanding::referenced && mail.standing <= known) {
+      ++report_.known;
+      return;
     }
-    countUse(mail.use, report);
-    if (mail.use == PreparedMail::Use::automated || mail.use == PreparedMail::Use::note) {
-      threads.passOver(mail.key);
+    if (known == MailStanding::referenced) {
+      countUse(mail.use, report_);
+      countAddresses(mail);
     } else {
-      // A thread is called by its first mail.
-      placed.push_back({&mail, threads.placeMail(mail.key, mail.references, mail.interactionID())});
+      ++report_.completed;
+    }
+    if (mail.standing > MailStanding::passedOver) {
+      keep(mail, known > MailStanding::passedOver);
+    } else if (mail.use == PreparedMail::Use::elsewhere) {
+      threads_.placeMail(mail.key, mail.references, mail.interactionID(), mail.standing);
+    } else {
+      threads_.passOver(mail.key);
     }
   }
-  for (const auto reason : batch.skips()) {
-    ++report.skipped[reason];
+
+  /// Those to be written, each mail once.
+  std::vector<PlacedMail> placed() && { return std::move(placed_); }
+
+ private:
+  /// What does not name the user is contact all the same when it answers the user.
+  void decideAsAnswer(PreparedMail& mail) const {
+    const bool answersUser =
+        !mail.references.empty() && threads_.standingOf(mail.references.back()) == MailStanding::own;
+    if (answersUser && mail.standingAsAnswer > mail.standing) {
+      mail.standing = mail.standingAsAnswer;
+      mail.use = PreparedMail::Use::history;
+    }
   }
-  report.read += static_cast<std::int64_t>(batch.size());
-  return placed;
-}
+
+  void countAddresses(const PreparedMail& mail) {
+    if (mail.isFromUser()) {
+      for (const auto& identityID : mail.participantIdentityIDs) {
+        uses_.consider(identityID);
+      }
+    } else {
+      uses_.add(mail);
+    }
+  }
+
+  void keep(PreparedMail& mail, bool wasKept) {
+    // A thread is called by its first mail.
+    const auto thread = threads_.placeMail(mail.key, mail.references, mail.interactionID(), mail.standing);
+    const auto [position, isNew] = positions_.try_emplace(mail.key, placed_.size());
+    if (isNew) {
+      placed_.push_back({&mail, thread, wasKept});
+    } else {
+      placed_[position->second].mail = &mail;
+    }
+  }
+
+  ThreadLedger& threads_;
+  AddressUseLedger& uses_;
+  MailReport& report_;
+  std::vector<PlacedMail> placed_;
+  std::unordered_map<MailKey, std::size_t> positions_;
+};
 
 /// People on mails that were read before are there already, or the user has had them removed.
 void keepPeopleOf(std::span<const PlacedMail> placed, PeopleLedger& people) {
   std::set<std::string_view> identityIDs;
-  for (const auto& [mail, thread] : placed) {
-    identityIDs.insert(mail->participantIdentityIDs.begin(), mail->participantIdentityIDs.end());
+  for (const auto& one : placed) {
+    identityIDs.insert(one.mail->participantIdentityIDs.begin(), one.mail->participantIdentityIDs.end());
   }
   people.keepOnly(identityIDs);
 }
 
 InteractionRow rowOf(PreparedMail& mail, std::string threadID) {
+  const bool isFromUser = mail.isFromUser();
+  const bool isInCompany = isFromUser ? mail.participantIdentityIDs.size() != 1 : mail.standing != MailStanding::direct;
   return {mail.interactionID(),
           std::move(threadID),
-          mail.isFromUser ? std::nullopt : std::optional{std::move(mail.principalIdentityID)},
-          mail.isFromUser ? "outbound" : "inbound",
+          isFromUser ? std::nullopt : std::optional{mail.principalIdentityID},
+          isFromUser ? "outbound" : "inbound",
           "message",
-          mail.isGroup ? "group" : "direct",
+          isInCompany ? "group" : "direct",
           formatInternetDateTime(mail.sentAt),
-          std::move(mail.participantIdentityIDs)};
+          std::move(mail.participantIdentityIDs),
+          isInCompany || isFromUser ? std::string{} : std::move(mail.messageID)};
 }
 
-void noteQuestionOf(const InteractionRow& row, const std::optional<std::string>& question, Connection& connection) {
-  if (question && row.senderIdentityID) {
-    noteQuestion({row.id, row.threadID, *row.senderIdentityID, row.occurredAt, *question}, connection);
+/// One batch on its way into the tables, within one transaction.
+class BatchWriter {
+ public:
+  BatchWriter(const SourceAccount& account, std::string_view now, Connection& connection)
+      : account_(account), now_(now), connection_(connection) {}
+
+  void write(MailBatch& batch, MailReport& report) {
+    threads_.load(keysOf(batch), connection_);
+    Placement placement(threads_, uses_, report);
+    for (auto& mail : batch.mails()) {
+      placement.place(mail);
+    }
+    for (const auto reason : batch.skips()) {
+      ++report.skipped[reason];
+    }
+    report.read += static_cast<std::int64_t>(batch.size());
+    threads_.write(connection_);
+    const auto placed = std::move(placement).placed();
+    keepPeopleOf(placed, batch.people());
+    batch.people().write(connection_, now_);
+    uses_.write(connection_);
+    writeHistory(placed);
+    settle();
   }
-}
 
-void writeBatch(MailBatch& batch, const SourceAccount& account, std::string_view now, MailReport& report,
-                Connection& connection) {
-  ThreadLedger threads;
-  threads.load(keysOf(batch), connection);
-  const auto placed = placeMails(batch, threads, report);
-  threads.write(connection);
-  keepPeopleOf(placed, batch.people());
-  batch.people().write(connection, now);
-
-  HistoryRows rows;
-  rows.reserve(placed.size());
-  for (const auto& [mail, thread] : placed) {
-    auto row = rowOf(*mail, threads.threadID(thread));
-    noteQuestionOf(row, mail->question, connection);
-    rows.addThread(row.threadID, "mail", std::move(mail->subject));
-    rows.add(std::move(row));
+ private:
+  void writeHistory(std::span<const PlacedMail> placed) {
+    HistoryRows rows;
+    rows.reserve(placed.size());
+    for (const auto& [mail, thread, isStored] : placed) {
+      const auto& threadID = threads_.threadID(thread);
+      if (isStored) {
+        withdraw(mail->key, threadID);
+      }
+      auto row = rowOf(*mail, threadID);
+      contact_.add(row);
+      touchedThreadIDs_.insert(row.threadID);
+      note(*mail, row);
+      rows.addThread(row.threadID, "mail", std::move(mail->subject));
+      rows.add(std::move(row));
+    }
+    rows.write(account_.id, now_, connection_);
   }
-  rows.write(account.id, now, connection);
-}
+
+  /// Takes back what a copy that told less has left.
+  void withdraw(MailKey mail, const std::string& threadID) {
+    if (const auto stored = storedMail(mail, threadID, connection_)) {
+      contact_.remove(*stored);
+      deleteInteraction(*stored, connection_);
+    }
+  }
+
+  void note(const PreparedMail& mail, const InteractionRow& row) {
+    if (mail.isFromUser()) {
+      questions_.reconsiderThread(row.threadID);
+      questions_.reconsiderMails(mail.references);
+    } else if (mail.question && mail.standing == MailStanding::direct) {
+      questions_.note({row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *mail.question},
+                      connection_);
+    }
+  }
+
+  void settle() {
+    setClocksRight(refreshWaitingThreads(touchedThreadIDs_, connection_));
+    questions_.reconsiderPeople(contact_.write(connection_));
+    questions_.settle(now_, connection_);
+  }
+
+  /// A mail that the user has answered does not come after the answer, whatever the clock of its sender said.
+  void setClocksRight(std::span<const WaitingMail> waiting) {
+    const auto answered = threads_.endingsOfAnswered();
+    std::set<std::string> movedThreadIDs;
+    for (const auto& mail : waiting) {
+      if (answered.contains(mail.interactionID.substr(mail.interactionID.size() - lengthOfMailIDEnding))) {
+        moveBeforeAnswer(mail);
+        movedThreadIDs.insert(mail.threadID);
+      }
+    }
+    refreshWaitingThreads(movedThreadIDs, connection_);
+  }
+
+  void moveBeforeAnswer(const WaitingMail& mail) {
+    const auto answeredAt = connection_.fetchOptionalText(
+        "SELECT max(occurred_at) FROM interaction WHERE thread_id = ? AND direction = 'outbound'", mail.threadID);
+    auto stored = storedInteraction(mail.interactionID, connection_);
+    const auto answer = answeredAt ? parseInternetDateTime(*answeredAt) : std::nullopt;
+    if (!stored || !answer) {
+      return;
+    }
+    contact_.remove(*stored);
+    stored->occurredAt = formatInternetDateTime(*answer - std::chrono::seconds{1});
+    contact_.add(*stored);
+    connection_.execute("UPDATE interaction SET occurred_at = ? WHERE id = ?", stored->occurredAt, stored->id);
+  }
+
+  const SourceAccount& account_;
+  std::string_view now_;
+  Connection& connection_;
+  ThreadLedger threads_;
+  AddressUseLedger uses_;
+  ContactLedger contact_;
+  QuestionLedger questions_;
+  std::set<std::string> touchedThreadIDs_;
+};
 
 void emptyLog(Connection& connection) {
   connection.execute("PRAGMA wal_checkpoint(PASSIVE)");
@@ -221,25 +356,23 @@ MailImporter::MailImporter(DatabaseQueue& store, ImportContext context, std::siz
 MailReport MailImporter::import(MailSource& source, const MailProgress& progress) {
   const auto now = formatInternetDateTime(context_.now);
   SourceAccount account;
-  const auto ownAddresses = store_.write([&](Connection& connection) {
-    createImportTables(connection);
+  const auto known = store_.write([&](Connection& connection) {
     account = mailAccountOf(context_.ownAddresses.front(), connection);
     recordImportStarted(account, now, connection);
-    return rememberOwnAddresses(context_.ownAddresses, now, connection);
+    return KnownAddresses{rememberOwnAddresses(context_.ownAddresses, now, connection), listAddresses(connection)};
   });
 
   MailReport report;
-  BatchReader reader(source, ownAddresses, mailsPerBatch_);
+  BatchReader reader(source, known, mailsPerBatch_);
   while (auto read = reader.next()) {
     auto soFar = report;
-    store_.write([&](Connection& connection) { writeBatch(read->batch, account, now, soFar, connection); });
+    store_.write([&](Connection& connection) { BatchWriter(account, now, connection).write(read->batch, soFar); });
     report = std::move(soFar);
     store_.withoutTransaction(emptyLog);
     if (progress) {
       progress(report, read->bytesRead, read->bytesTotal);
     }
   }
-  store_.write([&](Connection& connection) { settleQuestions(now, connection); });
   reader.rethrow();
   store_.write([&](Connection& connection) { recordImportSucceeded(account, now, connection); });
   return report;

@@ -14,14 +14,20 @@
 
 namespace orvan {
 
-/// What an import found. Everything read is counted once: read == imported + known + automated + notes + skipped.
+/// What an import found. Everything read is counted once:
+/// read == imported + completed + known + automated + elsewhere + notes + skipped.
 struct MailReport {
   std::int64_t read = 0;
   std::int64_t imported = 0;
-  /// Imported before, from this file or another.
+  /// Read before, from this file or another.
   std::int64_t known = 0;
-  /// Written by a machine; remembered, and kept out of everybody's history.
+  /// Known from a copy that told less, such as a mailing list's.
+  std::int64_t completed = 0;
+  /// Written by a machine, or a newsletter; remembered, and kept out of everybody's history.
   std::int64_t automated = 0;
+  /// Names none of the user's addresses, and does not answer the user: what a list brings, or mail to an address that
+  /// was not told.
+  std::int64_t elsewhere = 0;
   /// Mails that the user wrote to nobody else.
   std::int64_t notes = 0;
   std::map<MailSkipReason, std::int64_t> skipped;

@@ -8,11 +8,13 @@
 
 #include "OrvanPlatform/internet_date_time.h"
 #include "application/import/ledger/bounded_text.h"
+#include "application/import/ledger/contact_ledger.h"
 #include "application/import/ledger/history_rows.h"
-#include "application/import/ledger/import_tables.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/ledger/people_ledger.h"
+#include "application/import/ledger/question_ledger.h"
 #include "application/import/ledger/stable_id.h"
+#include "application/import/ledger/stored_interactions.h"
 
 namespace orvan {
 namespace {
@@ -100,28 +102,17 @@ WHERE entry.calendar = ? AND entry.seen_in < ? AND meeting.occurred_at >= ? AND 
   return gone;
 }
 
-void deleteParticipants(const std::string& interactionID, Connection& connection) {
-  connection.execute(R"sql(
-DELETE FROM interaction_participant
-WHERE interaction_id = ?1 AND source_identity_id IN (
-  SELECT tp.source_identity_id
-  FROM interaction meeting
-  JOIN thread_participant tp ON tp.thread_id = meeting.thread_id
-  WHERE meeting.id = ?1
-)
-)sql",
-                     interactionID);
-}
-
 /// The meeting itself goes with the last calendar that lists it; whether it did.
-bool withdraw(const std::string& interactionID, const std::string& calendar, Connection& connection) {
+bool withdraw(const std::string& interactionID, const std::string& calendar, ContactLedger& contact,
+              Connection& connection) {
   connection.execute("DELETE FROM calendar_entry WHERE interaction_id = ? AND calendar = ?", interactionID, calendar);
   if (connection.fetchOptionalInteger("SELECT 1 FROM calendar_entry WHERE interaction_id = ?", interactionID)) {
     return false;
   }
-  deleteParticipants(interactionID, connection);
-  connection.execute("DELETE FROM interaction WHERE id = ?", interactionID);
-  connection.execute("DELETE FROM source_event WHERE id = ?", interactionID);
+  if (const auto meeting = storedInteraction(interactionID, connection)) {
+    contact.remove(*meeting);
+    deleteInteraction(*meeting, connection);
+  }
   return true;
 }
 
@@ -131,7 +122,6 @@ class CalendarImport {
   CalendarImport(std::string calendar, std::string now) : calendar_(std::move(calendar)), now_(std::move(now)) {}
 
   void begin(const std::vector<std::string>& ownAddresses, Connection& connection) {
-    createImportTables(connection);
     account_ = calendarAccountOf(ownAddresses.front(), connection);
     recordImportStarted(account_, now_, connection);
     ownAddresses_ = rememberOwnAddresses(ownAddresses, now_, connection);
@@ -150,9 +140,9 @@ class CalendarImport {
       auto row = rowOf(meeting, std::move(participants));
       const bool isKnown = markSeen(row.id, calendar_, number_, connection);
       if (isKnown) {
-        // Whoever is still invited is written again.
-        deleteParticipants(row.id, connection);
+        forgetParticipants(row.id, connection);
       }
+      contact_.add(row);
       ++report.meetings;
       ++(isKnown ? report.known : report.imported);
       rows.addThread(row.threadID, "calendar", leadingCharacters(meeting.summary, mostSubjectCharacters));
@@ -160,16 +150,33 @@ class CalendarImport {
     }
     people.write(connection, now_);
     rows.write(account_.id, now_, connection);
+    reconsiderQuestions(contact_.write(connection), connection);
   }
 
   void end(CalendarWindow window, MeetingReport& report, Connection& connection) {
     for (const auto& interactionID : notSeenIn(number_, calendar_, window, connection)) {
-      report.withdrawn += withdraw(interactionID, calendar_, connection) ? 1 : 0;
+      report.withdrawn += withdraw(interactionID, calendar_, contact_, connection) ? 1 : 0;
     }
+    contact_.write(connection);
     recordImportSucceeded(account_, now_, connection);
   }
 
  private:
+  /// Whoever is still invited is written again.
+  void forgetParticipants(const std::string& interactionID, Connection& connection) {
+    if (const auto known = storedInteraction(interactionID, connection)) {
+      contact_.remove(*known);
+      deleteParticipants(*known, connection);
+    }
+  }
+
+  /// Whom the user has met is no stranger.
+  void reconsiderQuestions(const std::vector<std::string>& identityIDs, Connection& connection) const {
+    QuestionLedger questions;
+    questions.reconsiderPeople(identityIDs);
+    questions.settle(now_, connection);
+  }
+
   std::vector<std::string> noteParticipants(const CalendarMeeting& meeting, PeopleLedger& people) const {
     std::vector<std::string> participants;
     for (const auto& person : meeting.people) {
@@ -185,6 +192,7 @@ class CalendarImport {
   std::string now_;
   std::set<std::string> ownAddresses_;
   std::int64_t number_ = 0;
+  ContactLedger contact_;
 };
 
 } // namespace

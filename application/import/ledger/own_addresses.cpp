@@ -1,6 +1,10 @@
 #include "application/import/ledger/own_addresses.h"
 
+#include <vector>
+
+#include "application/import/ledger/question_ledger.h"
 #include "application/import/ledger/stable_id.h"
+#include "application/import/ledger/waiting_threads.h"
 
 namespace orvan {
 namespace {
@@ -14,28 +18,17 @@ std::set<std::string> ownAddresses(Connection& connection) {
   return addresses;
 }
 
-/// A mail in company of nobody but the user is between two. An interaction's participants are looked for among those of
-/// its thread: they are not kept by interaction.
-void becomeBetweenTwo(const std::string& identityID, Connection& connection) {
-  connection.execute(R"sql(
-UPDATE source_event SET conversation_kind = 'direct'
-WHERE conversation_kind = 'group' AND id IN (
-  SELECT event.source_event_id
-  FROM interaction_participant own
-  JOIN interaction event ON event.id = own.interaction_id
-  JOIN thread_participant other ON other.thread_id = event.thread_id AND other.source_identity_id <> ?1
-  JOIN interaction_participant present
-    ON present.source_identity_id = other.source_identity_id AND present.interaction_id = event.id
-  WHERE own.source_identity_id = ?1
-  GROUP BY event.id
-  HAVING count(*) = 1
-)
-)sql",
-                     identityID);
+std::vector<std::string> threadsOf(const std::string& identityID, Connection& connection) {
+  std::vector<std::string> threadIDs;
+  auto rows = connection.query("SELECT thread_id FROM thread_participant WHERE source_identity_id = ?", identityID);
+  while (rows.next()) {
+    threadIDs.emplace_back(rows.text(Column{0}));
+  }
+  return threadIDs;
 }
 
-/// What was taken for somebody else's is the user's from now on: the mails were sent by the user, and the user is not
-/// listed among the participants.
+/// What was taken for somebody else's is the user's from now on: the mails were sent by the user, to whom is told when
+/// they are read again, and the user is not listed among the participants.
 void takeFromOthers(const std::string& identityID, std::string_view now, Connection& connection) {
   connection.execute("UPDATE identity_membership SET ended_at = ? WHERE source_identity_id = ? AND ended_at IS NULL",
                      now, identityID);
@@ -45,10 +38,23 @@ WHERE source_identity_id = ?1 AND direction = 'inbound'
   AND id IN (SELECT interaction_id FROM interaction_participant WHERE source_identity_id = ?1)
 )sql",
                      identityID);
-  becomeBetweenTwo(identityID, connection);
-  connection.execute("DELETE FROM pending_question WHERE source_identity_id = ?", identityID);
-  connection.execute("DELETE FROM interaction_participant WHERE source_identity_id = ?", identityID);
-  connection.execute("DELETE FROM thread_participant WHERE source_identity_id = ?", identityID);
+  const auto threadIDs = threadsOf(identityID, connection);
+  for (const char* statement : {
+           "DELETE FROM pending_question WHERE source_identity_id = ?",
+           "DELETE FROM interaction_participant WHERE source_identity_id = ?",
+           "DELETE FROM thread_participant WHERE source_identity_id = ?",
+           "DELETE FROM contact_week WHERE source_identity_id = ?",
+           "DELETE FROM contact_span WHERE source_identity_id = ?",
+           "DELETE FROM waiting_thread WHERE source_identity_id = ?",
+       }) {
+    connection.execute(statement, identityID);
+  }
+  refreshWaitingThreads({threadIDs.begin(), threadIDs.end()}, connection);
+  QuestionLedger questions;
+  for (const auto& threadID : threadIDs) {
+    questions.reconsiderThread(threadID);
+  }
+  questions.settle(now, connection);
 }
 
 } // namespace

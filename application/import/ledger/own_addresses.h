@@ -10,8 +10,8 @@
 namespace orvan {
 
 /// Adds to the addresses that earlier imports were told and returns them all. An address that was taken for somebody
-/// else's so far is the user's from now on: its person ends, the mails sent from it are the user's, and those with one
-/// other person are between two. Within the caller's transaction.
+/// else's so far is the user's from now on: its person ends, and the mails sent from it are the user's. Whom those went
+/// to, and which mails were to the user alone, is learned when they are read again. Within the caller's transaction.
 std::set<std::string> rememberOwnAddresses(std::span<const std::string> addresses, std::string_view now,
                                            Connection& connection);
 

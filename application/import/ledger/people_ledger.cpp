@@ -3,16 +3,33 @@
 #include "OrvanStore/repeated_statement.h"
 #include "application/import/ledger/bounded_text.h"
 #include "application/import/ledger/stable_id.h"
+#include "application/import/mail/mailbox_kind.h"
 
 namespace orvan {
 namespace {
 
 constexpr const char* upsertIdentity = R"sql(
-INSERT INTO source_identity (id, address, display_name, name_rank)
-VALUES (?, ?, ?, ?)
+INSERT INTO source_identity (id, address, display_name, name_rank, kind)
+VALUES (?, ?, ?, ?, ?)
 ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name, name_rank = excluded.name_rank
 WHERE excluded.name_rank > name_rank
 )sql";
+
+constexpr const char* markAsList = "UPDATE source_identity SET kind = 'list' WHERE id = ? AND kind <> 'list'";
+
+std::string_view textOf(MailboxKind kind) noexcept {
+  switch (kind) {
+    case MailboxKind::person:
+      return "person";
+    case MailboxKind::list:
+      return "list";
+    case MailboxKind::role:
+      return "role";
+    case MailboxKind::machine:
+      return "machine";
+  }
+  return "person";
+}
 
 /// A membership that the user ended or gave to someone else stays as the user left it.
 constexpr const char* insertMembership = R"sql(
@@ -29,34 +46,48 @@ ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name
 
 } // namespace
 
-std::string PeopleLedger::note(std::string_view address, std::string_view displayName, NameSource nameSource) {
-  auto identityID = identityIDOf(address);
+PeopleLedger::Identity& PeopleLedger::identity(const std::string& identityID, std::string_view address) {
   auto& identity = identities_[identityID];
   if (identity.address.empty()) {
     identity.address = leadingCharacters(std::string{address}, mostNameCharacters);
+    identity.kind = textOf(kindOfMailbox(address));
   }
-  if (!displayName.empty() && nameSource > identity.nameSource) {
-    identity.displayName = leadingCharacters(std::string{displayName}, mostNameCharacters);
-    identity.nameSource = nameSource;
+  return identity;
+}
+
+std::string PeopleLedger::note(std::string_view address, std::string_view displayName, NameSource nameSource) {
+  auto identityID = identityIDOf(address);
+  auto& noted = identity(identityID, address);
+  if (!displayName.empty() && nameSource > noted.nameSource) {
+    noted.displayName = leadingCharacters(std::string{displayName}, mostNameCharacters);
+    noted.nameSource = nameSource;
   }
   return identityID;
 }
 
+void PeopleLedger::noteList(std::string_view address) {
+  identity(identityIDOf(address), address).kind = textOf(MailboxKind::list);
+}
+
 void PeopleLedger::keepOnly(const std::set<std::string_view>& identityIDs) {
-  std::erase_if(identities_, [&](const auto& identity) { return !identityIDs.contains(identity.first); });
+  std::erase_if(identities_, [&](const auto& identity) {
+    return identity.second.kind != textOf(MailboxKind::list) && !identityIDs.contains(identity.first);
+  });
 }
 
 void PeopleLedger::write(Connection& connection, std::string_view now) {
   RepeatedStatement upsertName(connection, upsertIdentity);
   for (const auto& [identityID, identity] : identities_) {
     const std::string& name = identity.displayName.empty() ? identity.address : identity.displayName;
-    upsertName.execute(identityID, identity.address, name, static_cast<int>(identity.nameSource));
-    if (connection.changes() == 0) {
-      continue;
+    upsertName.execute(identityID, identity.address, name, static_cast<int>(identity.nameSource), identity.kind);
+    const bool isChanged = connection.changes() > 0;
+    if (identity.kind == textOf(MailboxKind::list)) {
+      connection.execute(markAsList, identityID);
+    } else if (isChanged) {
+      const auto personID = personIDOf(identityID);
+      connection.execute(insertMembership, identityID, personID);
+      connection.execute(upsertPerson, personID, name, now);
     }
-    const auto personID = personIDOf(identityID);
-    connection.execute(insertMembership, identityID, personID);
-    connection.execute(upsertPerson, personID, name, now);
   }
   identities_.clear();
 }

@@ -21,13 +21,17 @@ enum class NameSource {
 };
 
 /// Gathers the addresses that a batch of mails or meetings mentions and writes them as identities, each with a person
-/// of its own until the user says otherwise. Kept in order of the identities, so that the store is written in order.
+/// of its own until the user says otherwise; a mailing list has none. Kept in order of the identities, so that the
+/// store is written in order.
 class PeopleLedger {
  public:
   /// Notes that somebody took part, and gives the identity's id. A blank name tells nothing.
   std::string note(std::string_view address, std::string_view displayName, NameSource nameSource);
 
-  /// Forgets whoever is not among `identityIDs`.
+  /// Notes that an address is a mailing list's.
+  void noteList(std::string_view address);
+
+  /// Forgets whoever is not among `identityIDs`, lists excepted.
   void keepOnly(const std::set<std::string_view>& identityIDs);
 
   /// Writes what was noted within the caller's transaction and forgets it. A person keeps the best name ever told.
@@ -38,7 +42,10 @@ class PeopleLedger {
     std::string address;
     std::string displayName;
     NameSource nameSource = NameSource::none;
+    std::string_view kind = "person";
   };
+
+  Identity& identity(const std::string& identityID, std::string_view address);
 
   std::map<std::string, Identity, std::less<>> identities_;
 };

@@ -1,10 +1,14 @@
 #include "application/import/ledger/question_ledger.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "OrvanPlatform/internet_date_time.h"
+#include "OrvanStore/repeated_statement.h"
 #include "application/import/ledger/people_ledger.h"
 
 namespace orvan {
@@ -12,55 +16,70 @@ namespace {
 
 struct PendingQuestion {
   std::string interactionID;
+  std::int64_t messageKey = 0;
   std::string threadID;
   std::string sourceIdentityID;
   std::string askedAt;
   std::string question;
 };
 
-/// Questions are weighed in groups, so that their number does not matter to memory.
-constexpr int groupSize = 1000;
+constexpr std::string_view selectPending =
+    "SELECT interaction_id, message_key, thread_id, source_identity_id, asked_at, question FROM pending_question "
+    "WHERE ";
 
-std::vector<PendingQuestion> pendingAfter(std::string_view interactionID, Connection& connection) {
-  std::vector<PendingQuestion> pending;
-  auto rows = connection.query(R"sql(
-SELECT interaction_id, thread_id, source_identity_id, asked_at, question
-FROM pending_question
-WHERE interaction_id > ?
-ORDER BY interaction_id
-LIMIT ?
-)sql",
-                               interactionID, groupSize);
-  while (rows.next()) {
-    pending.push_back({std::string{rows.text(Column{0})}, std::string{rows.text(Column{1})},
-                       std::string{rows.text(Column{2})}, std::string{rows.text(Column{3})},
-                       std::string{rows.text(Column{4})}});
+template <typename Values>
+void appendPending(std::string_view column, const Values& values, std::vector<PendingQuestion>& pending,
+                   Connection& connection) {
+  RepeatedStatement select(connection, std::string{selectPending} + std::string{column} + " = ?");
+  for (const auto& value : values) {
+    auto& rows = select.query(value);
+    while (rows.next()) {
+      pending.push_back({std::string{rows.text(Column{0})}, rows.integer(Column{1}), std::string{rows.text(Column{2})},
+                         std::string{rows.text(Column{3})}, std::string{rows.text(Column{4})},
+                         std::string{rows.text(Column{5})}});
+    }
   }
-  return pending;
 }
 
+/// A mail of the user's without known readers may have gone to anybody in the thread.
 bool isAnswered(const PendingQuestion& question, Connection& connection) {
   return connection
-      .fetchOptionalInteger(
-          "SELECT 1 FROM interaction "
-          "WHERE thread_id = ? AND direction = 'outbound' AND source_identity_id IS NULL AND occurred_at > ? LIMIT 1",
-          question.threadID, question.askedAt)
+      .fetchOptionalInteger(R"sql(
+SELECT 1
+WHERE EXISTS (SELECT 1 FROM mail_reference WHERE message_key = ?1 AND is_answered)
+   OR EXISTS (
+     SELECT 1
+     FROM interaction answer
+     WHERE answer.thread_id = ?2 AND answer.direction = 'outbound' AND answer.occurred_at > ?4
+       AND (EXISTS (SELECT 1 FROM interaction_participant reader
+                    WHERE reader.source_identity_id = ?3 AND reader.interaction_id = answer.id)
+            OR NOT EXISTS (SELECT 1 FROM thread_participant known
+                           JOIN interaction_participant reader
+                             ON reader.source_identity_id = known.source_identity_id
+                            AND reader.interaction_id = answer.id
+                           WHERE known.thread_id = ?2)))
+)sql",
+                            question.messageKey, question.threadID, question.sourceIdentityID, question.askedAt)
       .has_value();
 }
 
-bool userWroteBefore(const PendingQuestion& question, Connection& connection) {
+bool mayAsk(const PendingQuestion& question, Connection& connection) {
   return connection
-      .fetchOptionalInteger(
-          "SELECT 1 FROM interaction "
-          "WHERE thread_id = ? AND direction = 'outbound' AND source_identity_id IS NULL AND occurred_at < ? LIMIT 1",
-          question.threadID, question.askedAt)
+      .fetchOptionalInteger(R"sql(
+SELECT 1
+WHERE EXISTS (
+    SELECT 1
+    FROM identity_membership asker
+    JOIN identity_membership known ON known.canonical_person_id = asker.canonical_person_id
+    JOIN contact_span span ON span.source_identity_id = known.source_identity_id
+    WHERE asker.source_identity_id = ?1 AND asker.ended_at IS NULL AND known.ended_at IS NULL
+      AND span.first_reached_at < ?2)
+   OR EXISTS (
+    SELECT 1 FROM interaction earlier
+    WHERE earlier.thread_id = ?3 AND earlier.direction = 'outbound' AND earlier.occurred_at < ?2)
+)sql",
+                            question.sourceIdentityID, question.askedAt, question.threadID)
       .has_value();
-}
-
-bool isBetweenTwo(const PendingQuestion& question, Connection& connection) {
-  return connection.fetchOptionalInteger(
-             "SELECT count(*) FROM (SELECT 1 FROM thread_participant WHERE thread_id = ? LIMIT 2)",
-             question.threadID) == 1;
 }
 
 std::string openLoopIDOf(const PendingQuestion& question) {
@@ -100,13 +119,13 @@ VALUES (?, ?, 'unanswered_question', ?, ?, 'open', ?)
                      openLoopIDOf(question), personID, evidenceID, detectedAt(question), now);
 }
 
-void settle(const PendingQuestion& question, std::string_view now, Connection& connection) {
+void settleOne(const PendingQuestion& question, std::string_view now, Connection& connection) {
   if (isAnswered(question, connection)) {
     closeLoop(question, connection);
     forget(question, connection);
     return;
   }
-  if (!isBetweenTwo(question, connection) || !userWroteBefore(question, connection)) {
+  if (!mayAsk(question, connection)) {
     return;
   }
   if (const auto personID = personOfIdentity(question.sourceIdentityID, connection)) {
@@ -116,22 +135,39 @@ void settle(const PendingQuestion& question, std::string_view now, Connection& c
 
 } // namespace
 
-void noteQuestion(const AskedQuestion& asked, Connection& connection) {
+void QuestionLedger::note(const AskedQuestion& asked, Connection& connection) {
   connection.execute(R"sql(
-INSERT OR IGNORE INTO pending_question (interaction_id, thread_id, source_identity_id, asked_at, question)
-VALUES (?, ?, ?, ?, ?)
+INSERT OR IGNORE INTO pending_question
+  (interaction_id, message_key, thread_id, source_identity_id, asked_at, question)
+VALUES (?, ?, ?, ?, ?, ?)
 )sql",
-                     asked.interactionID, asked.threadID, asked.sourceIdentityID, asked.askedAt, asked.question);
+                     asked.interactionID, std::to_underlying(asked.mail), asked.threadID, asked.sourceIdentityID,
+                     asked.askedAt, asked.question);
+  interactionIDs_.emplace(asked.interactionID);
 }
 
-void settleQuestions(std::string_view now, Connection& connection) {
-  std::string last;
-  for (auto group = pendingAfter(last, connection); !group.empty(); group = pendingAfter(last, connection)) {
-    for (const auto& question : group) {
-      settle(question, now, connection);
-    }
-    last = group.back().interactionID;
+void QuestionLedger::reconsiderPeople(const std::vector<std::string>& identityIDs) {
+  identityIDs_.insert(identityIDs.begin(), identityIDs.end());
+}
+
+void QuestionLedger::settle(std::string_view now, Connection& connection) {
+  std::vector<std::int64_t> keys;
+  keys.reserve(mails_.size());
+  for (const auto mail : mails_) {
+    keys.push_back(std::to_underlying(mail));
   }
+  std::vector<PendingQuestion> pending;
+  appendPending("interaction_id", interactionIDs_, pending, connection);
+  appendPending("thread_id", threadIDs_, pending, connection);
+  appendPending("source_identity_id", identityIDs_, pending, connection);
+  appendPending("message_key", keys, pending, connection);
+  std::ranges::sort(pending, {}, &PendingQuestion::interactionID);
+  const auto duplicates = std::ranges::unique(pending, {}, &PendingQuestion::interactionID);
+  pending.erase(duplicates.begin(), duplicates.end());
+  for (const auto& question : pending) {
+    settleOne(question, now, connection);
+  }
+  *this = {};
 }
 
 } // namespace orvan

@@ -1,27 +1,51 @@
 #pragma once
 
+#include <set>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "OrvanStore/connection.h"
+#include "application/import/ledger/stable_id.h"
 
 namespace orvan {
 
-/// A question put to the user in a mail of their own thread.
+/// A question put to the user in a mail to them alone.
 struct AskedQuestion {
   std::string_view interactionID;
+  MailKey mail;
   std::string_view threadID;
   std::string_view sourceIdentityID;
   std::string_view askedAt;
   std::string_view question;
 };
 
-/// Keeps a question until it is known to be answered. Within the caller's transaction.
-void noteQuestion(const AskedQuestion& asked, Connection& connection);
+/// Keeps the questions of a batch of mail, and weighs those on which the batch has a bearing. One is answered by a mail
+/// of the user's that refers to it, or by a later one to that person in the thread; it is forgotten then, and its open
+/// loop set to "done". One that waits becomes a claim with evidence and an open loop, once, if the user had written to
+/// the person, met them, or written in the thread before: what strangers ask is no commitment. A loop that the user
+/// closed stays closed.
+///
+/// Runs within the caller's transaction, after the rows of the batch are written.
+class QuestionLedger {
+ public:
+  void note(const AskedQuestion& asked, Connection& connection);
 
-/// Weighs every question that is kept, within the caller's transaction. One that the user answered by a later mail of
-/// the thread is forgotten, and its open loop set to "done". One that still waits becomes a claim with evidence and an
-/// open loop, once; only in a thread between the user and one other person in which the user wrote before, because what
-/// strangers ask is no commitment. A loop that the user closed stays closed.
-void settleQuestions(std::string_view now, Connection& connection);
+  /// The user wrote in the thread, or something else changed what is known of it.
+  void reconsiderThread(std::string threadID) { threadIDs_.insert(std::move(threadID)); }
+  /// The user wrote a mail that refers to these.
+  void reconsiderMails(const std::vector<MailKey>& mails) { mails_.insert(mails.begin(), mails.end()); }
+  /// The user is now known to have written to, or met, these before others thought.
+  void reconsiderPeople(const std::vector<std::string>& identityIDs);
+
+  /// Weighs, and forgets what was gathered.
+  void settle(std::string_view now, Connection& connection);
+
+ private:
+  std::set<std::string> interactionIDs_;
+  std::set<std::string> threadIDs_;
+  std::set<std::string> identityIDs_;
+  std::set<MailKey> mails_;
+};
 
 } // namespace orvan

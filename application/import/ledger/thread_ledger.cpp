@@ -1,6 +1,7 @@
 #include "application/import/ledger/thread_ledger.h"
 
 #include <algorithm>
+#include <array>
 
 #include "OrvanStore/repeated_statement.h"
 
@@ -8,16 +9,18 @@ namespace orvan {
 namespace {
 
 constexpr const char* selectReference = R"sql(
-SELECT COALESCE(merged.merged_into, reference.thread_id) AS thread_id, reference.state AS state
+SELECT COALESCE(merged.merged_into, reference.thread_id) AS thread_id, reference.state AS state,
+       reference.is_answered AS is_answered
 FROM mail_reference reference
 LEFT JOIN merged_thread merged ON merged.thread_id = reference.thread_id
 WHERE reference.message_key = ?
 )sql";
 
 constexpr const char* upsertReference = R"sql(
-INSERT INTO mail_reference (message_key, thread_id, state)
-VALUES (?, ?, ?)
-ON CONFLICT(message_key) DO UPDATE SET thread_id = excluded.thread_id, state = excluded.state
+INSERT INTO mail_reference (message_key, thread_id, state, is_answered)
+VALUES (?, ?, ?, ?)
+ON CONFLICT(message_key) DO UPDATE SET
+  thread_id = excluded.thread_id, state = excluded.state, is_answered = excluded.is_answered
 )sql";
 
 /// Everything that names the thread `from` names `into` afterwards: what the user excluded or deleted of a conversation
@@ -37,6 +40,7 @@ void mergeStoredThreads(std::string_view from, std::string_view into, Connection
     connection.execute(statement, from, into);
   }
   for (const char* statement : {
+           "DELETE FROM waiting_thread WHERE thread_id = ?",
            "DELETE FROM thread_participant WHERE thread_id = ?",
            "DELETE FROM thread_text WHERE thread_id = ?",
            "DELETE FROM thread WHERE id = ?",
@@ -45,26 +49,20 @@ void mergeStoredThreads(std::string_view from, std::string_view into, Connection
   }
 }
 
+/// How the store writes a standing, in the order of the cases.
+constexpr std::array<std::string_view, 5> standingTexts{"referenced", "passed_over", "group", "direct", "own"};
+
+std::string_view textOf(MailStanding standing) noexcept {
+  return standingTexts.at(static_cast<std::size_t>(standing));
+}
+
+MailStanding standingOf(std::string_view text) noexcept {
+  const auto* found = std::ranges::find(standingTexts, text);
+  return found == standingTexts.end() ? MailStanding::referenced
+                                      : static_cast<MailStanding>(found - standingTexts.begin());
+}
+
 } // namespace
-
-const char* ThreadLedger::textOf(Reading reading) noexcept {
-  switch (reading) {
-    case Reading::referenced:
-      return "referenced";
-    case Reading::passedOver:
-      return "passed_over";
-    case Reading::imported:
-      return "imported";
-  }
-  return "referenced";
-}
-
-ThreadLedger::Reading ThreadLedger::readingOf(std::string_view text) noexcept {
-  if (text == "imported") {
-    return Reading::imported;
-  }
-  return text == "passed_over" ? Reading::passedOver : Reading::referenced;
-}
 
 void ThreadLedger::load(std::span<const MailKey> keys, Connection& connection) {
   RepeatedStatement select(connection, selectReference);
@@ -77,17 +75,29 @@ void ThreadLedger::load(std::span<const MailKey> keys, Connection& connection) {
     if (const auto threadID = rows.optionalText(Column{0})) {
       mail.thread = threadNumber(*threadID, true);
     }
-    mail.reading = readingOf(rows.text(Column{1}));
+    mail.standing = orvan::standingOf(rows.text(Column{1}));
+    mail.isAnswered = rows.integer(Column{2}) != 0;
     mails_.emplace(key, mail);
   }
 }
 
-bool ThreadLedger::isKnown(MailKey key) const {
+MailStanding ThreadLedger::standingOf(MailKey key) const {
   const auto found = mails_.find(key);
-  return found != mails_.end() && found->second.reading != Reading::referenced;
+  return found == mails_.end() ? MailStanding::referenced : found->second.standing;
 }
 
-std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID) {
+std::unordered_set<std::string> ThreadLedger::endingsOfAnswered() const {
+  std::unordered_set<std::string> endings;
+  for (const auto& [key, mail] : mails_) {
+    if (mail.isAnswered) {
+      endings.insert(endingOfMailID(key));
+    }
+  }
+  return endings;
+}
+
+std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID,
+                                    MailStanding standing) {
   std::optional<std::size_t> known = mails_[key].thread;
   for (const auto reference : references) {
     if (const auto& other = mails_[reference].thread) {
@@ -101,14 +111,19 @@ std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> refere
       referenced.thread = thread;
       referenced.isChanged = true;
     }
+    if (standing == MailStanding::own && !referenced.isAnswered) {
+      referenced.isAnswered = true;
+      referenced.isChanged = true;
+    }
   }
-  mails_[key] = {thread, Reading::imported, true};
+  auto& mail = mails_[key];
+  mail = {thread, standing, mail.isAnswered, true};
   return thread;
 }
 
 void ThreadLedger::passOver(MailKey key) {
   auto& mail = mails_[key];
-  mail.reading = Reading::passedOver;
+  mail.standing = MailStanding::passedOver;
   mail.isChanged = true;
 }
 
@@ -136,7 +151,7 @@ void ThreadLedger::writeMails(Connection& connection) {
     if (mail->thread) {
       threadID = threads_[finalThread(*mail->thread)].id;
     }
-    upsert.execute(std::to_underlying(key), threadID, textOf(mail->reading));
+    upsert.execute(std::to_underlying(key), threadID, textOf(mail->standing), mail->isAnswered ? 1 : 0);
   }
 }
 

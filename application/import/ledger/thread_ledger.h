@@ -6,10 +6,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "OrvanStore/connection.h"
+#include "application/import/ledger/mail_standing.h"
 #include "application/import/ledger/stable_id.h"
 
 namespace orvan {
@@ -18,20 +20,24 @@ namespace orvan {
 /// mail may be referred to long before it is read, and one mail can show that two threads are one.
 ///
 /// For one batch: load() what the store knows of all the keys that the batch mentions, then placeMail() or passOver()
-/// each mail, then write(). Runs within the caller's write transaction.
+/// each mail that tells more than is known of it, then write(). Runs within the caller's write transaction.
 class ThreadLedger {
  public:
   /// Looks up `keys` in the store, in their order; sorted keys read neighbouring pages.
   void load(std::span<const MailKey> keys, Connection& connection);
 
-  /// Whether the mail itself was read before, in this batch or an earlier one.
-  bool isKnown(MailKey key) const;
+  /// What is known of a mail from the copies that were read, in this batch or an earlier one.
+  MailStanding standingOf(MailKey key) const;
+  /// How the identifiers end of the mails that one of the user's answers, of all that the batch mentions.
+  std::unordered_set<std::string> endingsOfAnswered() const;
 
   /// Places a mail with the mails it refers to and gives the number of its thread in this batch. `newThreadID` becomes
-  /// its thread if none of them has one.
-  std::size_t placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID);
+  /// its thread if none of them has one. From now on the mail has that standing; what an own mail refers to is
+  /// answered.
+  std::size_t placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID,
+                        MailStanding standing);
 
-  /// Remembers a mail that is not kept, so that it is known from now on.
+  /// Remembers a mail that is not kept, and belongs to no thread, so that it is known from now on.
   void passOver(MailKey key);
 
   /// The id of the thread that a placed mail was given. Final once every mail of the batch is placed.
@@ -41,11 +47,10 @@ class ThreadLedger {
   void write(Connection& connection);
 
  private:
-  enum class Reading { referenced, passedOver, imported };
-
   struct Mail {
     std::optional<std::size_t> thread;
-    Reading reading = Reading::referenced;
+    MailStanding standing = MailStanding::referenced;
+    bool isAnswered = false;
     bool isChanged = false;
   };
 
@@ -60,9 +65,6 @@ class ThreadLedger {
   std::size_t finalThread(std::size_t thread);
   void writeMails(Connection& connection);
   std::size_t merge(std::size_t one, std::size_t other);
-
-  static const char* textOf(Reading reading) noexcept;
-  static Reading readingOf(std::string_view text) noexcept;
 
   std::unordered_map<MailKey, Mail> mails_;
   std::vector<Thread> threads_;

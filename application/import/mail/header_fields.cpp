@@ -7,7 +7,7 @@
 namespace orvan {
 namespace {
 
-constexpr std::array<std::string_view, 16> fieldNames{
+constexpr std::array<std::string_view, 17> fieldNames{
     "auto-submitted",
     "cc",
     "content-disposition",
@@ -19,6 +19,7 @@ constexpr std::array<std::string_view, 16> fieldNames{
     "list-id",
     "list-post",
     "list-unsubscribe",
+    "x-mailing-list",
     "message-id",
     "precedence",
     "references",

@@ -41,6 +41,7 @@ enum class HeaderField : std::size_t {
   listID,
   listPost,
   listUnsubscribe,
+  mailingList,
   messageID,
   precedence,
   references,

@@ -37,9 +37,11 @@ struct MailMessage {
   std::vector<MailAddress> cc;
   /// Decoded, on one line, trimmed; may be empty.
   std::string subject;
-  /// It went through a mailing list.
-  bool isListMail = false;
-  /// No person wrote it to its readers: bulk and list mail, automatic replies, delivery reports, no-reply mailboxes.
+  /// It went out to many at once: through a mailing list, or from a sender of newsletters.
+  bool isBulk = false;
+  /// The addresses of the lists that passed it on, lower-cased, where they tell.
+  std::vector<std::string> listAddresses = {};
+  /// A program wrote it: automatic replies, delivery reports, no-reply mailboxes.
   bool isAutomated = false;
   /// The first question its sender asked in words of their own: see firstQuestion(). Absent for automated and forwarded
   /// mail and for invitations.

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 
 #include "application/import/mail/decoded_text.h"
 #include "application/import/mail/header_fields.h"
+#include "application/import/mail/header_values.h"
 #include "application/import/mail/mail_message.h"
+#include "application/import/mail/mailbox_kind.h"
 
 namespace orvan {
 namespace {
@@ -20,51 +23,48 @@ std::string keywordOf(std::string_view rawValue) {
 
 bool isAutoSubmitted(const HeaderFields& fields) {
   const auto keyword = keywordOf(fields.raw(HeaderField::autoSubmitted));
-  return !keyword.empty() && keyword != "no";
+  return (!keyword.empty() && keyword != "no") || keywordOf(fields.raw(HeaderField::precedence)) == "auto_reply";
 }
 
 bool hasBulkPrecedence(const HeaderFields& fields) {
   const auto keyword = keywordOf(fields.raw(HeaderField::precedence));
-  return keyword == "bulk" || keyword == "list" || keyword == "junk" || keyword == "auto_reply";
+  return keyword == "bulk" || keyword == "list" || keyword == "junk";
 }
 
 bool isDeliveryReport(const HeaderFields& fields) {
   return keywordOf(fields.raw(HeaderField::contentType)) == "multipart/report";
 }
 
-/// "-drive-shares-noreply-" for "drive.shares_noreply2": words between dashes, so that a search finds whole words only.
-std::string wordsOfMailbox(std::string_view address) {
-  std::string words = "-";
-  for (const char byte : address.substr(0, address.rfind('@'))) {
-    const bool separates = std::string_view{"-_.+=0123456789"}.contains(byte);
-    if (!separates) {
-      words += byte;
-    } else if (words.back() != '-') {
-      words += '-';
-    }
+/// "dev@lists.example" of "<mailto:dev@lists.example?subject=x>" and of "dev@lists.example; contact admin@...".
+std::string postingAddress(std::string_view rawValue) {
+  constexpr std::string_view scheme = "mailto:";
+  auto text = unfolded(rawValue);
+  if (const auto found = text.find(scheme); found != std::string::npos) {
+    text.erase(0, found + scheme.size());
   }
-  return words.back() == '-' ? words : words + '-';
-}
-
-bool isMachineMailbox(std::string_view address) {
-  constexpr std::array anywhere{"-noreply-",      "-no-reply-",  "-donotreply-",
-                                "-do-not-reply-", "-dontreply-", "-dont-reply-"};
-  constexpr std::array atStart{"-mailer-daemon-", "-mailerdaemon-", "-postmaster-", "-bounce-", "-bounces-"};
-  const auto words = wordsOfMailbox(address);
-  return std::ranges::any_of(anywhere, [&](const char* name) { return words.contains(name); }) ||
-         std::ranges::any_of(atStart, [&](const char* name) { return words.starts_with(name); });
+  text.resize(std::min(text.find_first_of("?>;, "), text.size()));
+  return text;
 }
 
 } // namespace
 
-bool isListMail(const HeaderFields& fields) noexcept {
+bool isBulkMail(const HeaderFields& fields) {
   return fields.has(HeaderField::listID) || fields.has(HeaderField::listPost) ||
-         fields.has(HeaderField::listUnsubscribe);
+         fields.has(HeaderField::listUnsubscribe) || fields.has(HeaderField::mailingList) || hasBulkPrecedence(fields);
+}
+
+std::vector<std::string> listAddresses(const HeaderFields& fields) {
+  std::vector<std::string> addresses;
+  for (const auto field : {HeaderField::listPost, HeaderField::mailingList}) {
+    for (auto& mailbox : mailAddresses(postingAddress(fields.raw(field)))) {
+      addresses.push_back(std::move(mailbox.address));
+    }
+  }
+  return addresses;
 }
 
 bool isAutomatedMail(const HeaderFields& fields, const MailAddress& sender) {
-  return fields.has(HeaderField::listID) || isAutoSubmitted(fields) || hasBulkPrecedence(fields) ||
-         isDeliveryReport(fields) || isMachineMailbox(sender.address);
+  return isAutoSubmitted(fields) || isDeliveryReport(fields) || kindOfMailbox(sender.address) == MailboxKind::machine;
 }
 
 bool isForwardSubject(std::string_view subject) {

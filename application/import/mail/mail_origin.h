@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace orvan {
 
@@ -9,10 +11,13 @@ struct MailAddress;
 
 // Who is behind a mail: a person, a mailing list, a program.
 
-/// Whether a mailing list passed the mail on.
-bool isListMail(const HeaderFields& fields) noexcept;
+/// Whether the mail went out to many at once: through a mailing list, or from a sender of newsletters.
+bool isBulkMail(const HeaderFields& fields);
 
-/// Whether a program sent the mail, or it went to so many readers that none of them is meant.
+/// The addresses of the mailing lists that passed the mail on, where they tell.
+std::vector<std::string> listAddresses(const HeaderFields& fields);
+
+/// Whether a program wrote the mail.
 bool isAutomatedMail(const HeaderFields& fields, const MailAddress& sender);
 
 /// Whether the subject says that the mail passes another one on ("Fwd:", and its forms in other languages). An answer

@@ -42,7 +42,8 @@ MailItem MailParser::parse(const RawMail& mail) const {
   message.to = mailAddresses(fields.raw(HeaderField::to));
   message.cc = mailAddresses(fields.raw(HeaderField::cc));
   message.subject = readableText(fields.raw(HeaderField::subject));
-  message.isListMail = isListMail(fields);
+  message.isBulk = isBulkMail(fields);
+  message.listAddresses = listAddresses(fields);
   message.isAutomated = isAutomatedMail(fields, from.front());
   message.from = std::move(from);
   if (!message.isAutomated && !isForwardSubject(message.subject)) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <optional>
@@ -11,9 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "OrvanObservatory/contact_outlook.h"
 #include "OrvanObservatory/store_projection_reader.h"
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanRelationshipAttention/evidence/evidence_queries.h"
+#include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
 #include "OrvanSpineCore/canonical_schema.h"
 #include "OrvanStore/database_queue.h"
 #include "application/import/ledger/mail_importer.h"
@@ -34,7 +36,7 @@ inline Instant instantOf(std::string_view text) {
 
 /// A mail as a test tells it.
 struct TestMail {
-  std::string id;
+  std::string id = {};
   std::string at = "2026-03-01T10:00:00Z";
   std::string from = zoe;
   Texts to = {me};
@@ -42,15 +44,28 @@ struct TestMail {
   std::string subject = "Hello";
   std::string fromName = {};
   std::optional<std::string> question = {};
-  bool isList = false;
+  Texts cc = {};
+  bool isBulk = false;
   bool isAutomated = false;
+  Texts lists = {};
 
   operator MailItem() const { // NOLINT(google-explicit-constructor): a list of items reads as one of mails.
-    MailMessage message{id, references, instantOf(at), {{fromName, from}}, {},
-                        {}, subject,    isList,        isAutomated,        question};
+    MailMessage message;
+    message.messageID = id;
+    message.references = references;
+    message.sentAt = instantOf(at);
+    message.from = {{fromName, from}};
     for (const auto& address : to) {
       message.to.push_back({"", address});
     }
+    for (const auto& address : cc) {
+      message.cc.push_back({"", address});
+    }
+    message.subject = subject;
+    message.isBulk = isBulk;
+    message.listAddresses = lists;
+    message.isAutomated = isAutomated;
+    message.question = question;
     return message;
   }
 };
@@ -92,7 +107,7 @@ class ImportStore {
   /// One text of each piece of evidence on the person with that address.
   template <typename Fetch, typename TextOf, typename... Arguments>
   Texts evidence(Fetch fetch, TextOf textOf, std::string_view address, const Arguments&... arguments) {
-    const EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
+    const internal::EvidenceQueries queries(AttentionEvidenceCompilerOptions::defaults);
     const auto personKey = personIDOf(identityIDOf(address));
     const auto pieces =
         queue.read([&](Connection& connection) { return (queries.*fetch)(personKey, arguments..., connection); });
@@ -128,6 +143,12 @@ class ImportStore {
     queue.write([&](Connection& connection) { connection.execute(sql); });
   }
 
+  /// What is told of a person at that moment without a look at their history.
+  ContactOutlook outlook(std::string_view address, Instant at = asOf()) {
+    const auto outlooks = queue.read([at](Connection& connection) { return contactOutlooks(at, connection); });
+    const auto found = std::ranges::find(outlooks, personIDOf(identityIDOf(address)), &ContactOutlook::personKey);
+    return found == outlooks.end() ? ContactOutlook{} : *found;
+  }
   /// The names of the people whom the user ever dealt with.
   Texts people() {
     const auto projection =
@@ -140,14 +161,16 @@ class ImportStore {
   }
   /// When each mail that waits for the user's reply came.
   Texts waiting(std::string_view address = zoe) {
-    return evidence(&EvidenceQueries::fetchOpenThreads, &OpenThreadEvidence::lastInboundOccurredAt, address, asOf());
+    return evidence(&internal::EvidenceQueries::fetchOpenThreads, &OpenThreadEvidence::lastInboundOccurredAt, address,
+                    asOf());
   }
   Texts upcoming(std::string_view who = zoe) {
-    return evidence(&EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt, who, asOf());
+    return evidence(&internal::EvidenceQueries::fetchUpcomingInteractions, &UpcomingInteractionEvidence::occurredAt,
+                    who, asOf());
   }
   /// The kinds of what is open between the user and the person.
   Texts commitments(std::string_view address = zoe) {
-    return evidence(&EvidenceQueries::fetchCommitments, &CommitmentEvidence::kind, address);
+    return evidence(&internal::EvidenceQueries::fetchCommitments, &CommitmentEvidence::kind, address);
   }
   /// Each thread as the times of what happened in it.
   Texts threads() {

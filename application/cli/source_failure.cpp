@@ -1,0 +1,37 @@
+#include "application/cli/source_failure.h"
+
+#include "application/import/calendar/calendar_source.h"
+#include "application/import/mail/mail_source_error.h"
+#include "application/import/recognition/source_recognition.h"
+
+namespace orvan {
+namespace {
+
+template <typename Enumeration>
+bool isOf(const std::error_code& code) {
+  return code.category() == make_error_code(Enumeration{}).category();
+}
+
+} // namespace
+
+std::optional<std::string> sourceFailureSentence(const std::error_code& code) {
+  // Where another option is the answer, it is named.
+  if (code == WrongSource::isACalendar) {
+    return "This is a calendar; give it with --ics.";
+  }
+  if (code == WrongSource::isAMailbox) {
+    return "This is a mailbox; give it with --mbox.";
+  }
+  if (code == MailSourceError::isAFolder) {
+    return "This is a folder; give it with --maildir if it is a Maildir, or name the mbox file inside it.";
+  }
+  if (code == MailSourceError::isAFile) {
+    return "This is a file; give it with --mbox if it is a mailbox, or name the folder that holds \"cur\" and \"new\".";
+  }
+  if (isOf<WrongSource>(code) || isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
+    return code.message();
+  }
+  return std::nullopt;
+}
+
+} // namespace orvan

@@ -1,0 +1,94 @@
+#include "application/import/ledger/contact_ledger.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "OrvanObservatory/contact_week.h"
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanStore/repeated_statement.h"
+
+namespace orvan {
+namespace {
+
+/// A mail to more people than this is an announcement, and says little of what the user has to do with each of them.
+constexpr std::size_t mostReadersOfALetter = 10;
+
+constexpr const char* upsertWeek = R"sql(
+INSERT INTO contact_week (week, source_identity_id, sent, received, in_company, met)
+VALUES (?, ?, ?, ?, ?, ?)
+ON CONFLICT DO UPDATE SET
+  sent = max(sent + excluded.sent, 0), received = max(received + excluded.received, 0),
+  in_company = max(in_company + excluded.in_company, 0), met = max(met + excluded.met, 0)
+)sql";
+
+/// Most mails lie within a span that is known; its row is then only read.
+constexpr const char* widenSpan = R"sql(
+INSERT INTO contact_span (source_identity_id, first_contact_at, first_reached_at)
+VALUES (?, ?, ?)
+ON CONFLICT DO UPDATE SET
+  first_contact_at = min(first_contact_at, excluded.first_contact_at),
+  first_reached_at = min(COALESCE(first_reached_at, excluded.first_reached_at),
+                         COALESCE(excluded.first_reached_at, first_reached_at))
+WHERE excluded.first_contact_at < first_contact_at
+   OR excluded.first_reached_at < COALESCE(first_reached_at, '~')
+)sql";
+
+bool isReached(const InteractionRow& row) {
+  return row.direction != "inbound";
+}
+
+} // namespace
+
+void ContactLedger::count(const InteractionRow& row, std::int64_t step) {
+  const auto at = parseInternetDateTime(row.occurredAt);
+  if (!at) {
+    return;
+  }
+  const auto week = contactWeekOf(*at);
+  for (const auto& identityID : row.participantIdentityIDs) {
+    auto& counts = weeks_[{week, identityID}];
+    if (row.kind == "meeting") {
+      counts.met += step;
+    } else if (row.direction == "outbound" && row.participantIdentityIDs.size() <= mostReadersOfALetter) {
+      counts.sent += step;
+    } else if (row.direction == "inbound" && row.conversationKind == "direct") {
+      counts.received += step;
+    } else {
+      counts.inCompany += step;
+    }
+    if (step > 0) {
+      widen(identityID, row);
+    }
+  }
+}
+
+void ContactLedger::widen(const std::string& identityID, const InteractionRow& row) {
+  auto& span = spans_[identityID];
+  if (span.firstContactAt.empty() || row.occurredAt < span.firstContactAt) {
+    span.firstContactAt = row.occurredAt;
+  }
+  if (isReached(row) && (span.firstReachedAt.empty() || row.occurredAt < span.firstReachedAt)) {
+    span.firstReachedAt = row.occurredAt;
+  }
+}
+
+std::vector<std::string> ContactLedger::write(Connection& connection) {
+  RepeatedStatement week(connection, upsertWeek);
+  for (const auto& [key, counts] : weeks_) {
+    week.execute(key.first, key.second, counts.sent, counts.received, counts.inCompany, counts.met);
+  }
+  RepeatedStatement widening(connection, widenSpan);
+  std::vector<std::string> reached;
+  for (const auto& [identityID, span] : spans_) {
+    widening.execute(identityID, span.firstContactAt,
+                     span.firstReachedAt.empty() ? std::nullopt : std::optional{span.firstReachedAt});
+    if (connection.changes() > 0 && !span.firstReachedAt.empty()) {
+      reached.push_back(identityID);
+    }
+  }
+  weeks_.clear();
+  spans_.clear();
+  return reached;
+}
+
+} // namespace orvan

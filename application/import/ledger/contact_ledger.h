@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "OrvanStore/connection.h"
+#include "application/import/ledger/history_rows.h"
+
+namespace orvan {
+
+/// Counts what there was between the user and each identity, week by week: what a list needs to know of everybody
+/// without a look at their history.
+class ContactLedger {
+ public:
+  /// Counts an interaction in, or out again when it is withdrawn. Once each.
+  void add(const InteractionRow& row) { count(row, 1); }
+  void remove(const InteractionRow& row) { count(row, -1); }
+
+  /// Writes what was counted within the caller's transaction and forgets it. The identities of whom more is known now:
+  /// the user wrote to them, or met them, earlier than was thought.
+  std::vector<std::string> write(Connection& connection);
+
+ private:
+  struct Counts {
+    std::int64_t sent = 0;
+    std::int64_t received = 0;
+    std::int64_t inCompany = 0;
+    std::int64_t met = 0;
+  };
+  struct Span {
+    std::string firstContactAt;
+    std::string firstReachedAt;
+  };
+
+  void count(const InteractionRow& row, std::int64_t step);
+  void widen(const std::string& identityID, const InteractionRow& row);
+
+  /// In the order of the table's key.
+  std::map<std::pair<std::int64_t, std::string>, Counts> weeks_;
+  std::map<std::string, Span> spans_;
+};
+
+} // namespace orvan

@@ -1,0 +1,162 @@
+#include "application/session/catch_up_list.h"
+
+#include <algorithm>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "OrvanPlatform/white_space.h"
+#include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
+
+namespace orvan {
+namespace {
+
+using Records = std::vector<AttentionItemDispositionRecord>;
+using BundleOfPerson = std::unordered_map<std::string_view, const AttentionEvidenceBundle*>;
+
+/// `bundles` must outlive the result.
+BundleOfPerson byPerson(const std::vector<AttentionEvidenceBundle>& bundles) {
+  BundleOfPerson bundleOf;
+  for (const auto& bundle : bundles) {
+    bundleOf.emplace(bundle.personKey(), &bundle);
+  }
+  return bundleOf;
+}
+
+/// What hides an item of that state; nothing hides an active one.
+std::optional<NotShownReason> reasonFor(AttentionItemState::Kind state) {
+  switch (state) {
+    case AttentionItemState::Kind::snoozed:
+      return NotShownReason::snoozed;
+    case AttentionItemState::Kind::dismissed:
+      return NotShownReason::dismissed;
+    case AttentionItemState::Kind::resolved:
+      return NotShownReason::resolved;
+    case AttentionItemState::Kind::active:
+      break;
+  }
+  return std::nullopt;
+}
+
+/// Why there is no item for the person, whatever was decided; nothing when there is one.
+std::optional<NotShownReason> reasonWithoutItem(const ProjectedPerson& person, const AttentionEvidenceBundle* bundle,
+                                                const std::optional<AttentionCatchUpItem>& item) {
+  if (item) {
+    return std::nullopt;
+  }
+  if (bundle == nullptr) {
+    return NotShownReason::noEvidence;
+  }
+  if (!AttentionWhyNowSelector::select(*bundle)) {
+    return NotShownReason::noValidReason;
+  }
+  return trimmed(person.displayName()).empty() ? NotShownReason::noName : NotShownReason::noItemKey;
+}
+
+/// Explains a person who was looked at and has no item on the list.
+std::optional<NotShown> explain(const ProjectedPerson& person, const AttentionEvidenceBundle* bundle,
+                                const Records& records, Instant asOf) {
+  const auto item = bundle == nullptr ? std::nullopt : itemOf(person, *bundle, asOf);
+  if (const auto reason = reasonWithoutItem(person, bundle, item)) {
+    return NotShown{person.personKey(), person.displayName(), *reason, std::nullopt, std::nullopt};
+  }
+  const auto record = std::ranges::find(records, item->itemKey(), &AttentionItemDispositionRecord::itemKey);
+  const auto state = AttentionItemDispositionTransition::state(
+      item->itemKey(), record == records.end() ? std::nullopt : std::optional{*record}, asOf);
+  const auto reason = reasonFor(state.kind());
+  return reason ? std::optional{NotShown{person.personKey(), person.displayName(), *reason, item->itemKey(),
+                                         state.until()}}
+                : std::nullopt;
+}
+
+NotShown withoutItem(const ContactOutlook& outlook, NotShownReason reason) {
+  return {outlook.personKey, outlook.displayName, reason, std::nullopt, std::nullopt};
+}
+
+/// Explains everyone who is not among `items`; of `outlooks` the first `lookedAt` were looked at.
+std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& items,
+                                    std::span<const ContactOutlook> outlooks, std::size_t lookedAt,
+                                    const BundleOfPerson& bundleOf, const Records& records, Instant asOf) {
+  std::unordered_set<std::string_view> shown;
+  for (const auto& item : items) {
+    shown.insert(item.personKey());
+  }
+  std::vector<NotShown> others;
+  for (const auto& outlook : outlooks.first(lookedAt)) {
+    if (shown.contains(outlook.personKey)) {
+      continue;
+    }
+    const auto found = bundleOf.find(outlook.personKey);
+    const ProjectedPerson person{outlook.personKey, outlook.displayName};
+    if (auto other = explain(person, found == bundleOf.end() ? nullptr : found->second, records, asOf)) {
+      others.push_back(*std::move(other));
+    }
+  }
+  for (const auto& outlook : outlooks.subspan(lookedAt)) {
+    others.push_back(
+        withoutItem(outlook, outlook.canHaveReason() ? NotShownReason::beyondTheCap : NotShownReason::nothingToTell));
+  }
+  return others;
+}
+
+/// In the order of the list.
+std::vector<CatchUpRow> placed(std::vector<AttentionCatchUpItem> items, std::span<const ContactOutlook> outlooks,
+                               const BundleOfPerson& bundleOf, Instant asOf) {
+  std::unordered_map<std::string_view, const ContactOutlook*> outlookOf;
+  for (const auto& outlook : outlooks) {
+    outlookOf.emplace(outlook.personKey, &outlook);
+  }
+  std::vector<CatchUpRow> rows;
+  rows.reserve(items.size());
+  for (auto& item : items) {
+    const auto place = placeOf(item, *bundleOf.at(item.personKey()), *outlookOf.at(item.personKey()), asOf);
+    rows.push_back({std::move(item), place});
+  }
+  std::ranges::sort(rows, [](const CatchUpRow& row, const CatchUpRow& other) {
+    if (row.place.isBefore(other.place) || other.place.isBefore(row.place)) {
+      return row.place.isBefore(other.place);
+    }
+    return row.item.personKey() < other.item.personKey();
+  });
+  return rows;
+}
+
+} // namespace
+
+std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const AttentionEvidenceBundle& bundle,
+                                           Instant asOf) {
+  const std::vector people{AttentionCatchUpPerson{person.personKey(), person.displayName(), bundle}};
+  auto items = AttentionCatchUpSelector::select(people, {}, asOf);
+  return items.empty() ? std::nullopt : std::optional{std::move(items.front())};
+}
+
+CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanation) {
+  const auto bundles = session.bundles(asOf);
+  const auto bundleOf = byPerson(bundles);
+  const auto& outlooks = session.outlooks(asOf);
+  const auto lookedAt = session.countLookedAt(asOf);
+
+  std::vector<AttentionCatchUpPerson> people;
+  Records records;
+  for (const auto& outlook : std::span{outlooks}.first(lookedAt)) {
+    if (const auto found = bundleOf.find(outlook.personKey); found != bundleOf.end()) {
+      people.emplace_back(outlook.personKey, outlook.displayName, *found->second);
+      std::ranges::move(session.records(outlook.personKey), std::back_inserter(records));
+    }
+  }
+
+  CatchUpList list;
+  auto items = AttentionCatchUpSelector::select(people, records, asOf);
+  if (explanation == Explanation::everyone) {
+    list.notShown = explainOthers(items, outlooks, lookedAt, bundleOf, records, asOf);
+  }
+  list.rows = placed(std::move(items), outlooks, bundleOf, asOf);
+  list.older = static_cast<std::size_t>(
+      std::ranges::count(list.rows, ListPart::older, [](const CatchUpRow& row) { return row.place.part; }));
+  list.notLookedAt = static_cast<std::size_t>(
+      std::ranges::count_if(std::span{outlooks}.subspan(lookedAt), &ContactOutlook::canHaveReason));
+  return list;
+}
+
+} // namespace orvan

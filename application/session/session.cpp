@@ -1,0 +1,181 @@
+#include "application/session/session.h"
+
+#include <algorithm>
+#include <future>
+#include <span>
+#include <utility>
+
+#include "OrvanObservatory/store_projection_reader.h"
+#include "OrvanSpineCore/key_file.h"
+#include "application/session/person_lookup.h"
+
+namespace orvan {
+
+/// The people as they were read last. The compiler is given those whom anything can bring onto a list, as many as its
+/// cap lets through: it would cut by their keys.
+class Session::PeopleToLookAt final : public ProjectionReader {
+ public:
+  explicit PeopleToLookAt(std::int64_t cap) : cap_(static_cast<std::size_t>(cap)) {}
+
+  void read(Instant asOf, DatabaseQueue& store) {
+    outlooks_ = store.read([asOf](Connection& connection) { return contactOutlooks(asOf, connection); });
+    asOf_ = asOf;
+    const auto none = std::ranges::find_if_not(outlooks_, &ContactOutlook::canHaveReason);
+    count_ = std::min(static_cast<std::size_t>(none - outlooks_.begin()), cap_);
+  }
+  void forget() noexcept { asOf_ = std::nullopt; }
+
+  Task<Projection> project(std::int64_t /*minimumInteractions*/) override {
+    std::vector<ProjectedPerson> people;
+    for (const auto& outlook : std::span{outlooks_}.first(count_)) {
+      people.emplace_back(outlook.personKey, outlook.displayName);
+    }
+    co_return Projection{std::move(people)};
+  }
+
+  bool areReadFor(Instant asOf) const noexcept { return asOf_ == asOf; }
+  const std::vector<ContactOutlook>& outlooks() const noexcept { return outlooks_; }
+  std::size_t count() const noexcept { return count_; }
+
+ private:
+  std::size_t cap_;
+  std::optional<Instant> asOf_;
+  std::vector<ContactOutlook> outlooks_;
+  std::size_t count_ = 0;
+};
+
+Session::Session(SessionSettings settings)
+    : settings_(std::move(settings)),
+      vault_(std::make_shared<KeyFile>(settings_.keyFile)),
+      people_(std::make_shared<PeopleToLookAt>(settings_.peopleCap)) {}
+
+Session::~Session() = default;
+
+AttentionEvidenceCompilerOptions Session::compilerOptions() const {
+  const auto& shipped = AttentionEvidenceCompilerOptions::defaults;
+  return {shipped.upcomingInteractionWindowDays(),
+          shipped.quietPeriodThresholdDays(),
+          shipped.recentWindowDays(),
+          shipped.maxOpenThreadsPerPerson(),
+          shipped.maxUpcomingInteractionsPerPerson(),
+          shipped.maxCommitmentsPerPerson(),
+          shipped.maxResumedInteractionIDsPerBundle(),
+          settings_.peopleCap};
+}
+
+void Session::openForReading() {
+  if (compiler_ == nullptr) {
+    open(ApplicationStore::Access::read);
+  }
+}
+
+void Session::openForDeciding() {
+  if (dispositions_ == nullptr) {
+    // The session's own connection can write then, too, so that it can empty the log of what was decided.
+    open(ApplicationStore::Access::write);
+  }
+}
+
+void Session::open(ApplicationStore::Access access) {
+  settings_.requirePrivateFolder();
+  ApplicationStore::requireUsableFile(settings_.store);
+  std::future<std::unique_ptr<AttentionEvidenceCompiler>> compiler;
+  if (compiler_ == nullptr) {
+    compiler = std::async(std::launch::async, [this] {
+      return std::make_unique<AttentionEvidenceCompiler>(settings_.store, vault_, people_, compilerOptions());
+    });
+  }
+  std::future<std::unique_ptr<AttentionDispositionStore>> dispositions;
+  if (access == ApplicationStore::Access::write) {
+    dispositions = std::async(std::launch::async,
+                              [this] { return std::make_unique<AttentionDispositionStore>(settings_.store, vault_); });
+  }
+  // What the application's own connection says of a store that does not open is the most telling.
+  store(access);
+  if (compiler.valid()) {
+    compiler_ = compiler.get();
+  }
+  if (dispositions.valid()) {
+    dispositions_ = dispositions.get();
+  }
+}
+
+DatabaseQueue& Session::store(ApplicationStore::Access access) {
+  const bool suffices = access_ == ApplicationStore::Access::write || access == ApplicationStore::Access::read;
+  if (store_ == nullptr || !suffices) {
+    settings_.requirePrivateFolder();
+    store_ = ApplicationStore::open(settings_.store, vault_, access);
+    access_ = access;
+  }
+  return *store_;
+}
+
+std::vector<ProjectedPerson> Session::people() {
+  return store().read([](Connection& connection) { return StoreProjectionReader::project(1, connection).people(); });
+}
+
+std::optional<ProjectedPerson> Session::person(const std::string& personKey) {
+  const auto name = store().read([&personKey](Connection& connection) {
+    return connection.fetchOptionalText("SELECT display_name FROM person WHERE id = ?", personKey);
+  });
+  return name ? std::optional<ProjectedPerson>{std::in_place, personKey, *name} : std::nullopt;
+}
+
+const std::vector<ContactOutlook>& Session::outlooks(Instant asOf) {
+  if (!people_->areReadFor(asOf)) {
+    people_->read(asOf, store());
+  }
+  return people_->outlooks();
+}
+
+void Session::readAgain() noexcept {
+  people_->forget();
+}
+
+std::size_t Session::countLookedAt(Instant asOf) {
+  outlooks(asOf);
+  return people_->count();
+}
+
+std::vector<ProjectedPerson> Session::peopleMatching(const std::string& text) {
+  const auto everybody = people();
+  return store().read([&](Connection& connection) { return orvan::peopleMatching(text, everybody, connection); });
+}
+
+std::string Session::personKeyOf(const std::string& text) {
+  return store().read([&text](Connection& connection) { return personKeyCalled(text, connection); });
+}
+
+std::vector<AttentionEvidenceBundle> Session::bundles(Instant asOf) {
+  openForReading();
+  outlooks(asOf);
+  return waitFor(compiler_->executor(), compiler_->compileAll(asOf));
+}
+
+AttentionEvidenceBundle Session::bundle(const std::string& personKey, Instant asOf) {
+  openForReading();
+  return waitFor(compiler_->executor(), compiler_->compile(personKey, asOf));
+}
+
+/// On the connection that is open anyway: a disposition store would derive the key twice more, to write and to read.
+std::vector<AttentionItemDispositionRecord> Session::records(const std::string& personKey) {
+  return store().read(
+      [&personKey](Connection& connection) { return AttentionDispositionStore::records(personKey, connection); });
+}
+
+AttentionDispositionStore& Session::dispositions() {
+  openForDeciding();
+  return *dispositions_;
+}
+
+DatabaseQueue& Session::writableStore() {
+  return store(ApplicationStore::Access::write);
+}
+
+void Session::finish() noexcept {
+  if (store_ != nullptr && access_ == ApplicationStore::Access::write) {
+    ApplicationStore::checkpointWithoutWaiting(*store_);
+  }
+}
+
+} // namespace orvan

@@ -1,0 +1,58 @@
+-- A store as the first version made it.
+CREATE TABLE person (id TEXT NOT NULL PRIMARY KEY, display_name TEXT NOT NULL, created_at TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE source_account (id TEXT NOT NULL PRIMARY KEY, source_type TEXT NOT NULL, created_at TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE source_identity (id TEXT NOT NULL PRIMARY KEY, address TEXT NOT NULL, display_name TEXT NOT NULL, name_rank INTEGER NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE identity_membership (id TEXT NOT NULL PRIMARY KEY, source_identity_id TEXT NOT NULL, canonical_person_id TEXT NOT NULL, state TEXT NOT NULL, ended_at TEXT) STRICT, WITHOUT ROWID;
+CREATE INDEX identity_membership_by_person ON identity_membership (canonical_person_id, ended_at, state, source_identity_id);
+CREATE INDEX identity_membership_by_identity ON identity_membership (source_identity_id, ended_at);
+CREATE TABLE thread (id TEXT NOT NULL PRIMARY KEY, source_type TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE thread_text (thread_id TEXT NOT NULL PRIMARY KEY, subject TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE thread_participant (source_identity_id TEXT NOT NULL, thread_id TEXT NOT NULL, PRIMARY KEY (source_identity_id, thread_id)) STRICT, WITHOUT ROWID;
+CREATE INDEX thread_participant_by_thread ON thread_participant (thread_id, source_identity_id);
+CREATE TABLE source_event (id TEXT NOT NULL PRIMARY KEY, source_account_id TEXT NOT NULL, conversation_kind TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE interaction (id TEXT NOT NULL PRIMARY KEY, thread_id TEXT, source_event_id TEXT NOT NULL, source_identity_id TEXT, direction TEXT NOT NULL, kind TEXT NOT NULL, occurred_at TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX interaction_by_thread ON interaction (thread_id, occurred_at, direction, source_identity_id, id, source_event_id);
+CREATE INDEX interaction_by_source_event ON interaction (source_event_id, id, thread_id);
+CREATE TABLE interaction_participant (source_identity_id TEXT NOT NULL, interaction_id TEXT NOT NULL, PRIMARY KEY (source_identity_id, interaction_id)) STRICT, WITHOUT ROWID;
+CREATE TABLE source_progress_projection (source_account_id TEXT NOT NULL, operation TEXT NOT NULL, freshness_state TEXT NOT NULL, last_successful_sync_at TEXT, PRIMARY KEY (source_account_id, operation)) STRICT, WITHOUT ROWID;
+CREATE TABLE claim (id TEXT NOT NULL PRIMARY KEY, person_id TEXT NOT NULL, kind TEXT NOT NULL, created_at TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX claim_by_person ON claim (person_id);
+CREATE TABLE claim_text (claim_id TEXT NOT NULL PRIMARY KEY, statement TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE TABLE claim_evidence (id TEXT NOT NULL PRIMARY KEY, claim_id TEXT NOT NULL, source_event_id TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX claim_evidence_by_claim ON claim_evidence (claim_id);
+CREATE TABLE open_loop (id TEXT NOT NULL PRIMARY KEY, person_id TEXT NOT NULL, kind TEXT NOT NULL, evidence_ref TEXT, detected_at TEXT NOT NULL, state TEXT NOT NULL, created_at TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX open_loop_by_person ON open_loop (person_id, state, detected_at DESC, id);
+CREATE TABLE user_correction (id TEXT NOT NULL PRIMARY KEY, target_type TEXT NOT NULL, target_id TEXT NOT NULL, created_at TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX user_correction_by_target ON user_correction (target_id, target_type, created_at);
+CREATE TABLE exclusion_rule (id TEXT NOT NULL PRIMARY KEY, scope TEXT NOT NULL, target_id TEXT NOT NULL, created_at TEXT NOT NULL, ended_at TEXT) STRICT, WITHOUT ROWID;
+CREATE INDEX exclusion_rule_by_target ON exclusion_rule (scope, target_id, ended_at) WHERE ended_at IS NULL;
+CREATE TABLE deletion_tombstone (object_id TEXT NOT NULL, object_type TEXT NOT NULL, deleted_at TEXT NOT NULL, PRIMARY KEY (object_id, object_type)) STRICT, WITHOUT ROWID;
+CREATE TABLE relationship_attention_candidate (candidate_key TEXT NOT NULL PRIMARY KEY, person_id TEXT NOT NULL, kind TEXT NOT NULL, why_now_code TEXT NOT NULL, defining_event_at TEXT NOT NULL, due_at TEXT, expires_at TEXT, generator_version TEXT NOT NULL, created_at TEXT NOT NULL) STRICT;
+CREATE TABLE relationship_attention_candidate_evidence (candidate_key TEXT NOT NULL REFERENCES relationship_attention_candidate (candidate_key) ON DELETE CASCADE, reference_kind TEXT NOT NULL, reference_id TEXT NOT NULL, PRIMARY KEY (candidate_key, reference_kind, reference_id)) STRICT, WITHOUT ROWID;
+CREATE INDEX relationship_attention_candidate_evidence_by_reference ON relationship_attention_candidate_evidence (reference_kind, reference_id);
+CREATE TABLE relationship_attention_disposition (candidate_key TEXT NOT NULL PRIMARY KEY REFERENCES relationship_attention_candidate (candidate_key), person_id TEXT NOT NULL, state TEXT NOT NULL, snoozed_until TEXT, created_at TEXT NOT NULL, updated_at TEXT NOT NULL) STRICT;
+CREATE INDEX relationship_attention_disposition_by_person ON relationship_attention_disposition (person_id);
+CREATE TABLE source_object (id TEXT NOT NULL PRIMARY KEY, kind TEXT NOT NULL, created_at TEXT NOT NULL, tombstoned_at TEXT) STRICT, WITHOUT ROWID;
+CREATE TABLE capture_artifact (id TEXT NOT NULL PRIMARY KEY, source_object_id TEXT NOT NULL, user_context TEXT) STRICT;
+CREATE INDEX capture_artifact_by_object ON capture_artifact (source_object_id);
+CREATE TABLE follow_up (id TEXT NOT NULL PRIMARY KEY, source_object_id TEXT NOT NULL, person_id TEXT NOT NULL, due_at TEXT NOT NULL, state TEXT NOT NULL, created_at TEXT NOT NULL, completed_at TEXT, origin_operation_id TEXT, open_loop_id TEXT) STRICT;
+CREATE INDEX follow_up_by_pair ON follow_up (source_object_id, person_id, created_at DESC, id DESC);
+CREATE INDEX follow_up_scheduled_by_person ON follow_up (person_id) WHERE state = 'scheduled';
+CREATE INDEX follow_up_scheduled ON follow_up (source_object_id, person_id) WHERE state = 'scheduled';
+CREATE TABLE post_commit_obligation (operation_id TEXT NOT NULL, kind TEXT NOT NULL, notification_key TEXT NOT NULL, created_at TEXT NOT NULL, settled_at TEXT, PRIMARY KEY (operation_id, kind, notification_key)) STRICT, WITHOUT ROWID;
+CREATE INDEX post_commit_obligation_owed ON post_commit_obligation (kind, notification_key) WHERE settled_at IS NULL;
+PRAGMA application_id = 0x4f72766e;
+PRAGMA user_version = 1;
+
+-- What its importers then added.
+CREATE TABLE IF NOT EXISTS own_address (address TEXT NOT NULL PRIMARY KEY) STRICT, WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS mail_reference (message_key INTEGER PRIMARY KEY, thread_id TEXT, state TEXT NOT NULL) STRICT;
+CREATE TABLE IF NOT EXISTS merged_thread (thread_id TEXT NOT NULL PRIMARY KEY, merged_into TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS merged_thread_by_target ON merged_thread (merged_into);
+CREATE TABLE IF NOT EXISTS pending_question (interaction_id TEXT NOT NULL PRIMARY KEY, thread_id TEXT NOT NULL, source_identity_id TEXT NOT NULL, asked_at TEXT NOT NULL, question TEXT NOT NULL) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS pending_question_by_thread ON pending_question (thread_id);
+CREATE TABLE IF NOT EXISTS calendar_entry (interaction_id TEXT NOT NULL, calendar TEXT NOT NULL, seen_in INTEGER NOT NULL, PRIMARY KEY (interaction_id, calendar)) STRICT, WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS calendar_entry_by_calendar ON calendar_entry (calendar, seen_in);
+
+INSERT INTO person VALUES ('p-1', 'Ada Marsh', '2026-01-01T00:00:00Z');
+INSERT INTO own_address VALUES ('robin@orvan.example');

@@ -1,0 +1,39 @@
+#include "application/session/session.h"
+
+#include <gtest/gtest.h>
+
+#include "application/session/session_error.h"
+#include "application/session/store_creation.h"
+#include "tests/support/test_store.h"
+
+namespace orvan {
+namespace {
+
+TEST(Session, ThatStaysOpenSeesWhatIsWrittenMeanwhile) {
+  deriveKeysQuickly();
+  const ScratchFolder folder;
+  const SessionSettings settings{.store = folder.path() / "store.db", .keyFile = folder.path() / "key"};
+  EXPECT_EQ(createStoreAndKey(settings), KeyOrigin::made);
+
+  Session session(settings);
+  session.openForReading();
+  EXPECT_EQ(faultOf([&] { return session.personKeyOf("p3"); }), SessionError::personUnknown);
+  session.writableStore().write([](Connection& store) {
+    store.executeScript(R"sql(
+INSERT INTO person VALUES ('p1', 'Ada Ünal', ''), ('p2', 'Kim', ''), ('p3', 'Kim', '');
+INSERT INTO source_identity VALUES ('i', 'ada@hill.example', '', 0, 'person');
+INSERT INTO identity_membership VALUES ('m', 'i', 'p1', 'confirmed', NULL);
+INSERT INTO interaction_participant VALUES ('i', 'mail');
+)sql");
+  });
+  EXPECT_EQ(session.people(), (std::vector{ProjectedPerson{"p1", "Ada Ünal"}}));
+  EXPECT_EQ(session.peopleMatching("DA Ü"), session.people());
+  EXPECT_EQ(session.peopleMatching("@Hill"), session.people());
+  EXPECT_TRUE(session.peopleMatching("Kim").empty()) << "never dealt with";
+  EXPECT_EQ(session.personKeyOf("ADA@hill.example"), "p1");
+  EXPECT_EQ(session.personKeyOf("p3"), "p3");
+  EXPECT_EQ(faultOf([&] { return session.personKeyOf("Kim"); }), SessionError::personAmbiguous);
+}
+
+} // namespace
+} // namespace orvan
