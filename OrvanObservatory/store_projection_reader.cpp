@@ -23,16 +23,16 @@ WHERE (
     NOT EXISTS (
       SELECT 1
       FROM identity_membership im
-      JOIN source_identity mailbox ON mailbox.id = im.source_identity_id AND mailbox.kind <> 'person'
+      JOIN mailbox_kind nobody ON nobody.source_identity_id = im.source_identity_id
       WHERE im.canonical_person_id = p.id
         AND im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
     )
     OR EXISTS (
       SELECT 1
       FROM identity_membership im
-      JOIN source_identity mailbox ON mailbox.id = im.source_identity_id AND mailbox.kind = 'person'
       WHERE im.canonical_person_id = p.id
         AND im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
+        AND im.source_identity_id NOT IN (SELECT source_identity_id FROM mailbox_kind)
     )
   )
 ORDER BY p.id

@@ -302,9 +302,12 @@ CREATE INDEX IF NOT EXISTS calendar_entry_by_calendar ON calendar_entry (calenda
 // What was imported before is told as far as it is known: who else was on a mail is no contact, and which mails were to
 // the user alone is learned when they are read again.
 constexpr const char* contact = R"sql(
--- What reads the mailbox: 'person', 'role' (an office), 'machine', 'list', or 'likely_list' (it is written to as a list
--- is). Only people are projected.
-ALTER TABLE source_identity ADD COLUMN kind TEXT NOT NULL DEFAULT 'person';
+-- The mailboxes that are nobody's, who are not projected: kind is 'role' (an office), 'machine', 'list', or 'likely_list'
+-- (it is written to as a list is).
+CREATE TABLE mailbox_kind (
+  source_identity_id TEXT NOT NULL PRIMARY KEY,
+  kind TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
 
 -- How much there was between the user and an identity in a week, counted in whole weeks since 1970: mails that the user
 -- sent to them, mails that they sent to the user alone, mails to or from them in the company of others, and meetings.

@@ -21,9 +21,15 @@ ON CONFLICT DO UPDATE SET
 RETURNING named, named_by, written
 )sql";
 
-constexpr const char* markKind = R"sql(
-UPDATE source_identity SET kind = ?2
-WHERE id = ?1 AND kind IN ('person', 'likely_list') AND kind <> ?2
+constexpr const char* insertLikelyList = R"sql(
+INSERT INTO mailbox_kind (source_identity_id, kind)
+VALUES (?, 'likely_list')
+ON CONFLICT DO NOTHING
+)sql";
+
+constexpr const char* deleteLikelyList = R"sql(
+DELETE FROM mailbox_kind
+WHERE source_identity_id = ? AND kind = 'likely_list'
 )sql";
 
 /// Each writer has a bit, which others may share: enough to tell five people from one.
@@ -55,23 +61,24 @@ void AddressUseLedger::add(const PreparedMail& mail) {
 
 void AddressUseLedger::write(Connection& connection) {
   RepeatedStatement upsert(connection, upsertUse);
-  RepeatedStatement mark(connection, markKind);
+  RepeatedStatement mark(connection, insertLikelyList);
+  RepeatedStatement unmark(connection, deleteLikelyList);
   for (const auto& [identityID, use] : uses_) {
     auto& total = upsert.query(identityID, use.named, use.namedBy, use.written);
     const bool isList =
         total.next() && isUsedAsList(total.integer(Column{0}), total.integer(Column{1}), total.integer(Column{2}));
-    mark.execute(identityID, isList ? "likely_list" : "person");
+    (isList ? mark : unmark).execute(identityID);
   }
   uses_.clear();
 }
 
-std::set<std::string> listAddresses(Connection& connection) {
-  std::set<std::string> addresses;
-  auto rows = connection.query("SELECT address FROM source_identity WHERE kind IN ('list', 'likely_list')");
+std::set<std::string> listIdentityIDs(Connection& connection) {
+  std::set<std::string> identityIDs;
+  auto rows = connection.query("SELECT source_identity_id FROM mailbox_kind WHERE kind IN ('list', 'likely_list')");
   while (rows.next()) {
-    addresses.emplace(rows.text(Column{0}));
+    identityIDs.emplace(rows.text(Column{0}));
   }
-  return addresses;
+  return identityIDs;
 }
 
 } // namespace orvan

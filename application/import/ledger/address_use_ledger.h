@@ -17,11 +17,8 @@ class AddressUseLedger {
  public:
   /// Counts a mail in, once.
   void add(const PreparedMail& mail);
-  /// The kind of an address that was written to is decided anew as well.
-  void consider(std::string_view identityID) { uses_[std::string{identityID}]; }
-
-  /// Writes what was counted within the caller's transaction, has the identities say what they are taken for, and
-  /// forgets it.
+  /// Writes what was counted within the caller's transaction, has the store say which addresses are taken for lists,
+  /// and forgets it.
   void write(Connection& connection);
 
  private:
@@ -34,7 +31,7 @@ class AddressUseLedger {
   std::map<std::string, Use> uses_;
 };
 
-/// The addresses that are known to be, or are taken for, mailing lists.
-std::set<std::string> listAddresses(Connection& connection);
+/// The identities that are known to be, or are taken for, mailing lists.
+std::set<std::string> listIdentityIDs(Connection& connection);
 
 } // namespace orvan

@@ -24,7 +24,8 @@ class Readers {
 
   bool isOwn(const MailAddress& mailbox) const { return known_.own.contains(mailbox.address); }
   bool isList(const MailAddress& mailbox) const {
-    return known_.lists.contains(mailbox.address) || kindOfMailbox(mailbox.address) == MailboxKind::list;
+    return kindOfMailbox(mailbox.address) == MailboxKind::list ||
+           known_.listIdentityIDs.contains(identityIDOf(mailbox.address));
   }
 
   bool isFromUser() const { return anyOwn(message_.from); }
@@ -143,7 +144,7 @@ std::size_t bytesOf(const PreparedMail& mail) {
 void MailBatch::add(MailMessage message, KnownAddresses& known) {
   for (const auto& address : message.listAddresses) {
     if (!known.own.contains(address)) {
-      known.lists.insert(address);
+      known.listIdentityIDs.insert(identityIDOf(address));
       people_.noteList(address);
     }
   }

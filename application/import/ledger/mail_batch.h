@@ -14,11 +14,11 @@
 
 namespace orvan {
 
-/// What is known of addresses while mail is read: the user's own, and those of mailing lists. More lists become known
-/// on the way.
+/// What is known of addresses while mail is read: the user's own, and the identities of mailing lists. More lists
+/// become known on the way.
 struct KnownAddresses {
   std::set<std::string> own;
-  std::set<std::string> lists;
+  std::set<std::string> listIdentityIDs;
 };
 
 /// A mail reduced to what the tables take.

@@ -158,7 +158,9 @@ class Placement {
     }
     if (known == MailStanding::referenced) {
       countUse(mail.use, report_);
-      countAddresses(mail);
+      if (!mail.isFromUser()) {
+        uses_.add(mail);
+      }
     } else {
       ++report_.completed;
     }
@@ -182,16 +184,6 @@ class Placement {
     if (answersUser && mail.standingAsAnswer > mail.standing) {
       mail.standing = mail.standingAsAnswer;
       mail.use = PreparedMail::Use::history;
-    }
-  }
-
-  void countAddresses(const PreparedMail& mail) {
-    if (mail.isFromUser()) {
-      for (const auto& identityID : mail.participantIdentityIDs) {
-        uses_.consider(identityID);
-      }
-    } else {
-      uses_.add(mail);
     }
   }
 
@@ -359,7 +351,7 @@ MailReport MailImporter::import(MailSource& source, const MailProgress& progress
   const auto known = store_.write([&](Connection& connection) {
     account = mailAccountOf(context_.ownAddresses.front(), connection);
     recordImportStarted(account, now, connection);
-    return KnownAddresses{rememberOwnAddresses(context_.ownAddresses, now, connection), listAddresses(connection)};
+    return KnownAddresses{rememberOwnAddresses(context_.ownAddresses, now, connection), listIdentityIDs(connection)};
   });
 
   MailReport report;

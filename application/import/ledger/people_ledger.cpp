@@ -9,13 +9,18 @@ namespace orvan {
 namespace {
 
 constexpr const char* upsertIdentity = R"sql(
-INSERT INTO source_identity (id, address, display_name, name_rank, kind)
-VALUES (?, ?, ?, ?, ?)
+INSERT INTO source_identity (id, address, display_name, name_rank)
+VALUES (?, ?, ?, ?)
 ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name, name_rank = excluded.name_rank
 WHERE excluded.name_rank > name_rank
 )sql";
 
-constexpr const char* markAsList = "UPDATE source_identity SET kind = 'list' WHERE id = ? AND kind <> 'list'";
+/// That a header names a list is more than its address or its use tells.
+constexpr const char* insertKind = R"sql(
+INSERT INTO mailbox_kind (source_identity_id, kind)
+VALUES (?, ?)
+ON CONFLICT DO UPDATE SET kind = excluded.kind WHERE excluded.kind = 'list'
+)sql";
 
 std::string_view textOf(MailboxKind kind) noexcept {
   switch (kind) {
@@ -79,11 +84,12 @@ void PeopleLedger::write(Connection& connection, std::string_view now) {
   RepeatedStatement upsertName(connection, upsertIdentity);
   for (const auto& [identityID, identity] : identities_) {
     const std::string& name = identity.displayName.empty() ? identity.address : identity.displayName;
-    upsertName.execute(identityID, identity.address, name, static_cast<int>(identity.nameSource), identity.kind);
+    upsertName.execute(identityID, identity.address, name, static_cast<int>(identity.nameSource));
     const bool isChanged = connection.changes() > 0;
-    if (identity.kind == textOf(MailboxKind::list)) {
-      connection.execute(markAsList, identityID);
-    } else if (isChanged) {
+    if (identity.kind != textOf(MailboxKind::person)) {
+      connection.execute(insertKind, identityID, identity.kind);
+    }
+    if (isChanged && identity.kind != textOf(MailboxKind::list)) {
       const auto personID = personIDOf(identityID);
       connection.execute(insertMembership, identityID, personID);
       connection.execute(upsertPerson, personID, name, now);
