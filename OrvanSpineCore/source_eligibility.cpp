@@ -46,27 +46,68 @@ std::string notDeleted(std::string_view objectType, std::string_view column) {
   return sql;
 }
 
+/// What there is that can keep an interaction from being used. A store without any, the usual one, then pays for no
+/// probe; looking costs one small statement.
+struct Restrictions {
+  bool tombstones = false;
+  bool interactionRules = false;
+  bool threadRules = false;
+  bool personRules = false;
+  bool accountRules = false;
+
+  static Restrictions in(Connection& connection) {
+    auto row = connection.query(R"sql(
+SELECT EXISTS (SELECT 1 FROM deletion_tombstone),
+       EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'interaction' AND ended_at IS NULL),
+       EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'thread' AND ended_at IS NULL),
+       EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'person' AND ended_at IS NULL),
+       EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'source_account' AND ended_at IS NULL)
+)sql");
+    row.next();
+    const auto is = [&row](int column) { return row.integer(Column{column}) != 0; };
+    return {is(0), is(1), is(2), is(3), is(4)};
+  }
+};
+
+class Conjunction {
+ public:
+  void add(const std::string& term) { terms_ += (terms_.empty() ? "" : "\n  AND ") + term; }
+  std::string sql() const { return terms_.empty() ? "1" : "(" + terms_ + ")"; }
+
+ private:
+  std::string terms_;
+};
+
 } // namespace
 
 std::string SourceEligibility::interactionPredicateSQL(Policy policy, std::string_view interactionIDColumn,
                                                        std::string_view threadIDColumn,
                                                        std::string_view sourceEventIDColumn,
-                                                       std::string_view personIDColumn, Connection& /*connection*/) {
+                                                       std::string_view personIDColumn, Connection& connection) {
   if (policy == Policy::everything) {
     return "1";
   }
-  std::string sql = "(" + notDeleted("interaction", interactionIDColumn);
-  sql += "\n  AND " + notDeleted("thread", threadIDColumn);
-  sql += "\n  AND " + notDeleted("source_event", sourceEventIDColumn);
-  sql += "\n  AND " + notDeleted("person", personIDColumn);
-  if (policy == Policy::showable) {
-    sql += "\n  AND " + notExcluded("interaction", interactionIDColumn);
-    sql += "\n  AND " + notExcluded("thread", threadIDColumn);
-    sql += "\n  AND " + notExcluded("person", personIDColumn);
-    sql += "\n  AND " + accountNotExcluded(sourceEventIDColumn);
+  const auto there = Restrictions::in(connection);
+  Conjunction terms;
+  if (there.tombstones) {
+    terms.add(notDeleted("interaction", interactionIDColumn));
+    terms.add(notDeleted("thread", threadIDColumn));
+    terms.add(notDeleted("source_event", sourceEventIDColumn));
+    terms.add(notDeleted("person", personIDColumn));
   }
-  sql += ")";
-  return sql;
+  if (policy == Policy::showable && there.interactionRules) {
+    terms.add(notExcluded("interaction", interactionIDColumn));
+  }
+  if (policy == Policy::showable && there.threadRules) {
+    terms.add(notExcluded("thread", threadIDColumn));
+  }
+  if (policy == Policy::showable && there.personRules) {
+    terms.add(notExcluded("person", personIDColumn));
+  }
+  if (policy == Policy::showable && there.accountRules) {
+    terms.add(accountNotExcluded(sourceEventIDColumn));
+  }
+  return terms.sql();
 }
 
 SourceEligibility::AsOfPredicate SourceEligibility::occurredAtAsOfPredicate(Instant asOf,
