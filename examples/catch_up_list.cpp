@@ -43,8 +43,9 @@ void printCatchUpList(const std::filesystem::path& store, const std::filesystem:
   orvan::AttentionDispositionStore dispositions(store, vault);
   const auto now = std::chrono::time_point_cast<std::chrono::microseconds>(std::chrono::system_clock::now());
 
+  const auto projection = orvan::waitFor(compiler.executor(), people->project(1));
   std::map<std::string, std::string> displayNames;
-  for (const auto& person : orvan::waitFor(compiler.executor(), people->project(1)).people()) {
+  for (const auto& person : projection.people()) {
     displayNames[person.personKey()] = person.displayName();
   }
 
