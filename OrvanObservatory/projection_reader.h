@@ -25,7 +25,7 @@ class ProjectedPerson {
   std::string displayName_;
 };
 
-/// The people the user deals with, in key order.
+/// People the user deals with, in the order that the reader says.
 class Projection {
  public:
   explicit Projection(std::vector<ProjectedPerson> people) : people_(std::move(people)) {}

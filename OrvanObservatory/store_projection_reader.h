@@ -10,8 +10,8 @@
 namespace orvan {
 
 /// The people of the canonical tables, read through a connection that the application gives. Mailing lists, offices
-/// ("support@") and machines are nobody; a person who also has such an address is. Somebody whose key is not text is left
-/// out; a name that is not text reads as empty.
+/// ("support@") and machines are nobody; a person who also has such an address is. Somebody whose key is not text is
+/// left out; a name that is not text reads as empty.
 class StoreProjectionReader final : public ProjectionReader {
  public:
   /// Reads `database` on a thread of its own. Must not be destroyed on that thread.

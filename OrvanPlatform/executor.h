@@ -16,6 +16,14 @@ using Executor = boost::asio::any_io_executor;
 
 /// An asynchronous operation's result. Nothing starts before it is awaited. The awaiting coroutine is resumed on its
 /// own executor, whichever executor did the work.
+///
+/// A program compiled with GCC 12 has to keep some things out of an expression that awaits, because that compiler
+/// destroys them twice: aggregates and braced lists (`{...}`, std::array), lambdas that capture anything with a
+/// destructor, and a co_await within such braces. Our own values have constructors and are safe. What is not gets a
+/// name before, as the reminder's user info here:
+///
+///     UserInfo marks{{"mark", true}};
+///     co_await center->added(NotificationRequest(id, NotificationContent(title, std::move(marks)), trigger));
 template <typename Result>
 using Task = boost::asio::awaitable<Result>;
 

@@ -1,5 +1,5 @@
 # The library as a package: what an embedding program finds with find_package(OrvanRelationshipAttention).
-# The application and its importers are no part of it.
+# The application and its importers are no part of it; the command line is a component of its own.
 
 include(CMakePackageConfigHelpers)
 
@@ -10,20 +10,24 @@ set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/OrvanRelationshipAttention"
 function(orvan_install_headers folder)
   # Read when the package is installed: listing the folder while configuring would have every build look for new files.
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
-    FILES_MATCHING PATTERN "*.h" REGEX "/${folder}/[^/.]+$" EXCLUDE)
+    COMPONENT library FILES_MATCHING PATTERN "*.h" REGEX "/${folder}/[^/.]+$" EXCLUDE)
 endfunction()
 
 get_property(libraries GLOBAL PROPERTY ORVAN_LIBRARIES)
 foreach(library IN LISTS libraries)
   get_property(folder TARGET ${library} PROPERTY ORVAN_FOLDER)
   if(NOT folder MATCHES "^(application|bench|tests)(/|$)")
-    install(TARGETS ${library} EXPORT OrvanRelationshipAttentionTargets)
+    install(TARGETS ${library} EXPORT OrvanRelationshipAttentionTargets COMPONENT library)
     orvan_install_headers(${folder})
   endif()
 endforeach()
-install(TARGETS orvan_relationship_attention EXPORT OrvanRelationshipAttentionTargets)
+install(TARGETS orvan_relationship_attention EXPORT OrvanRelationshipAttentionTargets COMPONENT library)
+if(TARGET orvan)
+  install(TARGETS orvan COMPONENT command_line)
+endif()
 
-install(EXPORT OrvanRelationshipAttentionTargets NAMESPACE Orvan:: DESTINATION "${package_directory}")
+install(EXPORT OrvanRelationshipAttentionTargets NAMESPACE Orvan:: DESTINATION "${package_directory}"
+  COMPONENT library)
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/OrvanRelationshipAttentionConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfig.cmake"
@@ -35,4 +39,4 @@ write_basic_package_version_file(
 install(FILES
   "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfig.cmake"
   "${PROJECT_BINARY_DIR}/package/OrvanRelationshipAttentionConfigVersion.cmake"
-  DESTINATION "${package_directory}")
+  DESTINATION "${package_directory}" COMPONENT library)

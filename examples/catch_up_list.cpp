@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "OrvanObservatory/store_projection_reader.h"
+#include "OrvanObservatory/attention_projection_reader.h"
 #include "OrvanPlatform/executor.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "OrvanRelationshipAttention/disposition_store/attention_disposition_store.h"
@@ -24,15 +24,18 @@ namespace {
 
 void printCatchUpList(const std::filesystem::path& store, const std::filesystem::path& keyFile) {
   const orvan::CredentialVault vault(std::make_shared<orvan::KeyFile>(keyFile));
-  // The people list reads through a connection of the program's own.
-  const auto people = std::make_shared<orvan::StoreProjectionReader>(
-      orvan::EncryptedStore(store, vault).openQueue(orvan::StoreRole::programReader));
-  orvan::AttentionEvidenceCompiler compiler(store, vault, people, orvan::AttentionEvidenceCompilerOptions::defaults);
-  orvan::AttentionDispositionStore dispositions(store, vault);
   const auto now = std::chrono::time_point_cast<std::chrono::microseconds>(std::chrono::system_clock::now());
+  const auto& options = orvan::AttentionEvidenceCompilerOptions::defaults;
+  // The people list reads through a connection of the program's own.
+  const auto people = std::make_shared<orvan::AttentionProjectionReader>(
+      orvan::EncryptedStore(store, vault).openQueue(orvan::StoreRole::programReader), now,
+      options.maxPeopleGlobalCap());
+  orvan::AttentionEvidenceCompiler compiler(store, vault, people, options);
+  orvan::AttentionDispositionStore dispositions(store, vault);
 
+  const auto projection = orvan::waitFor(compiler.executor(), people->project(1));
   std::map<std::string, std::string> displayNames;
-  for (const auto& person : orvan::waitFor(compiler.executor(), people->project(1)).people()) {
+  for (const auto& person : projection.people()) {
     displayNames[person.personKey()] = person.displayName();
   }
 

@@ -1,10 +1,10 @@
 #include "application/session/session.h"
 
-#include <algorithm>
 #include <future>
 #include <span>
 #include <utility>
 
+#include "OrvanObservatory/attention_projection_reader.h"
 #include "OrvanObservatory/store_projection_reader.h"
 #include "OrvanSpineCore/key_file.h"
 #include "application/session/person_lookup.h"
@@ -15,13 +15,12 @@ namespace orvan {
 /// cap lets through: it would cut by their keys.
 class Session::PeopleToLookAt final : public ProjectionReader {
  public:
-  explicit PeopleToLookAt(std::int64_t cap) : cap_(static_cast<std::size_t>(cap)) {}
+  explicit PeopleToLookAt(std::int64_t cap) : cap_(cap) {}
 
   void read(Instant asOf, DatabaseQueue& store) {
     outlooks_ = store.read([asOf](Connection& connection) { return contactOutlooks(asOf, connection); });
     asOf_ = asOf;
-    const auto none = std::ranges::find_if_not(outlooks_, &ContactOutlook::canHaveReason);
-    count_ = std::min(static_cast<std::size_t>(none - outlooks_.begin()), cap_);
+    count_ = AttentionProjectionReader::countToLookAt(outlooks_, cap_);
   }
   void forget() noexcept { asOf_ = std::nullopt; }
 
@@ -38,7 +37,7 @@ class Session::PeopleToLookAt final : public ProjectionReader {
   std::size_t count() const noexcept { return count_; }
 
  private:
-  std::size_t cap_;
+  std::int64_t cap_;
   std::optional<Instant> asOf_;
   std::vector<ContactOutlook> outlooks_;
   std::size_t count_ = 0;

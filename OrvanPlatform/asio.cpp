@@ -1,2 +1,0 @@
-// Asio's own sources, compiled here for every target.
-#include <boost/asio/impl/src.hpp>
