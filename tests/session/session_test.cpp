@@ -26,8 +26,6 @@ INSERT INTO identity_membership VALUES ('m', 'i', 'p1', 'confirmed', NULL);
 INSERT INTO interaction_participant VALUES ('i', 'mail');
 )sql");
   });
-  EXPECT_TRUE(session.people().empty()) << "as they were read";
-  session.readPeopleAgain();
   EXPECT_EQ(session.people(), (std::vector{ProjectedPerson{"p1", "Ada Ünal"}}));
   EXPECT_EQ(session.peopleMatching("DA Ü"), session.people());
   EXPECT_EQ(session.peopleMatching("@Hill"), session.people());
