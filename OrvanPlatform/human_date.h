@@ -14,6 +14,9 @@ namespace orvan {
 /// thread changes the environment.
 std::string humanDateText(Instant instant);
 
+/// The same with the time of day in hours and minutes: "Mar 4, 2026, 9:15 AM".
+std::string humanMomentText(Instant instant);
+
 /// The name of the time zone the user is in now, as the zone database has it ("Europe/Lisbon").
 std::string userTimeZoneName();
 

@@ -20,13 +20,14 @@ Instant instantOf(const char* timestamp) {
 
 TEST(HumanDate, FollowsTheSettingsOfTheMomentItIsAsked) {
   const Instant instant = instantOf("2026-03-04T23:30:00Z");
-  for (const auto& [locale, zone, date] : {std::tuple{"en_US.UTF-8", "UTC", "Mar 4, 2026"},
-                                           {"en_US.UTF-8", "Asia/Tokyo", "Mar 5, 2026"},
-                                           {"de_DE.UTF-8", "Asia/Tokyo", "05.03.2026"},
-                                           {"sr_RS.UTF-8@latin", "Asia/Tokyo", "5. 3. 2026."},
-                                           {"C", "America/New_York", "Mar 4, 2026"}}) {
+  for (const auto& [locale, zone, date, time] : {std::tuple{"en_US.UTF-8", "UTC", "Mar 4, 2026", ", 11:30 PM"},
+                                                 {"en_US.UTF-8", "Asia/Tokyo", "Mar 5, 2026", ", 8:30 AM"},
+                                                 {"de_DE.UTF-8", "Asia/Tokyo", "05.03.2026", ", 08:30"},
+                                                 {"sr_RS.UTF-8@latin", "Asia/Tokyo", "5. 3. 2026.", " 08:30"},
+                                                 {"C", "America/New_York", "Mar 4, 2026", ", 6:30 PM"}}) {
     useSettings(locale, zone);
     EXPECT_EQ(humanDateText(instant), date) << locale << ' ' << zone;
+    EXPECT_EQ(humanMomentText(instant), std::string{date} + time) << locale << ' ' << zone;
   }
 }
 
