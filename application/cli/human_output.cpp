@@ -154,6 +154,14 @@ std::string sentenceFor(const ListPlace& place) {
   return "";
 }
 
+std::string inWords(const AttentionItemState& state) {
+  std::string text{caseName(state.kind())};
+  if (const auto until = state.until()) {
+    text += " until " + humanDateText(*until) + " (" + formatInternetDateTime(*until) + ")";
+  }
+  return text;
+}
+
 bool standardOutputTakesColour() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment of this program.
   const char* refused = std::getenv("NO_COLOR");
@@ -250,7 +258,8 @@ void HumanOutput::details(const ItemDetails& details) const {
     line("\n" + bold("What you decided"));
   }
   for (const auto& decided : details.records) {
-    record(decided);
+    const bool isOwn = decided.itemKey() == details.item.itemKey();
+    line("  " + inWords(decided.state()) + faint("  " + (isOwn ? "this item" : printableText(decided.itemKey()))));
   }
 }
 
@@ -303,11 +312,7 @@ void HumanOutput::moreThan(std::size_t shown, const CatchUpList& list) const {
 }
 
 void HumanOutput::record(const AttentionItemDispositionRecord& record) const {
-  std::string text{caseName(record.state().kind())};
-  if (const auto until = record.state().until()) {
-    text += " until " + humanDateText(*until) + " (" + formatInternetDateTime(*until) + ")";
-  }
-  line(text + faint("  " + printableText(record.itemKey())));
+  line(inWords(record.state()) + faint("  " + printableText(record.itemKey())));
 }
 
 void HumanOutput::mailReport(std::string_view source, const MailReport& report) const {

@@ -17,8 +17,7 @@ std::string messageAddressIn(const About& about) {
                        about.startsAt
                            ? "That is about a meeting, and there is no message to open; 'orvan show' tells when and "
                              "where it is."
-                           : "Orvan does not know how your mail program finds that message; it knows of mail to you "
-                             "alone, from the import on.");
+                           : "Orvan does not know the Message-ID of that mail; it keeps those of mail to you alone.");
 }
 
 void requireHandedOver(HandingOver outcome) {

@@ -54,14 +54,18 @@ WHERE i.thread_id = ? AND i.occurred_at <= ? AND )sql";
   return conversation;
 }
 
-/// The item rests on the first of its kind.
-std::vector<Matter> mattersBeside(const FoundItem& found, Connection& connection) {
+/// The item rests on the first of its kind. That its own conversation waits for a reply is told by the conversation.
+std::vector<Matter> mattersBeside(const FoundItem& found, const About& about, Connection& connection) {
   auto matters = mattersOf(found.bundle, connection);
-  const auto own = std::ranges::find_if(
-      matters, [&](const Matter& matter) { return orvan::kindOf(matter) == found.item.whyNow().kind(); });
+  const auto kind = found.item.whyNow().kind();
+  const auto own = std::ranges::find_if(matters, [&](const Matter& matter) { return orvan::kindOf(matter) == kind; });
   if (own != matters.end()) {
     matters.erase(own);
   }
+  std::erase_if(matters, [&](const Matter& matter) {
+    const auto* thread = std::get_if<OpenThreadEvidence>(&matter.evidence);
+    return thread != nullptr && thread->threadID() == about.threadID;
+  });
   return matters;
 }
 
@@ -89,7 +93,7 @@ ItemDetails itemDetails(const std::string& text, Session& session, Instant asOf)
     auto about = aboutOf(personKey, found.item.whyNow().evidenceReferences(), connection);
     auto conversation = about.threadID ? conversationIn(*about.threadID, asOf, connection) : Conversation{};
     auto address = shared.addressToTell(found.item.displayName(), personKey, connection);
-    auto others = mattersBeside(found, connection);
+    auto others = mattersBeside(found, about, connection);
     return ItemDetails{found.item,        std::move(address), std::move(about), std::move(conversation),
                        std::move(others), std::move(records)};
   });
