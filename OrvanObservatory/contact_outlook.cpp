@@ -65,6 +65,7 @@ class OutlookReader {
       auto& outlook = outlooks_.emplace_back();
       outlook.personKey = person.personKey();
       outlook.displayName = person.displayName();
+      outlook.isUncounted = true;
     }
     tallies_.resize(outlooks_.size());
     auto rows = connection_.query(R"sql(
@@ -92,13 +93,17 @@ WHERE ended_at IS NULL AND state IN ('high_conf', 'confirmed')
       if (!person) {
         continue;
       }
+      outlooks_[*person].isUncounted = false;
       const auto first = parseInternetDateTime(rows.text(Column{1}));
       if (first && contactWeekOf(*first) < week_ - weeksLookedAt) {
         // It may have been quiet ever since.
         tallies_[*person].previousWeek = contactWeekOf(*first);
       }
       const auto reached = rows.optionalText(Column{2});
-      outlooks_[*person].isAcquainted |= reached && *reached <= asOfText_;
+      outlooks_[*person].isAcquainted = outlooks_[*person].isAcquainted || (reached && *reached <= asOfText_);
+    }
+    for (auto& outlook : outlooks_) {
+      outlook.isAcquainted = outlook.isAcquainted || outlook.isUncounted;
     }
   }
 
@@ -198,7 +203,8 @@ WHERE state IN ('open', 'surfaced') AND evidence_ref IS NOT NULL
     if (outlook.mayMeet || (isOpen && outlook.isAcquainted)) {
       return 0;
     }
-    const bool isCurrent = isOpen || outlook.mayHaveResumed || (outlook.waitingSince && *outlook.waitingSince > recent);
+    const bool isCurrent = isOpen || outlook.mayHaveResumed || outlook.isUncounted ||
+                           (outlook.waitingSince && *outlook.waitingSince > recent);
     if (!isCurrent) {
       return 3;
     }

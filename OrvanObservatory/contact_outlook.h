@@ -28,12 +28,15 @@ struct ContactOutlook {
   bool mayMeet = false;
   /// Whether contact may have resumed within the last month after a quiet stretch.
   bool mayHaveResumed = false;
+  /// Whether the store has interactions with the person and no counts, as when a program other than the importers wrote
+  /// them. Such a person is always looked at, and taken for an acquaintance.
+  bool isUncounted = false;
 
   bool operator==(const ContactOutlook&) const = default;
 
   /// Whether anything can bring the person onto a list. Those for whom it is false need not be looked at; of the others
   /// a closer look may still find nothing.
-  bool canHaveReason() const noexcept { return waitingSince || openSince || mayMeet || mayHaveResumed; }
+  bool canHaveReason() const noexcept { return waitingSince || openSince || mayMeet || mayHaveResumed || isUncounted; }
 };
 
 /// Everybody whom StoreProjectionReader lists, with what can be told of them as of an instant, in the order in which a

@@ -1,6 +1,7 @@
 #include "application/import/ledger/mail_importer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <optional>
 #include <set>
@@ -298,9 +299,36 @@ class BatchWriter {
   }
 
   void settle() {
+    setClocksRight(refreshWaitingThreads(touchedThreadIDs_, connection_));
     questions_.reconsiderPeople(contact_.write(connection_));
-    refreshWaitingThreads(touchedThreadIDs_, connection_);
     questions_.settle(now_, connection_);
+  }
+
+  /// A mail that the user has answered does not come after the answer, whatever the clock of its sender said.
+  void setClocksRight(std::span<const WaitingMail> waiting) {
+    const auto answered = threads_.endingsOfAnswered();
+    std::set<std::string> movedThreadIDs;
+    for (const auto& mail : waiting) {
+      if (answered.contains(mail.interactionID.substr(mail.interactionID.size() - lengthOfMailIDEnding))) {
+        moveBeforeAnswer(mail);
+        movedThreadIDs.insert(mail.threadID);
+      }
+    }
+    refreshWaitingThreads(movedThreadIDs, connection_);
+  }
+
+  void moveBeforeAnswer(const WaitingMail& mail) {
+    const auto answeredAt = connection_.fetchOptionalText(
+        "SELECT max(occurred_at) FROM interaction WHERE thread_id = ? AND direction = 'outbound'", mail.threadID);
+    auto stored = storedInteraction(mail.interactionID, connection_);
+    const auto answer = answeredAt ? parseInternetDateTime(*answeredAt) : std::nullopt;
+    if (!stored || !answer) {
+      return;
+    }
+    contact_.remove(*stored);
+    stored->occurredAt = formatInternetDateTime(*answer - std::chrono::seconds{1});
+    contact_.add(*stored);
+    connection_.execute("UPDATE interaction SET occurred_at = ? WHERE id = ?", stored->occurredAt, stored->id);
   }
 
   const SourceAccount& account_;

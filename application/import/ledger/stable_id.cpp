@@ -19,7 +19,6 @@ constexpr std::size_t identityLength = 13;
 constexpr std::size_t clusterLength = 5;
 constexpr std::size_t rowLength = 12;
 constexpr unsigned minuteLength = 6;
-constexpr unsigned mailLength = 8;
 constexpr unsigned bitsPerLetter = 5;
 
 using Digest = std::array<unsigned char, SHA256_DIGEST_LENGTH>;
@@ -56,7 +55,7 @@ std::size_t fiveBits(std::span<const unsigned char> digest, std::size_t position
 }
 
 /// The last `length` * 5 bits of `number`.
-void appendLetters(std::uint64_t number, unsigned length, std::string& text) {
+void appendLetters(std::uint64_t number, std::size_t length, std::string& text) {
   while (length-- > 0) {
     text += alphabet[number >> (length * bitsPerLetter) & 0x1fU];
   }
@@ -108,7 +107,7 @@ std::string clusteredID(std::string_view identityID, Instant sentAt, MailKey mai
 
 std::string endingOfMailID(MailKey mail) {
   std::string ending;
-  appendLetters(static_cast<std::uint64_t>(mail), mailLength, ending);
+  appendLetters(static_cast<std::uint64_t>(mail), lengthOfMailIDEnding, ending);
   return ending;
 }
 

@@ -34,7 +34,9 @@ std::string clusteredID(std::string_view identityID, std::string_view text);
 /// Stands for a mail of that time, and lies among those of `identityID` in the order of time, to the minute.
 std::string clusteredID(std::string_view identityID, Instant sentAt, MailKey mail);
 
-/// How the identifiers of a mail end, whoever's they lie among.
+/// How the identifiers of a mail end, whoever's they lie among: the last letters of each, as many as
+/// lengthOfMailIDEnding says.
+inline constexpr std::size_t lengthOfMailIDEnding = 8;
 std::string endingOfMailID(MailKey mail);
 
 } // namespace orvan

@@ -86,9 +86,14 @@ MailStanding ThreadLedger::standingOf(MailKey key) const {
   return found == mails_.end() ? MailStanding::referenced : found->second.standing;
 }
 
-bool ThreadLedger::isAnswered(MailKey key) const {
-  const auto found = mails_.find(key);
-  return found != mails_.end() && found->second.isAnswered;
+std::unordered_set<std::string> ThreadLedger::endingsOfAnswered() const {
+  std::unordered_set<std::string> endings;
+  for (const auto& [key, mail] : mails_) {
+    if (mail.isAnswered) {
+      endings.insert(endingOfMailID(key));
+    }
+  }
+  return endings;
 }
 
 std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID,
@@ -120,16 +125,6 @@ void ThreadLedger::passOver(MailKey key) {
   auto& mail = mails_[key];
   mail.standing = MailStanding::passedOver;
   mail.isChanged = true;
-}
-
-std::vector<std::string> ThreadLedger::joinedThreadIDs() {
-  std::vector<std::string> ids;
-  for (std::size_t number = 0; number < threads_.size(); ++number) {
-    if (threads_[number].isStored && finalThread(number) != number) {
-      ids.push_back(threads_[number].id);
-    }
-  }
-  return ids;
 }
 
 void ThreadLedger::write(Connection& connection) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -27,8 +28,8 @@ class ThreadLedger {
 
   /// What is known of a mail from the copies that were read, in this batch or an earlier one.
   MailStanding standingOf(MailKey key) const;
-  /// Whether a mail of the user's that was read refers to it.
-  bool isAnswered(MailKey key) const;
+  /// How the identifiers end of the mails that one of the user's answers, of all that the batch mentions.
+  std::unordered_set<std::string> endingsOfAnswered() const;
 
   /// Places a mail with the mails it refers to and gives the number of its thread in this batch. `newThreadID` becomes
   /// its thread if none of them has one. From now on the mail has that standing; what an own mail refers to is
@@ -41,9 +42,6 @@ class ThreadLedger {
 
   /// The id of the thread that a placed mail was given. Final once every mail of the batch is placed.
   const std::string& threadID(std::size_t thread) { return threads_[finalThread(thread)].id; }
-
-  /// The ids of the store's threads that were joined to others in this batch.
-  std::vector<std::string> joinedThreadIDs();
 
   /// Joins the threads of the store that turned out to be one, and writes what was learned of the keys.
   void write(Connection& connection);

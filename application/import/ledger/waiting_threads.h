@@ -2,13 +2,20 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "OrvanStore/connection.h"
 
 namespace orvan {
 
+/// A mail to the user alone with which a thread ends.
+struct WaitingMail {
+  std::string threadID;
+  std::string interactionID;
+};
+
 /// Has the store say of each of these threads whether its latest interaction is a mail to the user alone, which then
-/// waits. Within the caller's transaction, once the interactions are written.
-void refreshWaitingThreads(const std::set<std::string>& threadIDs, Connection& connection);
+/// waits, and gives those that do. Within the caller's transaction, once the interactions are written.
+std::vector<WaitingMail> refreshWaitingThreads(const std::set<std::string>& threadIDs, Connection& connection);
 
 } // namespace orvan

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <optional>
@@ -11,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "OrvanObservatory/contact_outlook.h"
 #include "OrvanObservatory/store_projection_reader.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanRelationshipAttention/evidence/internal/evidence_queries.h"
@@ -34,7 +36,7 @@ inline Instant instantOf(std::string_view text) {
 
 /// A mail as a test tells it.
 struct TestMail {
-  std::string id;
+  std::string id = {};
   std::string at = "2026-03-01T10:00:00Z";
   std::string from = zoe;
   Texts to = {me};
@@ -42,15 +44,28 @@ struct TestMail {
   std::string subject = "Hello";
   std::string fromName = {};
   std::optional<std::string> question = {};
-  bool isList = false;
+  Texts cc = {};
+  bool isBulk = false;
   bool isAutomated = false;
+  Texts lists = {};
 
   operator MailItem() const { // NOLINT(google-explicit-constructor): a list of items reads as one of mails.
-    MailMessage message{id, references, instantOf(at), {{fromName, from}}, {},
-                        {}, subject,    isList,        isAutomated,        question};
+    MailMessage message;
+    message.messageID = id;
+    message.references = references;
+    message.sentAt = instantOf(at);
+    message.from = {{fromName, from}};
     for (const auto& address : to) {
       message.to.push_back({"", address});
     }
+    for (const auto& address : cc) {
+      message.cc.push_back({"", address});
+    }
+    message.subject = subject;
+    message.isBulk = isBulk;
+    message.listAddresses = lists;
+    message.isAutomated = isAutomated;
+    message.question = question;
     return message;
   }
 };
@@ -128,6 +143,12 @@ class ImportStore {
     queue.write([&](Connection& connection) { connection.execute(sql); });
   }
 
+  /// What is told of a person at that moment without a look at their history.
+  ContactOutlook outlook(std::string_view address, Instant at = asOf()) {
+    const auto outlooks = queue.read([at](Connection& connection) { return contactOutlooks(at, connection); });
+    const auto found = std::ranges::find(outlooks, personIDOf(identityIDOf(address)), &ContactOutlook::personKey);
+    return found == outlooks.end() ? ContactOutlook{} : *found;
+  }
   /// The names of the people whom the user ever dealt with.
   Texts people() {
     const auto projection =

@@ -53,36 +53,113 @@ TEST(ImportedMail, IsTheHistoryOfThePeopleOnIt) {
   EXPECT_THAT(store.people(), testing::UnorderedElementsAre(ben, "Zoë")) << "the first name that the person gave";
 }
 
-TEST(ImportedMail, ToSeveralPeopleKeepsNobodyWaiting) {
+TEST(ImportedMail, IsBetweenTwoWhenTheUserAloneIsAddressed) {
   ImportStore store;
-  Texts crowd{me};
+  store.import(
+      {{.id = "learnt", .from = ben, .to = {"dev@out.example"}, .isBulk = true, .lists = {"dev@out.example"}}});
+  const auto kinds = [&store](TestMail mail) {
+    mail.id = mail.at;
+    store.import({mail});
+    return store.texts("SELECT conversation_kind FROM source_event JOIN interaction USING (id) WHERE occurred_at = '" +
+                       mail.at + "'");
+  };
+  EXPECT_THAT(kinds({.at = "2026-03-01T01:00:00Z", .cc = {ben, "cleo@out.example"}}), ElementsAre("direct"));
+  EXPECT_THAT(kinds({.at = "2026-03-01T02:00:00Z", .to = {me, "dev@out.example"}, .isBulk = true}),
+              ElementsAre("direct"));
+  EXPECT_THAT(kinds({.at = "2026-03-01T03:00:00Z", .to = {me, "talk-list@out.example"}}), ElementsAre("direct"));
+  EXPECT_THAT(kinds({.at = "2026-03-01T04:00:00Z", .to = {me, ben}}), ElementsAre("group"));
+  EXPECT_THAT(kinds({.at = "2026-03-01T05:00:00Z", .to = {ben}, .cc = {me}}), ElementsAre("group"));
+  EXPECT_THAT(kinds({.at = "2026-03-01T06:00:00Z", .to = {"dev@out.example"}, .cc = {me}}), ElementsAre("group"));
+  EXPECT_THAT(store.people(), ElementsAre(zoe)) << "who else is on a mail has no contact with the user by it";
+
+  Texts crowd;
   for (int number = 0; number < 5000; ++number) {
     crowd.push_back("guest" + std::to_string(number) + "@out.example");
   }
-  store.import({{.id = "a", .to = {me, ben}}, {.id = "b", .to = crowd}});
-  EXPECT_THAT(store.texts("SELECT conversation_kind FROM source_event"), ElementsAre("group", "group"));
-  EXPECT_THAT(store.waiting(), IsEmpty());
-  EXPECT_THAT(store.people(), SizeIs(201)) << "the writer, 199 of the crowd, and Ben";
+  store.import({{.id = "invitation", .from = me, .to = crowd}});
+  EXPECT_THAT(store.people(), SizeIs(201)) << "of very many readers only some are kept";
+  EXPECT_EQ(store.outlook(crowd.front()).exchange, store.outlook(crowd.back()).exchange)
+      << "and it is no letter to any";
 }
 
-TEST(ImportedMail, FromMachinesMakesNoPeople) {
+TEST(ImportedMail, OfMachinesListsAndOfficesMakesNobodyToGetBackTo) {
   ImportStore store;
-  const auto report = store.import({{.id = "list", .question = "Any news?", .isList = true},
+  const auto report = store.import({{.id = "news", .isBulk = true},
                                     {.id = "bulk", .from = ben, .isAutomated = true},
-                                    {.id = "both", .isList = true, .isAutomated = true},
-                                    {.id = "mine", .from = me, .to = {ben}, .isAutomated = true}});
-  EXPECT_EQ(report.automated, 4);
+                                    {.id = "elsewhere", .to = {"dev@out.example"}, .isBulk = true},
+                                    {.id = "office", .from = "support@out.example"},
+                                    {.id = "mine", .from = me, .to = {"team-list@out.example"}, .isAutomated = true}});
+  EXPECT_EQ(report.automated, 2);
+  EXPECT_EQ(report.elsewhere, 1);
+  EXPECT_EQ(report.imported, 2);
   EXPECT_THAT(store.people(), IsEmpty());
-  store.import({{.id = "a", .at = "2026-03-01T09:00:00Z", .references = {"list"}}});
-  EXPECT_THAT(store.people(), ElementsAre(zoe));
-  EXPECT_THAT(store.waiting(), IsEmpty()) << "the list had the last word";
+  store.import({{.id = "a", .at = "2026-03-01T09:00:00Z", .references = {"elsewhere"}},
+                {.id = "answer", .from = ben, .to = {"dev@out.example"}, .references = {"mine"}, .isBulk = true}});
+  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, ben)) << "one answers the user";
+  EXPECT_THAT(store.waiting(), ElementsAre("2026-03-01T09:00:00Z")) << "what does not concern the user has no say";
+  EXPECT_THAT(store.waiting(ben), IsEmpty());
+}
+
+TEST(ImportedMail, ToAnAddressThatManyWriteToAndThatNeverWritesIsListMail) {
+  ImportStore store;
+  const std::string dev = "dev@out.example";
+  store.import({{.id = "mine", .from = me, .to = {dev}}});
+  EXPECT_THAT(store.people(), ElementsAre(dev));
+  std::vector<TestMail> mails;
+  for (int number = 0; number < 24; ++number) {
+    mails.push_back({.id = std::to_string(number),
+                     .from = std::string(1, static_cast<char>('a' + number % 6)) + "@x.example",
+                     .to = {dev},
+                     .cc = {me}});
+  }
+  store.import(mails, 7);
+  EXPECT_THAT(store.people(), testing::Not(testing::Contains(dev)));
+  store.import({{.id = "toMe", .to = {me, dev}}});
+  EXPECT_THAT(store.waiting(), SizeIs(1)) << "which addresses the user alone";
+  store.import({{.id = "person", .from = dev}});
+  EXPECT_THAT(store.people(), testing::Contains(dev)) << "it writes after all";
+}
+
+TEST(CopiesOfAMail, CompleteEachOtherInWhateverOrder) {
+  const TestMail asked{.id = "asked", .at = "2026-03-02T10:00:00Z", .references = {"first"}, .question = "Shall we?"};
+  auto viaList = asked;
+  viaList.to = {"dev@out.example"};
+  viaList.isBulk = true;
+  auto inCompany = asked;
+  inCompany.to = {me, ben};
+  auto rewritten = viaList;
+  rewritten.from = "dev@out.example";
+  rewritten.cc = {me};
+  std::vector<TestMail> copies{viaList, inCompany, rewritten, asked};
+  const TestMail first{.id = "first", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}};
+  for (int order = 0; order < 24; ++order) {
+    std::ranges::next_permutation(copies, {}, [](const TestMail& mail) { return mail.from + mail.to.back(); });
+    for (const std::size_t mailsPerBatch : {1U, 100U}) {
+      ImportStore store;
+      store.import({first});
+      const auto report = store.import(copies, mailsPerBatch);
+      EXPECT_EQ(report.known + report.completed + report.imported + report.elsewhere, 4);
+      EXPECT_THAT(store.waiting(), ElementsAre("2026-03-02T10:00:00Z"));
+      EXPECT_THAT(store.commitments(), ElementsAre("unanswered_question"));
+      EXPECT_THAT(store.texts("SELECT sum(received) || ' ' || sum(in_company) FROM contact_week"), ElementsAre("1 0"));
+      EXPECT_THAT(store.texts("SELECT id FROM interaction WHERE direction = 'inbound'"), SizeIs(1));
+      store.import({{.id = "answer",
+                     .at = "2026-03-02T09:00:00Z",
+                     .from = me,
+                     .to = {zoe},
+                     .references = {"asked"},
+                     .isBulk = true}});
+      EXPECT_THAT(store.waiting(), IsEmpty()) << "answered, although the clock of one was wrong";
+      EXPECT_THAT(store.commitments(), IsEmpty());
+    }
+  }
 }
 
 TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
   ImportStore store;
   std::vector<TestMail> mails{{.id = "a", .question = "Shall we?"},
                               {.id = "b", .from = me, .to = {ben}},
-                              {.id = "list", .isList = true},
+                              {.id = "list", .isBulk = true},
                               {.id = "bulk", .isAutomated = true}};
   store.import(mails);
   const auto before = store.texts(everything);
@@ -125,25 +202,29 @@ TEST(ImportedMail, KeepsNoMoreOfATextThanPeopleRead) {
 TEST(OwnAddress, ToldLaterTakesItsMailAndItsPersonBack) {
   ImportStore store;
   const std::string mine = "mira@work.example";
-  store.import({{.id = "a", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
-                {.id = "b", .at = "2026-03-02T10:00:00Z", .references = {"a"}, .question = "When do you arrive?"},
-                {.id = "c", .at = "2026-03-03T10:00:00Z", .from = mine, .to = {zoe}, .references = {"b"}},
-                {.id = "d", .at = "2026-03-04T10:00:00Z", .from = mine},
-                {.id = "both", .at = "2026-03-04T11:00:00Z", .to = {me, mine}},
-                {.id = "company", .at = "2026-03-04T12:00:00Z", .to = {me, mine, ben}},
-                {.id = "list", .at = "2026-03-04T13:00:00Z", .to = {me, mine}, .isList = true}});
-  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, mine, ben));
+  const std::vector<TestMail> mails{
+      {.id = "a", .at = "2026-03-01T10:00:00Z", .from = me, .to = {zoe}},
+      {.id = "b", .at = "2026-03-02T10:00:00Z", .references = {"a"}, .question = "When do you arrive?"},
+      {.id = "c", .at = "2026-03-03T10:00:00Z", .from = mine, .to = {zoe, me}, .references = {"b"}},
+      {.id = "d", .at = "2026-03-04T10:00:00Z", .from = mine},
+      {.id = "both", .at = "2026-03-04T11:00:00Z", .to = {me, mine}},
+      {.id = "company", .at = "2026-03-04T12:00:00Z", .to = {me, mine, ben}},
+      {.id = "there", .at = "2026-03-04T13:00:00Z", .from = ben, .to = {mine}}};
+  store.import(mails);
+  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, mine));
   store.import({}, 100, {mine});
-  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, ben));
-  EXPECT_THAT(store.waiting(mine), IsEmpty());
+  EXPECT_THAT(store.people(), ElementsAre(zoe));
+  EXPECT_FALSE(store.outlook(mine).canHaveReason());
+  EXPECT_THAT(store.texts("SELECT question FROM pending_question"), IsEmpty()) << "the user's own words answered it";
+  EXPECT_THAT(store.waiting(), IsEmpty());
+
+  EXPECT_EQ(store.import(mails).completed, 3) << "read again, it tells whom the user wrote to and who to the user";
   EXPECT_THAT(store.texts("SELECT direction || ' ' || conversation_kind FROM interaction "
                           "JOIN source_event ON source_event.id = source_event_id ORDER BY occurred_at"),
               ElementsAre("outbound direct", "inbound direct", "outbound direct", "outbound direct", "inbound direct",
-                          "inbound group", "inbound group"));
+                          "inbound group", "inbound direct"));
   EXPECT_THAT(store.waiting(), ElementsAre("2026-03-04T11:00:00Z")) << "written to two addresses of the user's";
-  EXPECT_THAT(store.texts("SELECT question FROM pending_question"), IsEmpty()) << "the user's own words answered it";
-  store.import({{.id = "e", .from = mine, .to = {zoe}}});
-  EXPECT_THAT(store.people(), testing::UnorderedElementsAre(zoe, ben)) << "remembered for later imports";
+  EXPECT_THAT(store.waiting(ben), ElementsAre("2026-03-04T13:00:00Z"));
   EXPECT_THAT(store.freshness(), ElementsAre("current")) << "one account, whichever address an import was told first";
 }
 

@@ -118,16 +118,16 @@ TEST(Threading, PutsReferencesBeforeInReplyToWithoutRepeats) {
 
 TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
   for (const char* header :
-       {"Auto-Submitted: auto-replied; owner=x\n", "Precedence: Bulk\n", "Precedence: junk (x)\n",
-        "List-Id: <team.example.org>\n", "Content-Type: multipart/report; boundary=b\n", "From: noreply@example.org\n",
-        "From: no-reply@example.org\n", "From: do_not.reply@example.org\n", "From: drive-shares-noreply@example.org\n",
-        "From: noreply2@example.org\n", "From: MAILER-DAEMON@example.org\n", "From: bounces+7=a@example.org\n"}) {
+       {"Auto-Submitted: auto-replied; owner=x\n", "Precedence: auto_reply\n",
+        "Content-Type: multipart/report; boundary=b\n", "From: noreply@example.org\n", "From: no-reply@example.org\n",
+        "From: do_not.reply@example.org\n", "From: drive-shares-noreply@example.org\n", "From: noreply2@example.org\n",
+        "From: MAILER-DAEMON@example.org\n", "From: bounces+7=a@example.org\n"}) {
     const auto mail = message(header, "Are you there?\n");
     EXPECT_TRUE(mail.isAutomated) << header;
     EXPECT_EQ(mail.question, std::nullopt) << header;
   }
   for (const char* header :
-       {"Auto-Submitted: no\n", "Precedence: first-class\n", "List-Post: <mailto:team@example.org>\n",
+       {"Auto-Submitted: no\n", "Precedence: first-class\n", "Precedence: Bulk\n", "List-Id: <team.example.org>\n",
         "From: nora.reply@example.org\n", "From: postmasters@example.org\n", "Subject: Re: Fwd: plan\n",
         "Subject: Forward: plan\n"}) {
     const auto mail = message(header, "Are you there?\n");
@@ -137,9 +137,14 @@ TEST(Automation, IsSeenInFieldsAndMailboxesAndAsksNothingAsForwardsDo) {
   for (const char* subject : {"Fwd: plan\n", "FW: plan\n", "WG: Plan\n", "[Fwd: plan]\n"}) {
     EXPECT_EQ(message(std::string{"Subject: "} + subject, "Are you there?\n").question, std::nullopt) << subject;
   }
-  EXPECT_TRUE(message("List-Id: x\n").isListMail);
-  EXPECT_TRUE(message("List-Unsubscribe: x\n").isListMail);
-  EXPECT_FALSE(message("Precedence: bulk\n").isListMail);
+  for (const char* header : {"List-Id: x\n", "List-Unsubscribe: x\n", "Precedence: bulk\n", "Precedence: junk (x)\n"}) {
+    EXPECT_TRUE(message(header).isBulk) << header;
+  }
+  EXPECT_FALSE(message("Precedence: first-class\n").isBulk);
+  EXPECT_THAT(
+      message("List-Post: <mailto:Team@example.org?subject=x>\nX-Mailing-List: dev@example.org; see x\n").listAddresses,
+      ElementsAre("team@example.org", "dev@example.org"));
+  EXPECT_THAT(message("List-Post: NO\n").listAddresses, testing::IsEmpty());
 }
 
 TEST(Bodies, AreWhatTheReaderSeesOfTheFirstTextThatIsNotAttached) {
