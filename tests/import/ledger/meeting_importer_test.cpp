@@ -28,8 +28,7 @@ class ImportedMeetings : public testing::Test {
     stream << "BEGIN:VCALENDAR\nVERSION:2.0\n";
     for (const auto& event : events) {
       stream << "BEGIN:VEVENT\nUID:" << event.uid << "\nDTSTAMP:20260101T000000Z\nSUMMARY:" << event.title
-             << "\nDTSTART:" << event.start
-             << "\nORGANIZER:mailto:" << me << '\n'
+             << "\nDTSTART:" << event.start << "\nORGANIZER:mailto:" << me << '\n'
              << event.more;
       for (const auto& guest : event.guests) {
         stream << "ATTENDEE;PARTSTAT=ACCEPTED:mailto:" << guest << '\n';
