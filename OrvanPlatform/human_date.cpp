@@ -16,11 +16,12 @@ struct Formatter {
   std::unique_ptr<icu::DateFormat> format;
 };
 
-const icu::DateFormat* currentFormat() {
-  thread_local Formatter kept;
+/// Brings `kept` up to the settings of the moment.
+const icu::DateFormat* currentFormat(Formatter& kept, icu::DateFormat::EStyle timeStyle) {
   auto locale = internal::userLocaleName();
   if (kept.format == nullptr || kept.locale != locale) {
-    kept.format.reset(icu::DateFormat::createDateInstance(icu::DateFormat::kMedium, internal::userLocale(locale)));
+    kept.format.reset(
+        icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium, timeStyle, internal::userLocale(locale)));
     if (kept.format != nullptr) {
       kept.format->setTimeZone(*icu::TimeZone::getGMT());
     }
@@ -29,17 +30,32 @@ const icu::DateFormat* currentFormat() {
   return kept.format.get();
 }
 
+icu::UnicodeString formatted(Instant instant, const icu::DateFormat* format) {
+  icu::UnicodeString written;
+  if (format != nullptr) {
+    const auto local = std::chrono::milliseconds{localTimeOf(instant).time_since_epoch()};
+    format->format(static_cast<UDate>(local.count()), written);
+  }
+  return written;
+}
+
 } // namespace
 
 std::string humanDateText(Instant instant) {
-  const icu::DateFormat* format = currentFormat();
+  thread_local Formatter kept;
   std::string text;
-  if (format != nullptr) {
-    const auto local = std::chrono::milliseconds{localTimeOf(instant).time_since_epoch()};
-    icu::UnicodeString written;
-    format->format(static_cast<UDate>(local.count()), written);
-    written.toUTF8String(text);
-  }
+  formatted(instant, currentFormat(kept, icu::DateFormat::kNone)).toUTF8String(text);
+  return text;
+}
+
+std::string humanMomentText(Instant instant) {
+  thread_local Formatter kept;
+  auto written = formatted(instant, currentFormat(kept, icu::DateFormat::kShort));
+  // Many fonts and terminals have no narrow blank, which stands before "AM".
+  constexpr char16_t narrowNoBreakBlank = u'\u202f';
+  written.findAndReplace(icu::UnicodeString{narrowNoBreakBlank}, icu::UnicodeString{u' '});
+  std::string text;
+  written.toUTF8String(text);
   return text;
 }
 

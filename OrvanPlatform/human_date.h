@@ -14,4 +14,7 @@ namespace orvan {
 /// thread changes the environment.
 std::string humanDateText(Instant instant);
 
+/// The same with the time of day in hours and minutes: "Mar 4, 2026, 9:15 AM".
+std::string humanMomentText(Instant instant);
+
 } // namespace orvan

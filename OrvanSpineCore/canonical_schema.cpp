@@ -343,10 +343,11 @@ CREATE TABLE message_text (
   message_id TEXT NOT NULL
 ) STRICT, WITHOUT ROWID;
 
--- Where a meeting takes place, when the calendar tells.
+-- Where a meeting takes place, when the calendar tells, and whether it has no time of day. Most meetings have no row.
 CREATE TABLE meeting_text (
   interaction_id TEXT NOT NULL PRIMARY KEY,
-  location TEXT NOT NULL
+  location TEXT NOT NULL,
+  is_all_day INTEGER NOT NULL
 ) STRICT, WITHOUT ROWID;
 
 -- state is what a mail is as far as its copies tell: 'referenced' (none was read yet), 'passed_over' (it does not concern

@@ -13,6 +13,14 @@ std::string nameOf(Session& session, const std::string& personKey) {
   return person ? person->displayName() : "Somebody unknown";
 }
 
+std::vector<Matter> mattersOf(Session& session, const AttentionEvidenceBundle& bundle) {
+  return session.readableStore().read([&](Connection& connection) { return orvan::mattersOf(bundle, connection); });
+}
+
+void printBundle(Session& session, const AttentionEvidenceBundle& bundle, const HumanOutput& output) {
+  output.bundle(bundle, nameOf(session, bundle.personKey()), mattersOf(session, bundle));
+}
+
 /// What is older stays closed unless it is asked for.
 std::size_t rowsOnATerminal(const CatchUpList& list, const CatchUpArguments& arguments) {
   constexpr std::size_t usualRows = 10;
@@ -44,7 +52,7 @@ void runBundle(const CommandContext& context, const std::string& person) {
   if (context.output == OutputForm::json) {
     printJson(toJson(bundle));
   } else {
-    HumanOutput{}.bundle(bundle, nameOf(context.session, bundle.personKey()));
+    printBundle(context.session, bundle, HumanOutput{});
   }
 }
 
@@ -56,7 +64,7 @@ void runBundles(const CommandContext& context) {
   }
   const HumanOutput output;
   for (const auto& bundle : bundles) {
-    output.bundle(bundle, nameOf(context.session, bundle.personKey()));
+    printBundle(context.session, bundle, output);
   }
 }
 

@@ -8,7 +8,7 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
-#include "application/session/decision.h"
+#include "application/session/item_lookup.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_failure.h"
 

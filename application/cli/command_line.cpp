@@ -27,6 +27,7 @@ struct Invocation {
   std::string text;
   std::string item;
   std::string until;
+  OpenArguments open;
   ImportArguments import;
   std::function<void(const CommandContext&)> run;
 };
@@ -126,8 +127,31 @@ void addCatchUpCommand(CLI::App& program, Invocation& invocation) {
                     "Also say why each stands where they stand, and of everyone else why they are not listed");
 }
 
+/// The place of an item among a command's words.
+void takeItem(CLI::App& command, std::string& item) {
+  command.add_option("ITEM", item, "An item's key, or a person's key, name or address")
+      ->type_name("")
+      ->required()
+      ->check(notEmpty());
+}
+
+void addItemReadingCommands(CLI::App& program, Invocation& invocation) {
+  takeItem(*addCommand(program, invocation,
+                       {"show", "To see", "Show an item with its conversation and all else there is with the person",
+                        "orvan show \"Ada Marsh\""},
+                       [&invocation](const auto& context) { runShow(context, invocation.item); }),
+           invocation.item);
+  auto* open = addCommand(
+      program, invocation,
+      {"open", "To see", "Open the message behind an item in your mail program", "orvan open ada@hill.example"},
+      [&invocation](const auto& context) { runOpen(context, invocation.open); });
+  takeItem(*open, invocation.open.item);
+  open->add_flag("--print", invocation.open.isPrinted, "Print the message's mid: address instead");
+}
+
 void addReadingCommands(CLI::App& program, Invocation& invocation) {
   addCatchUpCommand(program, invocation);
+  addItemReadingCommands(program, invocation);
   takePerson(*addCommand(program, invocation,
                          {"why", "To see", "Say why to get in touch with a person now", "orvan why \"Ada Marsh\""},
                          [&invocation](const auto& context) { runWhy(context, invocation.person); }),
@@ -149,10 +173,7 @@ CLI::App* addItemCommand(CLI::App& program, Invocation& invocation, const Comman
   auto* command = addCommand(program, invocation, text, [&invocation, kind](const auto& context) {
     runItemCommand(context, kind, invocation.item, invocation.until);
   });
-  command->add_option("ITEM", invocation.item, "An item's key, or a person's key, name or address")
-      ->type_name("")
-      ->required()
-      ->check(notEmpty());
+  takeItem(*command, invocation.item);
   return command;
 }
 

@@ -37,6 +37,12 @@ struct CatchUpArguments {
   bool isExplained = false;
 };
 
+struct OpenArguments {
+  std::string item;
+  /// The message's address is printed and not handed to a mail program.
+  bool isPrinted = false;
+};
+
 enum class ItemCommand { snooze, dismiss, resolve };
 
 // Each runs one command and writes its output. What fails is thrown: a CommandFailure, or an exception of the library.
@@ -49,6 +55,8 @@ void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);
 void runWhy(const CommandContext& context, const std::string& person);
 void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments);
+void runShow(const CommandContext& context, const std::string& item);
+void runOpen(const CommandContext& context, const OpenArguments& arguments);
 /// `until` is what the user wrote; only a snooze has it.
 void runItemCommand(const CommandContext& context, ItemCommand command, const std::string& item,
                     const std::string& until);

@@ -10,6 +10,7 @@
 #include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/printable_text.h"
+#include "application/cli/terminal_text.h"
 
 namespace orvan {
 namespace {
@@ -18,6 +19,88 @@ namespace {
 std::string dateOf(std::string_view timestamp) {
   const auto instant = parseInternetDateTime(timestamp);
   return instant ? humanDateText(*instant) : printableText(timestamp);
+}
+
+/// The same with the time of day.
+std::string momentOf(std::string_view timestamp) {
+  const auto instant = parseInternetDateTime(timestamp);
+  return instant ? humanMomentText(*instant) : printableText(timestamp);
+}
+
+std::string meetingTime(Instant startsAt, bool isAllDay) {
+  return isAllDay ? humanDateText(startsAt) + ", all day" : humanMomentText(startsAt);
+}
+
+/// "Tea (Café Sol)", or as much of it as is known.
+std::string titleAndPlace(const About& about) {
+  std::string text = about.title.value_or("");
+  if (about.place) {
+    text += (text.empty() ? "(" : " (") + *about.place + ")";
+  }
+  return printableText(text);
+}
+
+std::string inQuotes(std::string_view text) {
+  return "\"" + std::string{text} + "\"";
+}
+
+/// What follows a piece of evidence.
+std::string inAWord(const About& about) {
+  const auto text = about.question  ? inQuotes(printableText(*about.question))
+                    : about.subject ? printableText(*about.subject)
+                                    : titleAndPlace(about);
+  return text.empty() ? "" : ": " + text;
+}
+
+/// A line for each thing that is known.
+std::vector<std::string> linesFor(const About& about) {
+  std::vector<std::string> lines;
+  if (about.question) {
+    lines.push_back("They asked: " + inQuotes(printableText(*about.question)));
+  }
+  if (about.subject) {
+    lines.push_back("Subject: " + printableText(*about.subject));
+  }
+  if (about.startsAt) {
+    const auto what = titleAndPlace(about);
+    lines.push_back(meetingTime(*about.startsAt, about.isAllDay) + (what.empty() ? "" : ": ") + what);
+  }
+  return lines;
+}
+
+std::string sentenceFor(const OpenThreadEvidence& thread, const About& about) {
+  return "Waiting for your reply since " + dateOf(thread.lastInboundOccurredAt()) + inAWord(about);
+}
+
+std::string sentenceFor(const UpcomingInteractionEvidence& meeting, const About& about) {
+  const auto time = about.startsAt ? meetingTime(*about.startsAt, about.isAllDay) : momentOf(meeting.occurredAt());
+  return "Meeting on " + time + inAWord(about);
+}
+
+std::string sentenceFor(const ChangedContextEvidence& context, const About& about) {
+  return "Back in touch since " + dateOf(context.resumedAt()) + " after quiet since " + dateOf(context.quietSinceAt()) +
+         inAWord(about);
+}
+
+std::string sentenceFor(const CommitmentEvidence& commitment, const About& about) {
+  return "Still open since " + dateOf(commitment.detectedAt()) + " (" + printableText(commitment.kind()) + ")" +
+         inAWord(about);
+}
+
+std::string sentenceFor(const Matter& matter) {
+  return std::visit([&](const auto& evidence) { return sentenceFor(evidence, matter.about); }, matter.evidence);
+}
+
+std::string writerOf(const Exchange& exchange) {
+  switch (exchange.kind) {
+    case Exchange::Kind::sent:
+      return "you";
+    case Exchange::Kind::meeting:
+      return "meeting";
+    case Exchange::Kind::received:
+      break;
+  }
+  return printableText(exchange.from.value_or("somebody unknown"));
 }
 
 std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
@@ -71,6 +154,14 @@ std::string sentenceFor(const ListPlace& place) {
   return "";
 }
 
+std::string inWords(const AttentionItemState& state) {
+  std::string text{caseName(state.kind())};
+  if (const auto until = state.until()) {
+    text += " until " + humanDateText(*until) + " (" + formatInternetDateTime(*until) + ")";
+  }
+  return text;
+}
+
 bool standardOutputTakesColour() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment of this program.
   const char* refused = std::getenv("NO_COLOR");
@@ -79,7 +170,12 @@ bool standardOutputTakesColour() {
 
 } // namespace
 
-HumanOutput::HumanOutput() : usesColour_(standardOutputTakesColour()) {}
+HumanOutput::HumanOutput() : usesColour_(standardOutputTakesColour()), columns_(columnsOfStandardOutput()) {}
+
+/// As much of `text` as a line has place for.
+std::string HumanOutput::fitted(std::string_view text) const {
+  return columns_ ? cutToColumns(text, *columns_) : std::string{text};
+}
 
 std::string HumanOutput::bold(std::string_view text) const {
   return usesColour_ ? "\033[1m" + std::string{text} + "\033[0m" : std::string{text};
@@ -99,23 +195,14 @@ void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
   }
 }
 
-void HumanOutput::bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName) const {
+void HumanOutput::bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName,
+                         const std::vector<Matter>& matters) const {
   std::cout << bold(printableText(displayName)) << faint("  " + printableText(bundle.personKey())) << '\n';
   if (bundle.isEmpty()) {
     line("  Nothing is waiting.");
   }
-  for (const auto& thread : bundle.openThreads()) {
-    line("  Waiting for your reply since " + dateOf(thread.lastInboundOccurredAt()));
-  }
-  for (const auto& meeting : bundle.upcomingInteractions()) {
-    line("  Meeting on " + dateOf(meeting.occurredAt()));
-  }
-  if (const auto& context = bundle.changedContext()) {
-    line("  Back in touch since " + dateOf(context->resumedAt()) + " after quiet since " +
-         dateOf(context->quietSinceAt()));
-  }
-  for (const auto& commitment : bundle.commitments()) {
-    line("  Still open since " + dateOf(commitment.detectedAt()) + " (" + printableText(commitment.kind()) + ")");
+  for (const auto& matter : matters) {
+    line("  " + sentenceFor(matter));
   }
   for (const auto& freshness : bundle.sourceFreshness()) {
     const auto& syncedAt = freshness.lastSuccessfulSyncAt();
@@ -131,11 +218,48 @@ void HumanOutput::whyNow(const AttentionWhyNowItem& item) const {
   }
 }
 
-void HumanOutput::item(const AttentionCatchUpItem& item) const {
-  std::cout << '\n' << bold(printableText(item.displayName())) << faint("  " + printableText(item.personKey())) << '\n';
+void HumanOutput::item(const AttentionCatchUpItem& item, const std::optional<std::string>& address) const {
+  std::cout << '\n' << bold(printableText(item.displayName()));
+  if (address) {
+    std::cout << " <" << printableText(*address) << '>';
+  }
+  line(faint("  " + printableText(item.personKey())));
   line("  " + item.whyNow().headline());
   for (const auto& evidence : item.whyNow().evidenceLines()) {
     line(faint("  " + printableText(evidence)));
+  }
+}
+
+void HumanOutput::conversation(const Conversation& conversation) const {
+  line("\n" + bold("The conversation"));
+  if (conversation.earlier > 0) {
+    line(faint("  ... " + std::to_string(conversation.earlier) + " earlier"));
+  }
+  for (const auto& exchange : conversation.exchanges) {
+    line("  " + momentOf(exchange.occurredAt) + "  " + writerOf(exchange));
+  }
+}
+
+void HumanOutput::details(const ItemDetails& details) const {
+  item(details.item, details.address);
+  for (const auto& about : linesFor(details.about)) {
+    line(faint("  " + about));
+  }
+  if (!details.conversation.exchanges.empty()) {
+    conversation(details.conversation);
+  }
+  if (!details.others.empty()) {
+    line("\n" + bold("There is also"));
+  }
+  for (const auto& matter : details.others) {
+    line("  " + sentenceFor(matter));
+  }
+  if (!details.records.empty()) {
+    line("\n" + bold("What you decided"));
+  }
+  for (const auto& decided : details.records) {
+    const bool isOwn = decided.itemKey() == details.item.itemKey();
+    line("  " + inWords(decided.state()) + faint("  " + (isOwn ? "this item" : printableText(decided.itemKey()))));
   }
 }
 
@@ -152,7 +276,10 @@ void HumanOutput::catchUpList(const CatchUpList& list, std::size_t shown, Explan
          humanDateText(asOf));
   }
   for (const auto& row : std::span{list.rows}.first(shown)) {
-    item(row.item);
+    item(row.item, row.address);
+    for (const auto& about : linesFor(row.about)) {
+      line(faint(fitted("  " + about)));
+    }
     if (explanation == Explanation::everyone) {
       line(faint("  " + sentenceFor(row.place)));
     }
@@ -185,11 +312,7 @@ void HumanOutput::moreThan(std::size_t shown, const CatchUpList& list) const {
 }
 
 void HumanOutput::record(const AttentionItemDispositionRecord& record) const {
-  std::string text{caseName(record.state().kind())};
-  if (const auto until = record.state().until()) {
-    text += " until " + humanDateText(*until) + " (" + formatInternetDateTime(*until) + ")";
-  }
-  line(text + faint("  " + printableText(record.itemKey())));
+  line(inWords(record.state()) + faint("  " + printableText(record.itemKey())));
 }
 
 void HumanOutput::mailReport(std::string_view source, const MailReport& report) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,20 +12,24 @@
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
+#include "application/session/item_details.h"
 
 namespace orvan {
 
 /// Writes what a command found to standard output, for people: aligned, in colour only on a terminal. Characters in the
-/// user's data that a terminal would obey are replaced.
+/// user's data that a terminal would obey are replaced, and in a list a line is cut where the terminal ends.
 class HumanOutput {
  public:
   HumanOutput();
 
   void people(const std::vector<ProjectedPerson>& people) const;
-  void bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName) const;
+  /// `matters` are those of the bundle.
+  void bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName,
+              const std::vector<Matter>& matters) const;
   void whyNow(const AttentionWhyNowItem& item) const;
   /// The first `shown` rows, and how many more there are.
   void catchUpList(const CatchUpList& list, std::size_t shown, Explanation explanation, Instant asOf) const;
+  void details(const ItemDetails& details) const;
   void record(const AttentionItemDispositionRecord& record) const;
   void mailReport(std::string_view source, const MailReport& report) const;
   void meetingReport(std::string_view source, const MeetingReport& report) const;
@@ -34,10 +40,14 @@ class HumanOutput {
   void moreThan(std::size_t shown, const CatchUpList& list) const;
   std::string bold(std::string_view text) const;
   std::string faint(std::string_view text) const;
-  void item(const AttentionCatchUpItem& item) const;
+  std::string fitted(std::string_view text) const;
+  void item(const AttentionCatchUpItem& item, const std::optional<std::string>& address) const;
+  void conversation(const Conversation& conversation) const;
   void notShown(const NotShown& person) const;
 
   bool usesColour_;
+  /// What a line has place for; unlimited where there is no terminal.
+  std::optional<std::size_t> columns_;
 };
 
 } // namespace orvan

@@ -73,6 +73,30 @@ Json toJson(const NotShown& person) {
           {"until", nullable(person.until)}};
 }
 
+Json toJson(const About& about) {
+  return {{"threadID", nullable(about.threadID)},
+          {"subject", nullable(about.subject)},
+          {"messageID", nullable(about.messageID)},
+          {"question", nullable(about.question)},
+          {"title", nullable(about.title)},
+          {"startsAt", nullable(about.startsAt)},
+          {"isAllDay", about.isAllDay},
+          {"place", nullable(about.place)}};
+}
+
+Json toJson(const Matter& matter) {
+  return {{"kind", caseName(kindOf(matter))},
+          {"evidence", std::visit([](const auto& evidence) { return toJson(evidence); }, matter.evidence)},
+          {"about", toJson(matter.about)}};
+}
+
+Json toJson(const Exchange& exchange) {
+  return {{"interactionID", exchange.interactionID},
+          {"kind", caseName(exchange.kind)},
+          {"occurredAt", exchange.occurredAt},
+          {"from", nullable(exchange.from)}};
+}
+
 /// Stands behind the conversions above, so that it finds them.
 template <typename Values>
 Json arrayOf(const Values& values) {
@@ -151,11 +175,27 @@ Json toJson(const std::vector<ProjectedPerson>& people) {
   return arrayOf(people);
 }
 
+Json toJson(const AttentionCatchUpItem& item, const About& about, const std::optional<std::string>& address) {
+  auto json = toJson(item);
+  json["address"] = nullable(address);
+  json["about"] = toJson(about);
+  return json;
+}
+
 Json toJson(const CatchUpRow& row) {
-  auto json = toJson(row.item);
+  auto json = toJson(row.item, row.about, row.address);
   json["place"] = {{"part", caseName(row.place.part)},
                    {"exchange", row.place.exchange},
                    {"ageDays", std::chrono::duration<double, std::chrono::days::period>{row.place.age}.count()}};
+  return json;
+}
+
+Json toJson(const ItemDetails& details) {
+  auto json = toJson(details.item, details.about, details.address);
+  json["conversation"] = {{"earlier", details.conversation.earlier},
+                          {"exchanges", arrayOf(details.conversation.exchanges)}};
+  json["others"] = arrayOf(details.others);
+  json["records"] = arrayOf(details.records);
   return json;
 }
 

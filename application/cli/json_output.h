@@ -10,6 +10,7 @@
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
+#include "application/session/item_details.h"
 
 namespace orvan {
 
@@ -26,6 +27,7 @@ Json toJson(const std::vector<AttentionItemDispositionRecord>& records);
 Json toJson(const std::vector<ProjectedPerson>& people);
 /// All rows, or the first `limit`.
 Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanation explanation);
+Json toJson(const ItemDetails& details);
 Json toJson(const MailReport& report);
 Json toJson(const MeetingReport& report);
 

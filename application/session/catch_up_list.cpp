@@ -8,6 +8,7 @@
 
 #include "OrvanPlatform/white_space.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
+#include "application/session/shared_names.h"
 
 namespace orvan {
 namespace {
@@ -100,6 +101,15 @@ std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& ite
   return others;
 }
 
+/// Adds what the rows themselves do not tell.
+void complete(std::vector<CatchUpRow>& rows, std::span<const ContactOutlook> outlooks, Connection& connection) {
+  const SharedNames shared(outlooks);
+  for (auto& row : rows) {
+    row.about = aboutOf(row.item.personKey(), row.item.whyNow().evidenceReferences(), connection);
+    row.address = shared.addressToTell(row.item.displayName(), row.item.personKey(), connection);
+  }
+}
+
 /// In the order of the list.
 std::vector<CatchUpRow> placed(std::vector<AttentionCatchUpItem> items, std::span<const ContactOutlook> outlooks,
                                const BundleOfPerson& bundleOf, Instant asOf) {
@@ -152,6 +162,7 @@ CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanat
     list.notShown = explainOthers(items, outlooks, lookedAt, bundleOf, records, asOf);
   }
   list.rows = placed(std::move(items), outlooks, bundleOf, asOf);
+  session.readableStore().read([&](Connection& connection) { complete(list.rows, outlooks, connection); });
   list.older = static_cast<std::size_t>(
       std::ranges::count(list.rows, ListPart::older, [](const CatchUpRow& row) { return row.place.part; }));
   list.notLookedAt = static_cast<std::size_t>(

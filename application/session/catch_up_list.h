@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
+#include "application/session/about.h"
 #include "application/session/list_order.h"
 #include "application/session/session.h"
 
@@ -40,6 +41,9 @@ struct NotShown {
 struct CatchUpRow {
   AttentionCatchUpItem item;
   ListPlace place;
+  About about = {};
+  /// One of their addresses, when somebody else whom the user deals with goes by the same name.
+  std::optional<std::string> address = {};
 };
 
 /// The list at one moment, and on demand everyone who is not on it.

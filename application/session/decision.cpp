@@ -1,44 +1,9 @@
 #include "application/session/decision.h"
 
-#include <algorithm>
-#include <optional>
-
-#include "application/session/catch_up_list.h"
+#include "application/session/item_lookup.h"
 
 namespace orvan {
 namespace {
-
-/// The person key that an item key begins with, behind its length: "4:p-42|10:openThread|...".
-std::optional<std::string> personKeyIn(const std::string& itemKey) {
-  const auto colon = itemKey.find(':');
-  if (colon == std::string::npos || colon == 0 || colon > 9 ||
-      !std::ranges::all_of(itemKey.substr(0, colon), [](char digit) { return digit >= '0' && digit <= '9'; })) {
-    return std::nullopt;
-  }
-  const auto length = std::stoul(itemKey.substr(0, colon));
-  const bool isItemKey = itemKey.size() > colon + 1 + length && itemKey[colon + 1 + length] == '|';
-  return isItemKey ? std::optional{itemKey.substr(colon + 1, length)} : std::nullopt;
-}
-
-/// The item that stands for the person by `bundle`, whatever its state.
-AttentionCatchUpItem currentItem(Session& session, const AttentionEvidenceBundle& bundle, Instant asOf) {
-  const auto person = session.person(bundle.personKey());
-  auto item = person ? itemOf(*person, bundle, asOf) : std::nullopt;
-  if (!item) {
-    throw Error(SessionError::noReasonNow, "deciding about an item");
-  }
-  return *std::move(item);
-}
-
-/// An item key names one reason. When the person has another one by now, the user decided about something that no
-/// longer stands.
-void revalidate(const AttentionCatchUpItem& current, const std::string& itemKey,
-                const AttentionEvidenceBundle& bundle) {
-  if (!AttentionCatchUpSelector::revalidate(itemKey, current.personKey(), current.whyNow().evidenceReferences(),
-                                            bundle)) {
-    throw ReasonChanged(current.whyNow());
-  }
-}
 
 AttentionItemState::Kind stateAfter(AttentionItemAction::Kind action) {
   switch (action) {
@@ -59,14 +24,9 @@ Decision decide(Session& session, const std::string& item, const AttentionItemAc
     throw Error(SessionError::snoozeEndPast, "deciding about an item");
   }
   session.openForDeciding();
-  const auto keyedPerson = personKeyIn(item);
-  const auto bundle = session.bundle(session.personKeyOf(keyedPerson ? *keyedPerson : item), asOf);
-  const auto current = currentItem(session, bundle, asOf);
-  if (keyedPerson) {
-    revalidate(current, item, bundle);
-  }
+  const auto found = itemCalled(item, session, asOf);
   auto& store = session.dispositions();
-  auto record = waitFor(store.executor(), store.apply(current, action, asOf));
+  auto record = waitFor(store.executor(), store.apply(found.item, action, asOf));
   const bool isAsAsked = record.state().kind() == stateAfter(action.kind());
   return {std::move(record), isAsAsked};
 }

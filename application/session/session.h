@@ -72,7 +72,8 @@ class Session {
   /// Takes decisions about items; decide() looks first whether an item still stands.
   AttentionDispositionStore& dispositions();
 
-  /// The store for the application's own writing, as importers do it.
+  /// The store for the application's own reading, and for its writing, as importers do it.
+  DatabaseQueue& readableStore() { return store(); }
   DatabaseQueue& writableStore();
 
   /// For the end of a program: when this session could write, empties the write-ahead log as far as that goes without

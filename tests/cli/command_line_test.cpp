@@ -25,11 +25,11 @@ using std::filesystem::perms;
 constexpr const char* noon = "2026-03-10T12:00:00Z";
 
 /// A mail of 9 March at this hour, from Ada to Robin.
-std::string mail(const std::string& id, const std::string& hour, const std::string& inReplyTo = "") {
-  return "From mailer Tue Mar 10 00:00:00 2026\nMessage-ID: <" + id +
-         ">\nFrom: Ada Marsh <ada@hill.example>\nTo: robin@orvan.example\nDate: Mon, 09 Mar 2026 " + hour +
-         ":00:00 +0000\nSubject: The boat\n" + (inReplyTo.empty() ? "" : "In-Reply-To: <" + inReplyTo + ">\n") +
-         "\nThe boat is ready.\n\n";
+std::string mail(const std::string& id, const std::string& hour, const std::string& inReplyTo = "",
+                 const std::string& from = "Ada Marsh <ada@hill.example>") {
+  return "From mailer Tue Mar 10 00:00:00 2026\nMessage-ID: <" + id + ">\nFrom: " + from +
+         "\nTo: robin@orvan.example\nDate: Mon, 09 Mar 2026 " + hour + ":00:00 +0000\nSubject: The boat\n" +
+         (inReplyTo.empty() ? "" : "In-Reply-To: <" + inReplyTo + ">\n") + "\nThe boat is ready.\n\n";
 }
 
 /// The program on a store of its own.
@@ -69,6 +69,14 @@ class CommandLine : public testing::Test {
   void importFile(const std::string& kind, const std::string& content, const std::string& me = "Robin@Orvan.example") {
     std::ofstream(path("imported")) << content;
     ASSERT_EQ(run({"import", "--me", me, kind, path("imported")}).status, 0);
+  }
+
+  /// Puts a program before all others of its name, and hides those that are installed.
+  void installProgram(const std::string& name, const std::string& script) const {
+    std::filesystem::create_directories(path("bin"));
+    std::ofstream(path("bin/" + name)) << "#!/bin/sh\n" << script << '\n';
+    std::filesystem::permissions(path("bin/" + name), perms::owner_all);
+    setenv("PATH", path("bin").c_str(), 1);
   }
 
   void makeStoreWithAMailFromAda() {
@@ -129,6 +137,50 @@ TEST_F(CommandLine, RefusesADecisionAboutAReasonThatChanged) {
   EXPECT_EQ(tooLate.output.find("An earlier decision is final"), 0U) << tooLate.output;
   EXPECT_EQ(run({"snooze", newKey, "--until", "2026-01-01"}).status, 1);
   EXPECT_EQ(run({"snooze", newKey, "--until", "someday"}).status, 2);
+}
+
+TEST_F(CommandLine, TellsWhatAnItemIsAboutAndWhichNamesakeItIs) {
+  makeStoreWithAMailFromAda();
+  EXPECT_EQ(list()["items"][0]["about"]["subject"], "The boat");
+  EXPECT_TRUE(list()["items"][0]["address"].is_null());
+  importFile("--mbox", mail("b1", "09", "", "ada MARSH <ada@lake.example>"));
+  importFile("--ics",
+             "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:a\nDTSTART:20260312T090000Z\nSUMMARY:Tea\nLOCATION:Café Sol\n"
+             "ORGANIZER:mailto:ada@hill.example\nEND:VEVENT\nEND:VCALENDAR\n");
+  setenv("TZ", "America/New_York", 1);
+  const auto output = run({"catch-up"}).output;
+  EXPECT_TRUE(output.contains("Ada Marsh <ada@hill.example>  p-")) << output;
+  EXPECT_TRUE(output.contains("ada MARSH <ada@lake.example>  p-")) << output;
+  EXPECT_TRUE(output.contains("\n  Mar 12, 2026, 5:00 AM: Tea (Café Sol)\n")) << output;
+
+  const auto shown = run({"show", "ada@hill.example"});
+  EXPECT_TRUE(shown.output.contains("  Waiting for your reply since Mar 9, 2026: The boat\n")) << shown.output;
+  importFile("--mbox", mail("b2", "10", "b1", "ada MARSH <ada@lake.example>"));
+  const auto details = json::parse(run({"show", "ada@lake.example", "--json"}).output);
+  EXPECT_EQ(details["address"], "ada@lake.example");
+  EXPECT_EQ(details["conversation"]["exchanges"][1]["from"], "ada MARSH");
+  EXPECT_EQ(run({"show", details["itemKey"]}, "2026-03-09T09:30:00Z").status, 1) << "there was another reason then";
+  EXPECT_EQ(run({"show", "ada@lake.example"}, "2026-03-08T09:30:00Z").status, 1) << "there was none then";
+}
+
+TEST_F(CommandLine, OpensAMessageInTheMailProgramWithoutTellingItsNameToAnybodyElse) {
+  makeStoreWithAMailFromAda();
+  EXPECT_EQ(run({"open", "Ada Marsh"}).status, 1) << "its Message-ID is none that a mail program knows";
+  importFile("--mbox", mail("a2+x@hill.example", "09"));
+  EXPECT_EQ(run({"open", "Ada Marsh", "--print"}).output, "mid:a2%2Bx@hill.example\n");
+  installProgram("xdg-mime", "");
+  EXPECT_TRUE(run({"open", "Ada Marsh"}).errors.contains("No program is set"));
+  installProgram("xdg-mime", "echo post.desktop");
+  EXPECT_TRUE(run({"open", "Ada Marsh"}).errors.contains("install xdg-utils"));
+  installProgram("xdg-open", "echo \"$@\" >&2; echo \"$@\"; exit 4");
+  const auto failed = run({"open", "Ada Marsh"});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_FALSE(failed.errors.contains("a2")) << failed.errors;
+  installProgram("xdg-open", "echo \"$@\" > \"${0%/*}/opened\"");
+  EXPECT_EQ(run({"open", "Ada Marsh"}).status, 0);
+  std::string opened;
+  std::getline(std::ifstream(path("bin/opened")), opened);
+  EXPECT_EQ(opened, "mid:a2%2Bx@hill.example");
 }
 
 TEST_F(CommandLine, HonoursADeclineUnderAnAddressToldEarlier) {

@@ -22,18 +22,19 @@ Instant instantOf(const char* timestamp) {
 
 TEST(HumanDate, FollowsTheSettingsOfTheMomentItIsAsked) {
   const Instant instant = instantOf("2026-03-04T23:30:00Z");
-  for (const auto& [locale, zone, date] : {std::tuple{"en_US.UTF-8", "UTC", "Mar 4, 2026"},
-                                           {"en_US.UTF-8", "Asia/Tokyo", "Mar 5, 2026"},
-                                           {"de_DE.UTF-8", "Asia/Tokyo", "05.03.2026"},
-                                           {"sr_RS.UTF-8@latin", "Asia/Tokyo", "5. 3. 2026."},
-                                           {"C", "America/New_York", "Mar 4, 2026"},
-                                           {"C", ":/usr/share/zoneinfo/Asia/Tokyo", "Mar 5, 2026"},
-                                           {"C", "CET-1CEST,M3.5.0,M10.5.0/3", "Mar 5, 2026"},
-                                           {"C", "<+03>-3", "Mar 5, 2026"},
-                                           {"C", "Etc/GMT-3", "Mar 5, 2026"},
-                                           {"C", "", "Mar 4, 2026"}}) {
+  for (const auto& [locale, zone, date, time] : {std::tuple{"en_US.UTF-8", "UTC", "Mar 4, 2026", ", 11:30 PM"},
+                                                 {"en_US.UTF-8", "Asia/Tokyo", "Mar 5, 2026", ", 8:30 AM"},
+                                                 {"de_DE.UTF-8", "Asia/Tokyo", "05.03.2026", ", 08:30"},
+                                                 {"sr_RS.UTF-8@latin", "Asia/Tokyo", "5. 3. 2026.", " 08:30"},
+                                                 {"C", "America/New_York", "Mar 4, 2026", ", 6:30 PM"},
+                                                 {"C", ":/usr/share/zoneinfo/Asia/Tokyo", "Mar 5, 2026", ", 8:30 AM"},
+                                                 {"C", "CET-1CEST,M3.5.0,M10.5.0/3", "Mar 5, 2026", ", 12:30 AM"},
+                                                 {"C", "<+03>-3", "Mar 5, 2026", ", 2:30 AM"},
+                                                 {"C", "Etc/GMT-3", "Mar 5, 2026", ", 2:30 AM"},
+                                                 {"C", "", "Mar 4, 2026", ", 11:30 PM"}}) {
     useSettings(locale, zone);
     EXPECT_EQ(humanDateText(instant), date) << locale << ' ' << zone;
+    EXPECT_EQ(humanMomentText(instant), std::string{date} + time) << locale << ' ' << zone;
   }
 }
 

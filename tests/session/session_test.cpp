@@ -21,7 +21,7 @@ TEST(Session, ThatStaysOpenSeesWhatIsWrittenMeanwhile) {
   session.writableStore().write([](Connection& store) {
     store.executeScript(R"sql(
 INSERT INTO person VALUES ('p1', 'Ada Ünal', ''), ('p2', 'Kim', ''), ('p3', 'Kim', '');
-INSERT INTO source_identity VALUES ('i', 'ada@hill.example', '', 0);
+INSERT INTO source_identity (id, address, display_name, name_rank) VALUES ('i', 'ada@hill.example', '', 0);
 INSERT INTO identity_membership VALUES ('m', 'i', 'p1', 'confirmed', NULL);
 INSERT INTO interaction_participant VALUES ('i', 'mail');
 )sql");

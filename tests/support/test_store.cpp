@@ -87,7 +87,8 @@ TestStore::TestStore() : connection_(file(), keyedConfiguration()) {
 void TestStore::addPerson(std::string_view key) {
   const auto identity = named(key, "-identity");
   run("INSERT INTO person VALUES (?, ?, '2020-01-01T00:00:00Z')", key, key);
-  run("INSERT INTO source_identity VALUES (?, ?, ?, 0)", identity, named(key, "@example.org"), key);
+  run("INSERT INTO source_identity (id, address, display_name, name_rank) VALUES (?, ?, ?, 0)", identity,
+      named(key, "@example.org"), key);
   run("INSERT INTO identity_membership VALUES (?, ?, ?, 'confirmed', NULL)", named(key, "-membership"), identity, key);
 }
 

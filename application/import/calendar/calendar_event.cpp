@@ -96,6 +96,9 @@ class EventParser {
       case ICAL_SUMMARY_PROPERTY:
         event_.summary = displayText(icalproperty_get_summary(property));
         break;
+      case ICAL_LOCATION_PROPERTY:
+        event_.location = displayText(icalproperty_get_location(property));
+        break;
       case ICAL_ORGANIZER_PROPERTY:
       case ICAL_ATTENDEE_PROPERTY:
         attendees_.add(property);

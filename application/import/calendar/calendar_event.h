@@ -43,6 +43,7 @@ struct CalendarEvent {
   /// Everyone but those who declined.
   std::vector<CalendarAttendee> people;
   std::string summary;
+  std::string location;
   std::vector<icalrecurrencetype> rules;
   std::vector<EventTime> additions;
   std::vector<EventTime> exclusions;

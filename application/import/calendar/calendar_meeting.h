@@ -32,6 +32,10 @@ struct CalendarMeeting {
   std::vector<CalendarAttendee> people;
   /// UTF-8; empty when the event has no title.
   std::string summary;
+  /// Where it takes place, on one line; empty when the event does not say.
+  std::string location = {};
+  /// It is on a day, or several, and at no time of day; `startsAt` is then the first midnight.
+  bool isAllDay = false;
 
   friend bool operator==(const CalendarMeeting&, const CalendarMeeting&) = default;
 };

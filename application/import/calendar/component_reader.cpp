@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::size_t longestComponent = 1024UZ * 1024UZ;
 
-constexpr std::array<std::string_view, 12> eventProperties{"UID",           "SEQUENCE", "DTSTAMP",   "DTSTART",
-                                                           "RECURRENCE-ID", "RRULE",    "RDATE",     "EXDATE",
-                                                           "STATUS",        "SUMMARY",  "ORGANIZER", "ATTENDEE"};
+constexpr std::array<std::string_view, 13> eventProperties{
+    "UID",    "SEQUENCE", "DTSTAMP", "DTSTART",  "RECURRENCE-ID", "RRULE",   "RDATE",
+    "EXDATE", "STATUS",   "SUMMARY", "LOCATION", "ORGANIZER",     "ATTENDEE"};
 
 bool isEventProperty(std::string_view name) {
   return std::ranges::find(eventProperties, name) != eventProperties.end();

@@ -186,7 +186,9 @@ class Series {
                                 .recurrenceID = repeats ? formatInternetDateTime(name) : std::string{},
                                 .startsAt = startsAt,
                                 .people = revision.event.people,
-                                .summary = revision.event.summary});
+                                .summary = revision.event.summary,
+                                .location = revision.event.location,
+                                .isAllDay = revision.event.startsAt.isDate});
     revision.gaveMeeting = true;
   }
 

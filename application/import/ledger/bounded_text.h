@@ -8,6 +8,7 @@ namespace orvan {
 // Mail from strangers may hold texts of any length; the store keeps as much as people read.
 
 inline constexpr std::size_t mostSubjectCharacters = 500;
+inline constexpr std::size_t mostPlaceCharacters = 300;
 inline constexpr std::size_t mostQuestionCharacters = 300;
 inline constexpr std::size_t mostNameCharacters = 200;
 inline constexpr std::size_t mostMessageIDCharacters = 1000;

@@ -22,6 +22,11 @@ VALUES (?, ?)
 ON CONFLICT(thread_id) DO NOTHING
 )sql";
 
+constexpr const char* updateCalendarTitle = R"sql(
+UPDATE thread_text SET subject = ?2
+WHERE thread_id = ?1 AND subject <> ?2
+)sql";
+
 constexpr const char* insertSourceObject = R"sql(
 INSERT INTO source_object (id, kind, created_at)
 VALUES (?, 'thread', ?)
@@ -59,9 +64,14 @@ ON CONFLICT DO NOTHING
 )sql";
 
 constexpr const char* upsertMeetingText = R"sql(
-INSERT INTO meeting_text (interaction_id, location)
-VALUES (?, ?)
-ON CONFLICT DO UPDATE SET location = excluded.location
+INSERT INTO meeting_text (interaction_id, location, is_all_day)
+VALUES (?, ?, ?)
+ON CONFLICT DO UPDATE SET location = excluded.location, is_all_day = excluded.is_all_day
+)sql";
+
+constexpr const char* deleteMeetingText = R"sql(
+DELETE FROM meeting_text
+WHERE interaction_id = ?
 )sql";
 
 using Pair = std::pair<std::string_view, std::string_view>;
@@ -93,7 +103,8 @@ void HistoryRows::write(const std::string& sourceAccountID, std::string_view now
   writeThreads(now, connection);
   writeInteractions(sourceAccountID, connection);
   writeParticipants(connection);
-  writeTexts(connection);
+  writeMessageTexts(connection);
+  writeMeetingTexts(connection);
   interactions_.clear();
   threads_.clear();
 }
@@ -104,12 +115,15 @@ void HistoryRows::writeThreads(std::string_view now, Connection& connection) {
   threads_.erase(duplicates.begin(), duplicates.end());
   RepeatedStatement thread(connection, insertThread);
   RepeatedStatement text(connection, insertThreadText);
+  RepeatedStatement title(connection, updateCalendarTitle);
   RepeatedStatement object(connection, insertSourceObject);
   for (const auto& row : threads_) {
     thread.execute(row.id, row.sourceType);
     if (connection.changes() > 0) {
       text.execute(row.id, row.subject);
       object.execute(row.id, now);
+    } else if (row.sourceType == "calendar") {
+      title.execute(row.id, row.subject);
     }
   }
 }
@@ -138,15 +152,23 @@ void HistoryRows::writeParticipants(Connection& connection) {
   writePairs(std::move(ofThreads), insertThreadParticipant, connection);
 }
 
-void HistoryRows::writeTexts(Connection& connection) {
-  RepeatedStatement message(connection, insertMessageText);
-  RepeatedStatement meeting(connection, upsertMeetingText);
+void HistoryRows::writeMessageTexts(Connection& connection) {
+  RepeatedStatement insert(connection, insertMessageText);
   for (const auto& row : interactions_) {
     if (!row.messageID.empty()) {
-      message.execute(row.id, row.messageID);
+      insert.execute(row.id, row.messageID);
     }
-    if (!row.location.empty()) {
-      meeting.execute(row.id, row.location);
+  }
+}
+
+void HistoryRows::writeMeetingTexts(Connection& connection) {
+  RepeatedStatement upsert(connection, upsertMeetingText);
+  RepeatedStatement remove(connection, deleteMeetingText);
+  for (const auto& row : interactions_) {
+    if (!row.location.empty() || row.isAllDay) {
+      upsert.execute(row.id, row.location, row.isAllDay ? 1 : 0);
+    } else if (row.kind == "meeting") {
+      remove.execute(row.id);
     }
   }
 }

@@ -27,6 +27,8 @@ struct InteractionRow {
   /// What a mail program finds a mail by, and where a meeting takes place; empty when it is not to be kept.
   std::string messageID = {};
   std::string location = {};
+  /// Of a meeting: it has no time of day.
+  bool isAllDay = false;
 };
 
 /// Collects the rows of a batch and writes each table in the order of its key, so that the pages of the store are
@@ -36,11 +38,12 @@ class HistoryRows {
   /// Makes room for `count` interactions and their threads.
   void reserve(std::size_t count);
   void add(InteractionRow row) { interactions_.push_back(std::move(row)); }
-  /// The thread and the object that a reminder about it names. The first subject told stays.
+  /// The thread and the object that a reminder about it names. Of mail the first subject told stays; a calendar may
+  /// change its title.
   void addThread(std::string threadID, std::string_view sourceType, std::string subject);
 
   /// Writes within the caller's transaction and forgets the rows. An interaction that is there already takes over what
-  /// a changed calendar may change: its time and whether it is between two.
+  /// a changed calendar may change: its time, its place and whether it is between two.
   void write(const std::string& sourceAccountID, std::string_view now, Connection& connection);
 
  private:
@@ -55,7 +58,8 @@ class HistoryRows {
   void writeThreads(std::string_view now, Connection& connection);
   void writeInteractions(const std::string& sourceAccountID, Connection& connection);
   void writeParticipants(Connection& connection);
-  void writeTexts(Connection& connection);
+  void writeMessageTexts(Connection& connection);
+  void writeMeetingTexts(Connection& connection);
 
   std::vector<InteractionRow> interactions_;
   std::vector<Thread> threads_;

@@ -67,7 +67,10 @@ InteractionRow rowOf(const CalendarMeeting& meeting, std::vector<std::string> pa
           "meeting",
           isGroup ? "group" : "direct",
           formatInternetDateTime(meeting.startsAt),
-          std::move(participants)};
+          std::move(participants),
+          {},
+          leadingCharacters(meeting.location, mostPlaceCharacters),
+          meeting.isAllDay};
 }
 
 /// Marks the meeting as seen in this import; whether it was there before.

@@ -28,8 +28,8 @@ struct MeetingReport {
 CalendarWindow importWindow(Instant now);
 
 /// Brings meetings into the canonical tables. A calendar can be imported again when it has changed: meetings that moved
-/// take their new time, and those that are gone from it (cancelled, declined or deleted) are withdrawn unless another
-/// calendar lists them.
+/// take their new time, title and place, and those that are gone from it (cancelled, declined or deleted) are withdrawn
+/// unless another calendar lists them.
 class MeetingImporter {
  public:
   /// `file` only names the calendar, so that its earlier import is found again.

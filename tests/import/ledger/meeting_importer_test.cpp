@@ -17,6 +17,7 @@ struct TestEvent {
   std::string start;
   Texts guests = {zoe};
   std::string more = {};
+  std::string title = "Tea";
 };
 
 class ImportedMeetings : public testing::Test {
@@ -26,8 +27,8 @@ class ImportedMeetings : public testing::Test {
     std::ofstream stream(file);
     stream << "BEGIN:VCALENDAR\nVERSION:2.0\n";
     for (const auto& event : events) {
-      stream << "BEGIN:VEVENT\nUID:" << event.uid << "\nDTSTAMP:20260101T000000Z\nSUMMARY:Tea\nDTSTART:" << event.start
-             << "\nORGANIZER:mailto:" << me << '\n'
+      stream << "BEGIN:VEVENT\nUID:" << event.uid << "\nDTSTAMP:20260101T000000Z\nSUMMARY:" << event.title
+             << "\nDTSTART:" << event.start << "\nORGANIZER:mailto:" << me << '\n'
              << event.more;
       for (const auto& guest : event.guests) {
         stream << "ATTENDEE;PARTSTAT=ACCEPTED:mailto:" << guest << '\n';
@@ -71,6 +72,21 @@ TEST_F(ImportedMeetings, FollowTheirCalendarWhenItChanges) {
   EXPECT_THAT(store.upcoming(), ElementsAre("2026-03-09T09:00:00Z", "2026-03-10T09:00:00Z"));
   EXPECT_THAT(store.people(), ElementsAre(zoe)) << "Ben is no longer invited";
   EXPECT_THAT(store.texts("SELECT DISTINCT conversation_kind FROM source_event"), ElementsAre("direct"));
+}
+
+TEST_F(ImportedMeetings, TakeTheirPlaceAndTitleFromTheCalendarAsItIsNow) {
+  const auto places = [this] { return store.texts("SELECT location || is_all_day FROM meeting_text ORDER BY 1"); };
+  const std::string attic = "LOCATION:The\\nattic\n";
+  import({{.uid = "a", .start = "20260306T090000Z", .more = attic},
+          {.uid = "b", .start = "20260307T090000Z", .more = attic},
+          {.uid = "c", .start = "20260308T090000Z"},
+          {.uid = "d", .start = "20260309"}});
+  EXPECT_THAT(places(), ElementsAre("1", "The attic0", "The attic0"));
+  import({{.uid = "a", .start = "20260306T090000Z", .title = "Supper"},
+          {.uid = "c", .start = "20260308T090000Z", .more = "LOCATION:Café Sol\n"}});
+  EXPECT_THAT(places(), ElementsAre("Café Sol0")) << "one lost it, two were withdrawn";
+  EXPECT_THAT(store.texts("SELECT subject FROM thread_text JOIN interaction USING (thread_id) ORDER BY occurred_at"),
+              ElementsAre("Supper", "Tea"));
 }
 
 TEST_F(ImportedMeetings, GoWithTheLastCalendarThatListsThem) {
