@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <iostream>
 #include <mutex>
+#include <optional>
 
 namespace orvan {
 namespace {
@@ -14,8 +15,6 @@ namespace {
 using Seconds = std::chrono::duration<double>;
 
 constexpr std::chrono::seconds betweenLines{1};
-/// Before that, an estimate would jump about.
-constexpr Seconds soonestEstimate{3};
 
 std::string whole(double number) {
   return std::to_string(static_cast<std::int64_t>(std::round(number)));
@@ -36,27 +35,38 @@ std::string inWords(Seconds remaining) {
                               : "about " + whole(seconds / hour) + " h";
 }
 
+double shareRead(SourceAmount amount) {
+  return amount.total == 0 ? 0 : std::min(static_cast<double>(amount.read) / static_cast<double>(amount.total), 1.0);
+}
+
+/// As fast as batches were stored so far; nothing before there is one.
+std::optional<Seconds> timeLeft(const ImportProgress& progress, ImportTimes times) {
+  const double share = shareRead(progress.amount);
+  if (progress.itemsStored == 0 || share == 0) {
+    return std::nullopt;
+  }
+  const double items = static_cast<double>(progress.itemsRead) / share;
+  return times.latestBatch * (items / static_cast<double>(progress.itemsStored)) - times.now;
+}
+
+double itemsPerSecond(const ImportProgress& progress, ImportTimes times) {
+  return progress.itemsStored == 0 ? static_cast<double>(progress.itemsRead) / times.now.count()
+                                   : static_cast<double>(progress.itemsStored) / times.latestBatch.count();
+}
+
 } // namespace
 
-std::string progressText(const ImportProgress& progress, std::string_view items, Seconds elapsed) {
-  auto text = std::to_string(progress.items) + " " + std::string{items};
-  const double share =
-      progress.amountTotal == 0
-          ? 0
-          : std::min(static_cast<double>(progress.amountRead) / static_cast<double>(progress.amountTotal), 1.0);
-  if (progress.amountTotal > 0) {
-    text += ", " + whole(std::floor(share * 100)) + " %";
-  }
+std::string progressText(const ImportProgress& progress, std::string_view items, ImportTimes times) {
+  auto text = std::to_string(progress.itemsRead) + " " + std::string{items};
+  const double share = shareRead(progress.amount);
   if (share == 1) {
-    return text + ", storing the last of them";
+    text += " read, storing the last of them";
+  } else {
+    text += (share > 0 ? ", " + whole(std::floor(share * 100)) + " %" : "") + ", " +
+            whole(itemsPerSecond(progress, times)) + " a second";
   }
-  if (elapsed >= betweenLines) {
-    text += ", " + whole(static_cast<double>(progress.items) / elapsed.count()) + " a second";
-  }
-  if (elapsed >= soonestEstimate && share > 0) {
-    text += ", " + inWords(elapsed * ((1 - share) / share)) + " left";
-  }
-  return text;
+  const auto left = timeLeft(progress, times);
+  return left ? text + ", " + inWords(*left) + " left" : text;
 }
 
 ProgressLine::ProgressLine(const ImportWatch& watch, std::string_view items) : watch_(watch), items_(items) {
@@ -79,15 +89,22 @@ void ProgressLine::run(const std::stop_token& end) {
   std::unique_lock lock(mutex);
   while (!ended.wait_for(lock, end, betweenLines, [&end] { return end.stop_requested(); })) {
     // A line that is too long for the terminal is cut off by it: one that went on below could not be written over.
-    std::cerr << "\r\033[K\033[?7l" << text() << "\033[?7h" << std::flush;
+    std::cerr << "\r\033[K\033[?7l" + text() + "\033[?7h" << std::flush;
   }
 }
 
-std::string ProgressLine::text() const {
+std::string ProgressLine::text() {
   const auto progress = watch_.progress();
-  return watch_.isStopRequested() ? "Stopping after " + std::to_string(progress.items) + " " + std::string{items_} +
-                                        " (once more ends at once) ..."
-                                  : progressText(progress, items_, std::chrono::steady_clock::now() - start_);
+  const Seconds now = std::chrono::steady_clock::now() - start_;
+  if (watch_.isStopRequested()) {
+    return "Stopping after " + std::to_string(progress.itemsRead) + " " + std::string{items_} +
+           " (once more ends at once) ...";
+  }
+  if (progress.itemsStored != itemsStored_) {
+    itemsStored_ = progress.itemsStored;
+    latestBatch_ = now;
+  }
+  return progressText(progress, items_, {now, latestBatch_});
 }
 
 } // namespace orvan

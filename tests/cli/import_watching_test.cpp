@@ -10,19 +10,22 @@ namespace {
 
 using std::chrono::seconds;
 
+std::string told(const ImportProgress& progress, seconds now, seconds latestBatch = seconds{0}) {
+  return progressText(progress, "messages", {now, latestBatch});
+}
+
 TEST(ProgressOfAnImport, SaysHowMuchIsReadAndAboutHowLongTheRestTakes) {
-  constexpr std::uint64_t total = 1'000'000;
-  EXPECT_EQ(progressText({1000, total / 100, total}, "messages", seconds{1}), "1000 messages, 1 %, 1000 a second");
-  EXPECT_EQ(progressText({20000, total / 5, total}, "messages", seconds{10}),
+  constexpr SourceAmount fifth{.read = 200, .total = 1000};
+  EXPECT_EQ(told({20000, 0, fifth}, seconds{1}), "20000 messages, 20 %, 20000 a second");
+  EXPECT_EQ(told({20000, 10000, fifth}, seconds{10}, seconds{5}),
             "20000 messages, 20 %, 2000 a second, about 40 s left");
-  EXPECT_EQ(progressText({20000, total / 5, total}, "messages", seconds{25}),
-            "20000 messages, 20 %, 800 a second, about 2 min left");
-  EXPECT_EQ(progressText({20000, total / 5, total}, "messages", seconds{2000}),
-            "20000 messages, 20 %, 10 a second, about 2 h left");
-  EXPECT_EQ(progressText({7, 999, 1000}, "events", seconds{5}), "7 events, 99 %, 1 a second, a few seconds left");
-  EXPECT_EQ(progressText({70, total + 1, total}, "messages", seconds{5}),
-            "70 messages, 100 %, storing the last of them");
-  EXPECT_EQ(progressText({70, 500, 0}, "messages", seconds{7}), "70 messages, 10 a second") << "from a pipe";
+  EXPECT_EQ(told({20000, 10000, fifth}, seconds{16}, seconds{10}),
+            "20000 messages, 20 %, 1000 a second, about 1 min left");
+  EXPECT_EQ(told({20000, 10000, fifth}, seconds{700}, seconds{700}),
+            "20000 messages, 20 %, 14 a second, about 2 h left");
+  EXPECT_EQ(told({20000, 15000, {.read = 999, .total = 998}}, seconds{18}, seconds{15}),
+            "20000 messages read, storing the last of them, a few seconds left");
+  EXPECT_EQ(told({70, 0, {.read = 500, .total = 0}}, seconds{7}), "70 messages, 10 a second") << "from a pipe";
 }
 
 TEST(InterruptedImport, IsAskedToStopFirstAndEndsAtOnceTheSecondTime) {

@@ -59,7 +59,6 @@ class BatchReader {
 
  private:
   void run() {
-    watch_.tell({0, source_.amountRead(), source_.amountTotal()});
     bool isMore = true;
     while (isMore) {
       MailBatch batch;
@@ -86,7 +85,7 @@ class BatchReader {
           return false;
         }
         add(std::move(*item), batch);
-        watch_.tell({++itemsRead_, source_.amountRead(), source_.amountTotal()});
+        watch_.tellRead(++itemsRead_, {source_.amountRead(), source_.amountTotal()});
       }
       return true;
     } catch (...) {
@@ -366,11 +365,15 @@ MailReport MailImporter::import(MailSource& source, const BatchWritten& batchWri
 
   MailReport report;
   ImportWatch unwatched;
-  BatchReader reader(source, known, mailsPerBatch_, context_.watch == nullptr ? unwatched : *context_.watch);
+  auto& watch = context_.watch == nullptr ? unwatched : *context_.watch;
+  watch.tellRead(0, {source.amountRead(), source.amountTotal()});
+  watch.tellStored(0);
+  BatchReader reader(source, known, mailsPerBatch_, watch);
   while (auto batch = reader.next()) {
     auto soFar = report;
     store_.write([&](Connection& connection) { BatchWriter(account, now, connection).write(*batch, soFar); });
     report = std::move(soFar);
+    watch.tellStored(report.read);
     store_.withoutTransaction(emptyLog);
     if (batchWritten) {
       batchWritten(report);

@@ -43,7 +43,7 @@ MeetingBatch readBatch(CalendarSource& source, ImportWatch& watch) {
   try {
     while (batch.meetings.size() < meetingsPerBatch && !watch.isStopRequested()) {
       const auto events = source.eventsRead();
-      watch.tell({static_cast<std::int64_t>(events), events, source.eventCount()});
+      watch.tellRead(static_cast<std::int64_t>(events), {events, source.eventCount()});
       auto meeting = source.next();
       if (!meeting) {
         break;
@@ -218,9 +218,11 @@ MeetingReport MeetingImporter::import(CalendarSource& source) {
   MeetingReport report;
   ImportWatch unwatched;
   auto& watch = context_.watch == nullptr ? unwatched : *context_.watch;
+  watch.tellStored(0);
   for (auto batch = readBatch(source, watch); !batch.meetings.empty() || batch.failure;
        batch = readBatch(source, watch)) {
     store_.write([&](Connection& connection) { import.write(batch.meetings, report, connection); });
+    watch.tellStored(static_cast<std::int64_t>(source.eventsRead()));
     if (batch.failure) {
       std::rethrow_exception(batch.failure);
     }

@@ -259,7 +259,7 @@ TEST(CutShortImport, KeepsWhatWasReadBeforeAStopAndLeavesTheRestToTheNext) {
   const auto report = MailImporter(store.queue, context, 3).import(mailbox);
   EXPECT_TRUE(report.isStopped);
   EXPECT_EQ(report.imported, 8) << "with the one that was being read";
-  EXPECT_EQ(watch.progress(), (ImportProgress{.items = 8, .amountRead = 8, .amountTotal = 10}));
+  EXPECT_EQ(watch.progress(), (ImportProgress{8, 8, {.read = 8, .total = 10}}));
   EXPECT_THAT(store.freshness(), ElementsAre("stale"));
 
   EXPECT_EQ(store.import(mails).imported, 2);

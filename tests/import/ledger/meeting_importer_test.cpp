@@ -121,7 +121,7 @@ TEST_F(ImportedMeetings, OutsideTheWindowAreLeftAsTheyWere) {
 
 TEST_F(ImportedMeetings, AreNotWithdrawnByAnImportThatIsStopped) {
   import({{.uid = "a", .start = "20260306T090000Z"}});
-  EXPECT_EQ(watch.progress(), (ImportProgress{.items = 1, .amountRead = 1, .amountTotal = 1}));
+  EXPECT_EQ(watch.progress(), (ImportProgress{1, 1, {.read = 1, .total = 1}}));
   watch.requestStop();
   EXPECT_TRUE(import({{.uid = "b", .start = "20260307T090000Z"}}).isStopped);
   EXPECT_THAT(store.upcoming(), ElementsAre("2026-03-06T09:00:00Z"));
