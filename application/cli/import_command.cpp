@@ -87,8 +87,8 @@ class ImportRun {
     const auto signal = interruption_.signal();
     auto lines = failures_;
     if (signal) {
-      lines.emplace_back(isAnythingLeft_ ? "Stopped. What was read so far is in the store; the next import of the same "
-                                           "brings the rest."
+      lines.emplace_back(isAnythingLeft_ ? "Stopped. What was read so far is in the store; import the same again for "
+                                           "the rest."
                                          : "Stopped, after everything was read.");
     } else if (!failures_.empty() && failures_.size() < mail_.size() + calendars_.size()) {
       lines.emplace_back("Everything else was imported.");

@@ -98,7 +98,7 @@ std::string ProgressLine::text() {
   const Seconds now = std::chrono::steady_clock::now() - start_;
   if (watch_.isStopRequested()) {
     return "Stopping after " + std::to_string(progress.itemsRead) + " " + std::string{items_} +
-           " (once more ends at once) ...";
+           " (Ctrl-C again ends at once) ...";
   }
   if (progress.itemsStored != itemsStored_) {
     itemsStored_ = progress.itemsStored;
