@@ -113,7 +113,7 @@ Import importInto(const std::filesystem::path& store, const std::filesystem::pat
   const double processBefore = processorSeconds(RUSAGE_SELF);
   const double writerBefore = processorSeconds(RUSAGE_THREAD);
   const Stopwatch watch;
-  done.report = importer.import(source, [&](const MailReport&, std::uint64_t, std::uint64_t) {
+  done.report = importer.import(source, [&](const MailReport&) {
     done.largestLog = std::max(done.largestLog, ApplicationStore::logSize(store));
   });
   ApplicationStore::checkpoint(*queue);

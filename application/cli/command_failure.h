@@ -11,6 +11,9 @@ enum class ExitCode {
   failed = 1,
   wrongCommandLine = 2,
   cannotOpen = 3,
+  /// 128 and the number of the signal, as shells have it.
+  interrupted = 130,
+  terminated = 143,
 };
 
 /// Ends a command: one sentence that says what to do, without anything from the user's data.

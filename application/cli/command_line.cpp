@@ -91,7 +91,7 @@ void addFirstCommands(CLI::App& program, Invocation& invocation) {
              {"init", "To begin", "Make the key, if there is none, and an empty encrypted store", "orvan init"},
              runInit);
   auto* import = addCommand(program, invocation,
-                            {"import", "To begin", "Bring in mail and calendars; safe to repeat",
+                            {"import", "To begin", "Bring in mail and calendars; safe to stop and to repeat",
                              "orvan import --me you@example.org --mbox ~/mail/inbox.mbox --ics ~/calendar.ics"},
                             [&invocation](const auto& context) { runImport(context, invocation.import); });
   import->add_option("--me", invocation.import.ownAddresses, "Your own mail addresses (remembered)")

@@ -322,7 +322,8 @@ void HumanOutput::mailReport(std::string_view source, const MailReport& report) 
     line("  " + std::to_string(report.automated) + " written by machines, kept out of histories");
   }
   if (report.elsewhere > 0) {
-    line("  " + std::to_string(report.elsewhere) + " name none of your addresses (name them all with --me)");
+    line("  " + std::to_string(report.elsewhere) +
+         " with none of your addresses on them (name all that are yours with --me)");
   }
   if (report.completed > 0) {
     line("  " + std::to_string(report.completed) + " known so far from a copy that told less");

@@ -1,8 +1,5 @@
-#include <unistd.h>
+#include <signal.h>
 
-#include <algorithm>
-#include <iostream>
-#include <ranges>
 #include <set>
 #include <string>
 #include <utility>
@@ -13,7 +10,9 @@
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
+#include "application/cli/interruption.h"
 #include "application/cli/json_output.h"
+#include "application/cli/progress_line.h"
 #include "application/cli/source_failure.h"
 #include "application/import/address/normal_address.h"
 #include "application/import/ledger/own_addresses.h"
@@ -23,32 +22,6 @@
 
 namespace orvan {
 namespace {
-
-/// One line on the terminal that is written over; nothing when standard error is no terminal.
-class ProgressLine {
- public:
-  ~ProgressLine() { clear(); }
-
-  void show(const MailReport& report, std::uint64_t bytesRead, std::uint64_t bytesTotal) {
-    if (!isTerminal_) {
-      return;
-    }
-    const auto percent = bytesTotal == 0 ? 100 : std::min<std::uint64_t>(bytesRead * 100 / bytesTotal, 100);
-    std::cerr << "\r\033[K" << report.read << " messages, " << percent << " %" << std::flush;
-    isShown_ = true;
-  }
-
-  void clear() {
-    if (isShown_) {
-      std::cerr << "\r\033[K" << std::flush;
-      isShown_ = false;
-    }
-  }
-
- private:
-  bool isTerminal_ = isatty(STDERR_FILENO) != 0;
-  bool isShown_ = false;
-};
 
 std::string ownAddress(const std::string& written) {
   if (auto address = normalAddress(written)) {
@@ -72,11 +45,17 @@ std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Insta
   return {all.begin(), all.end()};
 }
 
-/// Imports one source after the other and tells of each. One that cannot be read does not keep the others away.
+/// Those of shells for what a signal ended.
+ExitCode codeFor(int signal) {
+  return signal == SIGTERM ? ExitCode::terminated : ExitCode::interrupted;
+}
+
+/// Imports one source after the other and tells of each. One that cannot be read does not keep the others away. A
+/// signal ends the run, after what was read so far is in the store.
 class ImportRun {
  public:
   ImportRun(const CommandContext& context, DatabaseQueue& store, std::vector<std::string> ownAddresses)
-      : context_(context), store_(store), import_{std::move(ownAddresses), context.asOf} {}
+      : context_(context), store_(store), import_{std::move(ownAddresses), context.asOf, &watch_} {}
 
   void mbox(const std::filesystem::path& path) {
     take(path, mail_, [&] {
@@ -100,29 +79,41 @@ class ImportRun {
     });
   }
 
-  /// Throws CommandFailure when a source was not imported.
+  /// Throws CommandFailure when a source was not imported, or the run was interrupted.
   void finish() const {
     if (context_.output == OutputForm::json) {
       printJson({{"mail", mail_}, {"calendars", calendars_}});
     }
-    if (failures_.empty()) {
-      return;
+    const auto signal = interruption_.signal();
+    auto lines = failures_;
+    if (signal) {
+      lines.emplace_back(isAnythingLeft_ ? "Stopped. What was read so far is in the store; the next import of the same "
+                                           "brings the rest."
+                                         : "Stopped, after everything was read.");
+    } else if (!failures_.empty() && failures_.size() < mail_.size() + calendars_.size()) {
+      lines.emplace_back("Everything else was imported.");
     }
-    // A line for each.
-    std::string sentences = failures_.front();
-    for (const auto& failure : failures_ | std::views::drop(1)) {
-      sentences += "\n" + failure;
+    if (!lines.empty()) {
+      throw CommandFailure(signal ? codeFor(*signal) : ExitCode::failed, joined(lines));
     }
-    if (failures_.size() < mail_.size() + calendars_.size()) {
-      sentences += "\nEverything else was imported.";
-    }
-    throw CommandFailure(ExitCode::failed, sentences);
   }
 
  private:
+  static std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const auto& line : lines) {
+      text += (text.empty() ? "" : "\n") + line;
+    }
+    return text;
+  }
+
   /// `import` brings in the source at `path` and gives its report. What fails in the store ends the run.
   template <typename Import>
   void take(const std::filesystem::path& path, Json& reports, Import import) {
+    if (watch_.isStopRequested()) {
+      isAnythingLeft_ = true;
+      return;
+    }
     Json entry{{"source", path.string()}, {"error", nullptr}};
     try {
       entry.update(import());
@@ -138,13 +129,11 @@ class ImportRun {
   }
 
   Json mail(MailSource& source, const std::filesystem::path& path) {
-    ProgressLine progress;
-    MailImporter importer(store_, import_);
-    const auto report =
-        importer.import(source, [&](const MailReport& soFar, std::uint64_t bytesRead, std::uint64_t bytesTotal) {
-          progress.show(soFar, bytesRead, bytesTotal);
-        });
-    progress.clear();
+    const auto report = [&] {
+      const ProgressLine progress(watch_, "messages");
+      return MailImporter(store_, import_).import(source);
+    }();
+    isAnythingLeft_ |= report.isStopped;
     if (context_.output == OutputForm::human) {
       HumanOutput{}.mailReport(path.string(), report);
     }
@@ -154,8 +143,11 @@ class ImportRun {
   Json meetings(const std::filesystem::path& path) {
     const std::set<std::string> own{import_.ownAddresses.begin(), import_.ownAddresses.end()};
     CalendarSource source(path, importWindow(import_.now), own);
-    MeetingImporter importer(store_, import_, path);
-    const auto report = importer.import(source);
+    const auto report = [&] {
+      const ProgressLine progress(watch_, "events");
+      return MeetingImporter(store_, import_, path).import(source);
+    }();
+    isAnythingLeft_ |= report.isStopped;
     if (context_.output == OutputForm::human) {
       HumanOutput{}.meetingReport(path.string(), report);
     }
@@ -164,6 +156,9 @@ class ImportRun {
 
   const CommandContext& context_;
   DatabaseQueue& store_;
+  ImportWatch watch_;
+  Interruption interruption_{watch_};
+  bool isAnythingLeft_ = false;
   ImportContext import_;
   Json mail_ = Json::array();
   Json calendars_ = Json::array();

@@ -212,7 +212,8 @@ Json toJson(const MailReport& report) {
   return {{"read", report.read},           {"new", report.imported},
           {"completed", report.completed}, {"known", report.known},
           {"automated", report.automated}, {"elsewhere", report.elsewhere},
-          {"notes", report.notes},         {"skipped", countsByName(report.skipped)}};
+          {"notes", report.notes},         {"skipped", countsByName(report.skipped)},
+          {"stopped", report.isStopped}};
 }
 
 Json toJson(const MeetingReport& report) {
@@ -222,7 +223,8 @@ Json toJson(const MeetingReport& report) {
           {"known", report.known},
           {"withdrawn", report.withdrawn},
           {"skipped", countsByName(report.skipped)},
-          {"notices", countsByName(report.notices)}};
+          {"notices", countsByName(report.notices)},
+          {"stopped", report.isStopped}};
 }
 
 std::string_view caseName(NotShownReason reason) noexcept {

@@ -113,6 +113,7 @@ class CalendarSource::Reading {
   }
 
   std::size_t eventCount = 0;
+  std::size_t eventsRead = 0;
   std::map<CalendarSkip, std::size_t> skipped;
   std::map<CalendarNotice, std::size_t> notices;
 
@@ -126,11 +127,11 @@ class CalendarSource::Reading {
   void list(const ComponentText& event) {
     ++eventCount;
     if (!event.closed) {
-      ++skipped[CalendarSkip::unreadable];
+      leaveOut(CalendarSkip::unreadable);
     } else if (event.tooLarge) {
-      ++skipped[CalendarSkip::tooLarge];
+      leaveOut(CalendarSkip::tooLarge);
     } else if (event.uid.empty()) {
-      ++skipped[CalendarSkip::missingIdentifier];
+      leaveOut(CalendarSkip::missingIdentifier);
     } else {
       const auto [known, isNew] = seriesByUID_.try_emplace(event.uid, series_.size());
       if (isNew) {
@@ -140,7 +141,13 @@ class CalendarSource::Reading {
     }
   }
 
+  void leaveOut(CalendarSkip reason) {
+    ++skipped[reason];
+    ++eventsRead;
+  }
+
   void expand(const std::vector<EventPlace>& places) {
+    eventsRead += places.size();
     std::vector<CalendarEvent> revisions;
     for (const auto& place : places) {
       auto event = read(place);
@@ -192,6 +199,10 @@ std::optional<CalendarMeeting> CalendarSource::next() {
 
 std::size_t CalendarSource::eventCount() const noexcept {
   return reading_->eventCount;
+}
+
+std::size_t CalendarSource::eventsRead() const noexcept {
+  return reading_->eventsRead;
 }
 
 const std::map<CalendarSkip, std::size_t>& CalendarSource::skipped() const noexcept {

@@ -87,6 +87,8 @@ class CalendarSource {
 
   /// How many events the file holds, counting each changed occurrence that it lists as one.
   std::size_t eventCount() const noexcept;
+  /// How many of them next() is done with, those left out included.
+  std::size_t eventsRead() const noexcept;
   /// Events that gave no meeting, by reason. Complete once next() has returned nothing.
   const std::map<CalendarSkip, std::size_t>& skipped() const noexcept;
   /// Assumptions made, by kind, each counted once per event. Complete once next() has returned nothing.

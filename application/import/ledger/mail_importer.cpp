@@ -29,25 +29,23 @@ namespace {
 
 /// Ends a batch of large mails early: two batches stay far below the memory that an import may take.
 constexpr std::size_t mostBytesPerBatch = std::size_t{40} * 1024 * 1024;
-
-struct ReadBatch {
-  MailBatch batch;
-  std::uint64_t bytesRead = 0;
-  std::uint64_t bytesTotal = 0;
-};
+/// Ends a batch from a slow disk or a far folder early: no more than that is lost when the program is killed.
+constexpr std::chrono::seconds longestReading{10};
 
 /// Reads the source on its own thread, a batch ahead of the writer.
 class BatchReader {
  public:
-  BatchReader(MailSource& source, KnownAddresses known, std::size_t mailsPerBatch)
-      : source_(source), known_(std::move(known)), mailsPerBatch_(mailsPerBatch), thread_([this] { run(); }) {}
+  BatchReader(MailSource& source, KnownAddresses known, std::size_t mailsPerBatch, ImportWatch& watch)
+      : source_(source), known_(std::move(known)), mailsPerBatch_(mailsPerBatch), watch_(watch), thread_([this] {
+          run();
+        }) {}
 
   ~BatchReader() { batches_.abandon(); }
   BatchReader(const BatchReader&) = delete;
   BatchReader& operator=(const BatchReader&) = delete;
 
   /// The next batch; nothing at the end. After the end, rethrow() tells whether the source failed.
-  std::optional<ReadBatch> next() { return batches_.take(); }
+  std::optional<MailBatch> next() { return batches_.take(); }
 
   void rethrow() {
     thread_.join();
@@ -56,30 +54,38 @@ class BatchReader {
     }
   }
 
+  /// Whether there is more to read; once rethrow() was called.
+  bool isStopped() const noexcept { return isStopped_; }
+
  private:
   void run() {
     bool isMore = true;
     while (isMore) {
-      ReadBatch read;
-      isMore = fill(read);
-      read.bytesRead = source_.bytesRead();
-      read.bytesTotal = source_.bytesTotal();
-      if (read.batch.size() > 0) {
-        isMore = batches_.give(std::move(read)) && isMore;
+      MailBatch batch;
+      isMore = fill(batch);
+      if (batch.size() > 0) {
+        isMore = batches_.give(std::move(batch)) && isMore;
       }
     }
     batches_.finish();
   }
 
   /// False when there is no more to read. What was read before the source failed is in the batch.
-  bool fill(ReadBatch& read) {
+  bool fill(MailBatch& batch) {
+    const auto end = std::chrono::steady_clock::now() + longestReading;
     try {
-      while (read.batch.size() < mailsPerBatch_ && read.batch.bytes() < mostBytesPerBatch) {
+      while (batch.size() < mailsPerBatch_ && batch.bytes() < mostBytesPerBatch &&
+             std::chrono::steady_clock::now() < end) {
+        if (watch_.isStopRequested()) {
+          isStopped_ = true;
+          return false;
+        }
         auto item = source_.next();
         if (!item) {
           return false;
         }
-        add(std::move(*item), read.batch);
+        add(std::move(*item), batch);
+        watch_.tellRead(++itemsRead_, {source_.amountRead(), source_.amountTotal()});
       }
       return true;
     } catch (...) {
@@ -99,9 +105,12 @@ class BatchReader {
   MailSource& source_;
   KnownAddresses known_;
   std::size_t mailsPerBatch_;
-  Handoff<ReadBatch> batches_;
-  /// Written by the thread, read after it ended.
+  ImportWatch& watch_;
+  std::int64_t itemsRead_ = 0;
+  Handoff<MailBatch> batches_;
+  // Written by the thread, read after it ended.
   std::exception_ptr failure_;
+  bool isStopped_ = false;
   std::jthread thread_;
 };
 
@@ -345,7 +354,7 @@ MailImporter::MailImporter(DatabaseQueue& store, ImportContext context, std::siz
   precondition(mailsPerBatch > 0, "A batch holds at least one mail.");
 }
 
-MailReport MailImporter::import(MailSource& source, const MailProgress& progress) {
+MailReport MailImporter::import(MailSource& source, const BatchWritten& batchWritten) {
   const auto now = formatInternetDateTime(context_.now);
   SourceAccount account;
   const auto known = store_.write([&](Connection& connection) {
@@ -355,17 +364,26 @@ MailReport MailImporter::import(MailSource& source, const MailProgress& progress
   });
 
   MailReport report;
-  BatchReader reader(source, known, mailsPerBatch_);
-  while (auto read = reader.next()) {
+  ImportWatch unwatched;
+  auto& watch = context_.watch == nullptr ? unwatched : *context_.watch;
+  watch.tellRead(0, {source.amountRead(), source.amountTotal()});
+  watch.tellStored(0);
+  BatchReader reader(source, known, mailsPerBatch_, watch);
+  while (auto batch = reader.next()) {
     auto soFar = report;
-    store_.write([&](Connection& connection) { BatchWriter(account, now, connection).write(read->batch, soFar); });
+    store_.write([&](Connection& connection) { BatchWriter(account, now, connection).write(*batch, soFar); });
     report = std::move(soFar);
+    watch.tellStored(report.read);
     store_.withoutTransaction(emptyLog);
-    if (progress) {
-      progress(report, read->bytesRead, read->bytesTotal);
+    if (batchWritten) {
+      batchWritten(report);
     }
   }
   reader.rethrow();
+  if (reader.isStopped()) {
+    report.isStopped = true;
+    return report;
+  }
   store_.write([&](Connection& connection) { recordImportSucceeded(account, now, connection); });
   return report;
 }

@@ -9,6 +9,7 @@
 
 #include "OrvanPlatform/instant.h"
 #include "OrvanStore/database_queue.h"
+#include "application/import/ledger/import_watch.h"
 #include "application/import/ledger/source_progress.h"
 #include "application/import/mail/mail_source.h"
 
@@ -31,10 +32,12 @@ struct MailReport {
   /// Mails that the user wrote to nobody else.
   std::int64_t notes = 0;
   std::map<MailSkipReason, std::int64_t> skipped;
+  /// The import was stopped before the end of the source, and the rest was left for the next.
+  bool isStopped = false;
 };
 
 /// Told after every batch; may be empty.
-using MailProgress = std::function<void(const MailReport& soFar, std::uint64_t bytesRead, std::uint64_t bytesTotal)>;
+using BatchWritten = std::function<void(const MailReport& soFar)>;
 
 /// Who the user is and when the import takes place.
 struct ImportContext {
@@ -42,6 +45,8 @@ struct ImportContext {
   /// imports were told are added to them.
   std::vector<std::string> ownAddresses;
   Instant now;
+  /// May be null; must outlive the import.
+  ImportWatch* watch = nullptr;
 };
 
 /// Brings mail into the canonical tables. Each batch is one write transaction: an import that is cut short leaves whole
@@ -54,12 +59,13 @@ class MailImporter {
   /// Large enough that a batch, written in the order of the keys, visits the pages of a large store few times.
   static constexpr std::size_t usualMailsPerBatch = std::size_t{48} * 1024;
 
-  /// `store` must outlive the importer. A batch ends early when its mails are large.
+  /// `store` must outlive the importer. A batch ends early when its mails are large, or the source is slow.
   MailImporter(DatabaseQueue& store, ImportContext context, std::size_t mailsPerBatch = usualMailsPerBatch);
 
-  /// Reads `source` to its end. Parsing runs on a thread of its own beside the writing. When the source fails part of
-  /// the way, what came before is kept and the source's error is thrown; a fault of the store is thrown as StoreError.
-  MailReport import(MailSource& source, const MailProgress& progress = {});
+  /// Reads `source` to its end, or until the context's watch asks for a stop: then what was read so far is written as a
+  /// last, shorter batch. Parsing runs on a thread of its own beside the writing. When the source fails part of the
+  /// way, what came before is kept and the source's error is thrown; a fault of the store is thrown as StoreError.
+  MailReport import(MailSource& source, const BatchWritten& batchWritten = {});
 
  private:
   DatabaseQueue& store_;

@@ -38,10 +38,12 @@ struct MeetingBatch {
   std::exception_ptr failure;
 };
 
-MeetingBatch readBatch(CalendarSource& source) {
+MeetingBatch readBatch(CalendarSource& source, ImportWatch& watch) {
   MeetingBatch batch;
   try {
-    while (batch.meetings.size() < meetingsPerBatch) {
+    while (batch.meetings.size() < meetingsPerBatch && !watch.isStopRequested()) {
+      const auto events = source.eventsRead();
+      watch.tellRead(static_cast<std::int64_t>(events), {events, source.eventCount()});
       auto meeting = source.next();
       if (!meeting) {
         break;
@@ -214,13 +216,21 @@ MeetingReport MeetingImporter::import(CalendarSource& source) {
   store_.write([&](Connection& connection) { import.begin(context_.ownAddresses, connection); });
 
   MeetingReport report;
-  for (auto batch = readBatch(source); !batch.meetings.empty() || batch.failure; batch = readBatch(source)) {
+  ImportWatch unwatched;
+  auto& watch = context_.watch == nullptr ? unwatched : *context_.watch;
+  watch.tellStored(0);
+  for (auto batch = readBatch(source, watch); !batch.meetings.empty() || batch.failure;
+       batch = readBatch(source, watch)) {
     store_.write([&](Connection& connection) { import.write(batch.meetings, report, connection); });
+    watch.tellStored(static_cast<std::int64_t>(source.eventsRead()));
     if (batch.failure) {
       std::rethrow_exception(batch.failure);
     }
   }
-  store_.write([&](Connection& connection) { import.end(importWindow(context_.now), report, connection); });
+  report.isStopped = watch.isStopRequested();
+  if (!report.isStopped) {
+    store_.write([&](Connection& connection) { import.end(importWindow(context_.now), report, connection); });
+  }
   report.events = static_cast<std::int64_t>(source.eventCount());
   for (const auto& [reason, count] : source.skipped()) {
     report.skipped[reason] += count;

@@ -22,6 +22,8 @@ struct MeetingReport {
   std::int64_t withdrawn = 0;
   std::map<CalendarSkip, std::size_t> skipped;
   std::map<CalendarNotice, std::size_t> notices;
+  /// The import was stopped before the end of the calendar, and the rest was left for the next.
+  bool isStopped = false;
 };
 
 /// The occurrences that are taken from a calendar: from two years before the import to one year after it.
@@ -36,7 +38,8 @@ class MeetingImporter {
   MeetingImporter(DatabaseQueue& store, ImportContext context, const std::filesystem::path& file);
 
   /// Reads `source`, which lists the meetings of importWindow(now), to its end. When the source fails, what came before
-  /// is kept, nothing is withdrawn, and the source's error is thrown.
+  /// is kept, nothing is withdrawn, and the source's error is thrown. The same without an error when the context's
+  /// watch asks for a stop.
   MeetingReport import(CalendarSource& source);
 
  private:

@@ -20,10 +20,10 @@ class MailSource {
   /// on.
   virtual std::optional<MailItem> next() = 0;
 
-  /// How much of the mailbox the items so far account for, in bytes, and how large it was when it was opened. For
-  /// showing progress only: a mailbox that grows meanwhile is read beyond its total.
-  virtual std::uint64_t bytesRead() const noexcept = 0;
-  virtual std::uint64_t bytesTotal() const noexcept = 0;
+  /// How much of the mailbox the items so far account for, in bytes or files, and how large it was when it was opened;
+  /// 0 when that is not known. For showing progress only: a mailbox that grows meanwhile is read beyond its total.
+  virtual std::uint64_t amountRead() const noexcept = 0;
+  virtual std::uint64_t amountTotal() const noexcept = 0;
 };
 
 } // namespace orvan

@@ -65,20 +65,14 @@ MailSourceError errorAt(const fs::path& path) {
   return fs::exists(status) ? MailSourceError::isAFile : MailSourceError::notPermitted;
 }
 
-std::uint64_t sizeOf(const fs::path& file) {
+std::uint64_t countFilesIn(const fs::path& folder) {
   std::error_code error;
-  const auto size = fs::file_size(file, error);
-  return error ? 0 : size;
-}
-
-std::uint64_t sizeOfFilesIn(const fs::path& folder) {
-  std::error_code error;
-  std::uint64_t total = 0;
+  std::uint64_t count = 0;
   fs::directory_iterator entry{folder, error};
   for (; !error && entry != fs::directory_iterator{}; entry.increment(error)) {
-    total += sizeOf(entry->path());
+    count += entry->path().filename().native().starts_with('.') ? 0 : 1;
   }
-  return total;
+  return count;
 }
 
 /// The letters after ":2," at the end of a name. File systems that forbid the colon have "!" or ";" in its place.
@@ -117,7 +111,7 @@ MaildirSource::MaildirSource(const fs::path& path) : parser_{BodyLines::asSent} 
     throw Error{MailSourceError::notAMaildir, path.string()};
   }
   for (const auto& folder : folders_) {
-    bytesTotal_ += sizeOfFilesIn(folder);
+    filesTotal_ += countFilesIn(folder);
   }
 }
 
@@ -130,6 +124,7 @@ std::optional<MailItem> MaildirSource::next() {
       return MailSkip{MailSkipReason::unreadable};
     }
   }
+  ++filesRead_;
   return readMail(names_[nextName_++]);
 }
 
@@ -147,7 +142,6 @@ bool MaildirSource::moveToNextFolder() {
 MailItem MaildirSource::readMail(const std::string& name) {
   const auto path = folder_ / name;
   if (const auto skip = skipForFlags(name)) {
-    bytesRead_ += sizeOf(path);
     return *skip;
   }
   // Anything else than a file, a pipe for one, could keep the reader waiting for ever.
@@ -156,7 +150,6 @@ MailItem MaildirSource::readMail(const std::string& name) {
   }
   try {
     LineReader lines{path};
-    bytesRead_ += lines.fileSize();
     mail_.clear();
     for (; lines.current(); lines.advance()) {
       mail_.append(*lines.current());

@@ -17,13 +17,13 @@ namespace orvan {
 /// A mail that another program renames or removes meanwhile is a skip too.
 class MaildirSource final : public MailSource {
  public:
-  /// Lists the folders and adds up the sizes of their files. Throws Error with a MailSourceError; its text names `path`
-  /// as given.
+  /// Lists the folders and counts their files, by which it measures itself. Throws Error with a MailSourceError; its
+  /// text names `path` as given.
   explicit MaildirSource(const std::filesystem::path& path);
 
   std::optional<MailItem> next() override;
-  std::uint64_t bytesRead() const noexcept override { return bytesRead_; }
-  std::uint64_t bytesTotal() const noexcept override { return bytesTotal_; }
+  std::uint64_t amountRead() const noexcept override { return filesRead_; }
+  std::uint64_t amountTotal() const noexcept override { return filesTotal_; }
 
  private:
   bool moveToNextFolder();
@@ -35,8 +35,8 @@ class MaildirSource final : public MailSource {
   /// The names of the current folder's files, sorted, and the first that was not read yet.
   std::vector<std::string> names_;
   std::size_t nextName_ = 0;
-  std::uint64_t bytesRead_ = 0;
-  std::uint64_t bytesTotal_ = 0;
+  std::uint64_t filesRead_ = 0;
+  std::uint64_t filesTotal_ = 0;
   MailParser parser_;
   RawMail mail_;
 };

@@ -18,11 +18,11 @@ std::optional<MailItem> MboxSource::next() {
   return parser_.parse(mail_);
 }
 
-std::uint64_t MboxSource::bytesRead() const noexcept {
+std::uint64_t MboxSource::amountRead() const noexcept {
   return lines_.position();
 }
 
-std::uint64_t MboxSource::bytesTotal() const noexcept {
+std::uint64_t MboxSource::amountTotal() const noexcept {
   return lines_.fileSize();
 }
 

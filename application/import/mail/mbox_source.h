@@ -23,8 +23,8 @@ class MboxSource final : public MailSource {
   explicit MboxSource(const std::filesystem::path& path);
 
   std::optional<MailItem> next() override;
-  std::uint64_t bytesRead() const noexcept override;
-  std::uint64_t bytesTotal() const noexcept override;
+  std::uint64_t amountRead() const noexcept override;
+  std::uint64_t amountTotal() const noexcept override;
 
  private:
   bool skipTextBeforeFirstMail();

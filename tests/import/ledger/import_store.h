@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -70,25 +70,24 @@ struct TestMail {
   }
 };
 
-/// Gives the items in their order and then ends, or fails.
+/// Gives the items in their order. Before each, and before the end, it tells `before` how many it has given.
 class TestMailbox final : public MailSource {
  public:
-  explicit TestMailbox(std::vector<MailItem> items, bool failsAtTheEnd = false)
-      : items_(std::move(items)), failsAtTheEnd_(failsAtTheEnd) {}
+  explicit TestMailbox(
+      std::vector<MailItem> items, std::function<void(std::size_t given)> before = [](auto) {})
+      : items_(std::move(items)), before_(std::move(before)) {}
 
   std::optional<MailItem> next() override {
-    if (given_ == items_.size() && failsAtTheEnd_) {
-      throw std::runtime_error("the mailbox cannot be read on");
-    }
+    before_(given_);
     return given_ < items_.size() ? std::optional{items_[given_++]} : std::nullopt;
   }
-  std::uint64_t bytesRead() const noexcept override { return given_; }
-  std::uint64_t bytesTotal() const noexcept override { return items_.size(); }
+  std::uint64_t amountRead() const noexcept override { return given_; }
+  std::uint64_t amountTotal() const noexcept override { return items_.size(); }
 
  private:
   std::vector<MailItem> items_;
   std::size_t given_ = 0;
-  bool failsAtTheEnd_;
+  std::function<void(std::size_t given)> before_;
 };
 
 /// An encrypted store to import into, and what the library then tells of it on 5 March 2026.

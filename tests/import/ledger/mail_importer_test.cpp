@@ -179,7 +179,7 @@ TEST(ImportedMail, CountsEveryItemOnceAndTellsOfEveryBatch) {
                        MailSkip{MailSkipReason::noSender}, MailSkip{MailSkipReason::undated}});
   std::vector<std::int64_t> progress;
   const auto report =
-      MailImporter(store.queue, ImportStore::context(), 2).import(mailbox, [&](const MailReport& soFar, auto...) {
+      MailImporter(store.queue, ImportStore::context(), 2).import(mailbox, [&](const MailReport& soFar) {
         progress.push_back(soFar.read);
       });
   EXPECT_THAT(progress, ElementsAre(2, 4, 5));
@@ -231,7 +231,11 @@ TEST(OwnAddress, ToldLaterTakesItsMailAndItsPersonBack) {
 TEST(CutShortImport, KeepsWhatCameBeforeTheSourceFailed) {
   ImportStore store;
   const auto mails = manyMails(10);
-  TestMailbox broken({mails.begin(), mails.begin() + 7}, true);
+  TestMailbox broken({mails.begin(), mails.end()}, [](std::size_t given) {
+    if (given == 7) {
+      throw std::runtime_error("the mailbox cannot be read on");
+    }
+  });
   EXPECT_THROW(MailImporter(store.queue, ImportStore::context(), 3).import(broken), std::runtime_error);
   EXPECT_THAT(store.freshness(), ElementsAre("stale"));
   const auto rerun = store.import(mails);
@@ -239,6 +243,29 @@ TEST(CutShortImport, KeepsWhatCameBeforeTheSourceFailed) {
   EXPECT_EQ(rerun.imported, 3);
   EXPECT_THAT(store.texts("SELECT freshness_state || ' ' || last_successful_sync_at FROM source_progress_projection"),
               ElementsAre("current 2026-03-05T12:00:00Z"));
+}
+
+TEST(CutShortImport, KeepsWhatWasReadBeforeAStopAndLeavesTheRestToTheNext) {
+  ImportStore store;
+  const auto mails = manyMails(10);
+  ImportWatch watch;
+  TestMailbox mailbox({mails.begin(), mails.end()}, [&watch](std::size_t given) {
+    if (given == 7) {
+      watch.requestStop();
+    }
+  });
+  auto context = ImportStore::context();
+  context.watch = &watch;
+  const auto report = MailImporter(store.queue, context, 3).import(mailbox);
+  EXPECT_TRUE(report.isStopped);
+  EXPECT_EQ(report.imported, 8) << "with the one that was being read";
+  EXPECT_EQ(watch.progress(), (ImportProgress{8, 8, {.read = 8, .total = 10}}));
+  EXPECT_THAT(store.freshness(), ElementsAre("stale"));
+
+  EXPECT_EQ(store.import(mails).imported, 2);
+  ImportStore uninterrupted;
+  uninterrupted.import(mails);
+  EXPECT_EQ(store.texts(everything), uninterrupted.texts(everything));
 }
 
 TEST(CutShortImport, LeavesWholeBatchesWhenTheDiskIsFull) {

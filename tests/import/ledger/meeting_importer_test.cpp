@@ -37,10 +37,13 @@ class ImportedMeetings : public testing::Test {
     }
     stream << "END:VCALENDAR\n" << std::flush;
     CalendarSource source(file, importWindow(ImportStore::asOf()), {me});
-    return MeetingImporter(store.queue, ImportStore::context(), file).import(source);
+    auto context = ImportStore::context();
+    context.watch = &watch;
+    return MeetingImporter(store.queue, context, file).import(source);
   }
 
   ImportStore store;
+  ImportWatch watch;
 };
 
 TEST_F(ImportedMeetings, AreUpcomingForEverybodyInvited) {
@@ -114,6 +117,15 @@ TEST_F(ImportedMeetings, OutsideTheWindowAreLeftAsTheyWere) {
   store.run("UPDATE interaction SET occurred_at = '2020-01-01T09:00:00Z'");
   EXPECT_EQ(import({}).withdrawn, 0) << "a calendar that drops its past takes no history away";
   EXPECT_THAT(store.people(), ElementsAre(zoe));
+}
+
+TEST_F(ImportedMeetings, AreNotWithdrawnByAnImportThatIsStopped) {
+  import({{.uid = "a", .start = "20260306T090000Z"}});
+  EXPECT_EQ(watch.progress(), (ImportProgress{1, 1, {.read = 1, .total = 1}}));
+  watch.requestStop();
+  EXPECT_TRUE(import({{.uid = "b", .start = "20260307T090000Z"}}).isStopped);
+  EXPECT_THAT(store.upcoming(), ElementsAre("2026-03-06T09:00:00Z"));
+  EXPECT_THAT(store.freshness(), ElementsAre("stale"));
 }
 
 } // namespace

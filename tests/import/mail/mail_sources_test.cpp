@@ -132,12 +132,12 @@ TEST_F(Mailbox, OfMboxFormIsReadPastWhatIsNoMailAndPastAnySize) {
 TEST_F(Mailbox, TellsHowFarItIsRead) {
   const auto content = entry("one") + "\n" + entry("one");
   MboxSource source{write("inbox", content)};
-  EXPECT_EQ(source.bytesTotal(), content.size());
-  EXPECT_EQ(source.bytesRead(), 0U);
+  EXPECT_EQ(source.amountTotal(), content.size());
+  EXPECT_EQ(source.amountRead(), 0U);
   const auto first = source.next();
-  EXPECT_EQ(source.bytesRead(), entry("one").size() + 1 + separator.size());
+  EXPECT_EQ(source.amountRead(), entry("one").size() + 1 + separator.size());
   EXPECT_EQ(first, source.next()) << "a copy is given as often as it is there";
-  EXPECT_EQ(source.bytesRead(), content.size());
+  EXPECT_EQ(source.amountRead(), content.size());
   EXPECT_EQ(source.next(), std::nullopt);
   EXPECT_EQ(source.next(), std::nullopt);
 }
