@@ -58,8 +58,17 @@ EvidenceFloor::Statements statementsOf(LibrarySide& library, const std::string& 
   std::erase_if(texts, isOfATransaction);
   const auto repeated = std::ranges::unique(texts);
   texts.erase(repeated.begin(), repeated.end());
-  return {texts.at(0), texts.at(1), texts.at(2), texts.at(3),
-          texts.at(4), texts.at(5), texts.at(6), {texts.at(7), texts.at(8), texts.at(9)}};
+  auto restrictions = texts.at(1);
+  std::erase(texts, restrictions);
+  return {texts.at(0),
+          std::move(restrictions),
+          texts.at(1),
+          texts.at(2),
+          texts.at(3),
+          texts.at(4),
+          texts.at(5),
+          texts.at(6),
+          {texts.at(7), texts.at(8), texts.at(9)}};
 }
 
 std::int64_t pageMisses(sqlite3* connection) {

@@ -114,6 +114,7 @@ EvidenceFloor::EvidenceFloor(const std::filesystem::path& file, const Statements
   begin_ = prepare("BEGIN");
   commit_ = prepare("COMMIT");
   schemaCheck_ = prepare(statements.schemaCheck);
+  restrictions_ = prepare(statements.restrictions);
   openThreads_ = prepare(statements.openThreads);
   upcomingInteractions_ = prepare(statements.upcomingInteractions);
   history_ = prepare(statements.history);
@@ -143,6 +144,7 @@ bool EvidenceFloor::hasTables() {
 std::vector<OpenThreadEvidence> EvidenceFloor::openThreads(const std::string& personKey, const std::string& now) {
   const Read read(begin_.get(), commit_.get());
   std::vector<OpenThreadEvidence> found;
+  runOnce(restrictions_.get());
   Run run(openThreads_.get());
   run.with(personKey).with(now).with(now).with(options.maxOpenThreadsPerPerson());
   while (run.next()) {
@@ -158,6 +160,7 @@ std::vector<UpcomingInteractionEvidence> EvidenceFloor::upcomingInteractions(con
                                                                              const std::string& windowEnd) {
   const Read read(begin_.get(), commit_.get());
   std::vector<UpcomingInteractionEvidence> found;
+  runOnce(restrictions_.get());
   Run run(upcomingInteractions_.get());
   run.with(personKey).with(now).with(windowEnd).with(options.maxUpcomingInteractionsPerPerson());
   while (run.next()) {
@@ -171,6 +174,7 @@ std::vector<UpcomingInteractionEvidence> EvidenceFloor::upcomingInteractions(con
 std::vector<ChangedContextDetector::TimestampedInteraction> EvidenceFloor::history(const std::string& personKey) {
   const Read read(begin_.get(), commit_.get());
   std::vector<ChangedContextDetector::TimestampedInteraction> found;
+  runOnce(restrictions_.get());
   Run run(history_.get());
   run.with(personKey);
   while (run.next()) {
@@ -186,6 +190,7 @@ std::vector<ChangedContextDetector::TimestampedInteraction> EvidenceFloor::histo
 std::vector<CommitmentEvidence> EvidenceFloor::commitments(const std::string& personKey) {
   const Read read(begin_.get(), commit_.get());
   std::vector<CommitmentEvidence> found;
+  runOnce(restrictions_.get());
   Run run(commitments_.get());
   run.with(personKey).with(options.maxCommitmentsPerPerson());
   while (run.next()) {
@@ -199,6 +204,7 @@ std::vector<CommitmentEvidence> EvidenceFloor::commitments(const std::string& pe
 std::vector<SourceFreshnessEvidence> EvidenceFloor::freshness(const std::string& personKey) {
   const Read read(begin_.get(), commit_.get());
   std::vector<std::string> accounts;
+  runOnce(restrictions_.get());
   Run run(accounts_.get());
   run.with(personKey);
   while (run.next()) {

@@ -22,6 +22,8 @@ class EvidenceFloor {
   /// freshness is written anew for each number of accounts.
   struct Statements {
     std::string schemaCheck;
+    /// Begun before each statement that leaves out what may not be shown.
+    std::string restrictions;
     std::string openThreads;
     std::string upcomingInteractions;
     std::string history;
@@ -65,6 +67,7 @@ class EvidenceFloor {
   Statement begin_;
   Statement commit_;
   Statement schemaCheck_;
+  Statement restrictions_;
   Statement openThreads_;
   Statement upcomingInteractions_;
   Statement history_;

@@ -15,6 +15,8 @@ endif()
 
 add_library(orvan_warnings INTERFACE)
 target_compile_options(orvan_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  -Wall -Wextra -Wpedantic -Wconversion
+  # Where several sources are compiled as one, it would tell of names in another source.
+  $<$<NOT:$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wshadow>
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
   $<$<BOOL:${ORVAN_WARNINGS_AS_ERRORS}>:-Werror>)

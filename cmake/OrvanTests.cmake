@@ -1,8 +1,12 @@
 include(GoogleTest)
 
-# orvan_test(NAME target SOURCES ... LINKS ...): one GoogleTest program, each of its tests known to CTest by name.
+# orvan_test(NAME target SOURCES ... LINKS ... [SINGLE_THREADED]): one GoogleTest program, each of its tests known to
+# CTest by name. ThreadSanitizer has nothing to tell of one that starts no thread.
 function(orvan_test)
-  cmake_parse_arguments(ARG "" "NAME" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "SINGLE_THREADED" "NAME" "SOURCES;LINKS" ${ARGN})
+  if(ARG_SINGLE_THREADED AND CMAKE_CXX_FLAGS MATCHES "-fsanitize=thread")
+    return()
+  endif()
   orvan_program(NAME ${ARG_NAME} SOURCES ${ARG_SOURCES} LINKS ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   # A test spends its time in the libraries, which keep their optimisation; its own files compile in half the time.
   target_compile_options(${ARG_NAME} PRIVATE -O0)

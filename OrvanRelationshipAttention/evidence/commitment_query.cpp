@@ -4,7 +4,7 @@
 namespace orvan::internal {
 namespace {
 
-constexpr std::string_view untilEligibility = R"sql(SELECT ol.id, ol.kind, ol.evidence_ref, ol.detected_at
+constexpr std::string_view commitmentsUntilEligibility = R"sql(SELECT ol.id, ol.kind, ol.evidence_ref, ol.detected_at
 FROM open_loop ol
 JOIN claim_evidence ce ON ce.id = ol.evidence_ref
 JOIN claim c ON c.id = ce.claim_id AND c.person_id = ol.person_id
@@ -16,16 +16,16 @@ constexpr std::string_view threadOfEvidence =
     "(SELECT ci.thread_id FROM interaction ci WHERE ci.source_event_id = ce.source_event_id ORDER BY ci.id ASC LIMIT "
     "1)";
 
-constexpr std::string_view untilEnd = "\nORDER BY ol.detected_at DESC, ol.id ASC\nLIMIT ?";
+constexpr std::string_view commitmentsUntilEnd = "\nORDER BY ol.detected_at DESC, ol.id ASC\nLIMIT ?";
 
 } // namespace
 
 std::vector<CommitmentEvidence> EvidenceQueries::fetchCommitments(std::string_view personKey,
                                                                   Connection& connection) const {
-  std::string statement{untilEligibility};
+  std::string statement{commitmentsUntilEligibility};
   statement += SourceEligibility::interactionPredicateSQL(
       SourceEligibility::Policy::showable, "ce.id", threadOfEvidence, "ce.source_event_id", "ol.person_id", connection);
-  statement += untilEnd;
+  statement += commitmentsUntilEnd;
 
   std::vector<CommitmentEvidence> commitments;
   auto rows = connection.query(statement, personKey, options_.maxCommitmentsPerPerson());

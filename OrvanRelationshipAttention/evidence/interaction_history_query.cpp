@@ -4,7 +4,7 @@
 namespace orvan::internal {
 namespace {
 
-constexpr std::string_view untilEligibility =
+constexpr std::string_view historyUntilEligibility =
     R"sql(SELECT DISTINCT i.id AS interaction_id, i.occurred_at AS occurred_at
 FROM identity_membership im
 JOIN interaction_participant ip ON ip.source_identity_id = im.source_identity_id
@@ -13,16 +13,16 @@ WHERE im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
   AND im.canonical_person_id = ?
   AND )sql";
 
-constexpr std::string_view untilEnd = "\nORDER BY occurred_at ASC, i.id ASC";
+constexpr std::string_view historyUntilEnd = "\nORDER BY occurred_at ASC, i.id ASC";
 
 } // namespace
 
 std::vector<ChangedContextDetector::TimestampedInteraction> EvidenceQueries::fetchInteractionTimestamps(
     std::string_view personKey, Connection& connection) {
-  std::string statement{untilEligibility};
+  std::string statement{historyUntilEligibility};
   statement += SourceEligibility::interactionPredicateSQL(SourceEligibility::Policy::showable, "i.id", "i.thread_id",
                                                           "i.source_event_id", "im.canonical_person_id", connection);
-  statement += untilEnd;
+  statement += historyUntilEnd;
 
   std::vector<ChangedContextDetector::TimestampedInteraction> history;
   auto rows = connection.query(statement, personKey);

@@ -4,7 +4,8 @@
 namespace orvan::internal {
 namespace {
 
-constexpr std::string_view untilLatestCondition = R"sql(SELECT DISTINCT t.id AS thread_id, t.source_type AS source_type,
+constexpr std::string_view threadsUntilLatestCondition =
+    R"sql(SELECT DISTINCT t.id AS thread_id, t.source_type AS source_type,
        latest.id AS interaction_id, latest.source_event_id AS source_event_id,
        latest.occurred_at AS occurred_at
 FROM identity_membership im
@@ -17,7 +18,7 @@ WHERE im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
   AND latest.source_identity_id = im.source_identity_id
   AND )sql";
 
-constexpr std::string_view untilLaterCondition = R"sql(
+constexpr std::string_view threadsUntilLaterCondition = R"sql(
   AND NOT EXISTS (
     SELECT 1 FROM source_event se
     WHERE se.id = latest.source_event_id AND se.conversation_kind = 'group'
@@ -27,7 +28,7 @@ constexpr std::string_view untilLaterCondition = R"sql(
     WHERE later.thread_id = t.id
       AND )sql";
 
-constexpr std::string_view untilEnd = R"sql(
+constexpr std::string_view threadsUntilEnd = R"sql(
       AND later.occurred_at > latest.occurred_at
   )
 ORDER BY occurred_at DESC, latest.id ASC
@@ -43,13 +44,13 @@ std::vector<OpenThreadEvidence> EvidenceQueries::fetchOpenThreads(std::string_vi
   const auto latestByNow = SourceEligibility::occurredAtAsOfPredicate(asOf, "latest.occurred_at");
   const auto laterByNow = SourceEligibility::occurredAtAsOfPredicate(asOf, "later.occurred_at");
 
-  std::string statement{untilLatestCondition};
+  std::string statement{threadsUntilLatestCondition};
   statement += latestByNow.sql;
   statement += "\n  AND ";
   statement += eligible;
-  statement += untilLaterCondition;
+  statement += threadsUntilLaterCondition;
   statement += laterByNow.sql;
-  statement += untilEnd;
+  statement += threadsUntilEnd;
 
   std::vector<OpenThreadEvidence> threads;
   auto rows = connection.query(statement, personKey, latestByNow.argument, laterByNow.argument,

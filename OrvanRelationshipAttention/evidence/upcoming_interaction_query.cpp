@@ -5,7 +5,7 @@
 namespace orvan::internal {
 namespace {
 
-constexpr std::string_view untilEligibility =
+constexpr std::string_view upcomingUntilEligibility =
     R"sql(SELECT DISTINCT i.id AS interaction_id, i.thread_id AS thread_id, i.source_event_id AS source_event_id,
        t.source_type AS source_type, i.occurred_at AS occurred_at
 FROM identity_membership im
@@ -18,7 +18,7 @@ WHERE im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
   AND i.occurred_at > ? AND i.occurred_at <= ?
   AND )sql";
 
-constexpr std::string_view untilEnd = R"sql(
+constexpr std::string_view upcomingUntilEnd = R"sql(
 ORDER BY occurred_at ASC, i.id ASC
 LIMIT ?)sql";
 
@@ -27,10 +27,10 @@ LIMIT ?)sql";
 std::vector<UpcomingInteractionEvidence> EvidenceQueries::fetchUpcomingInteractions(std::string_view personKey,
                                                                                     Instant asOf,
                                                                                     Connection& connection) const {
-  std::string statement{untilEligibility};
+  std::string statement{upcomingUntilEligibility};
   statement += SourceEligibility::interactionPredicateSQL(SourceEligibility::Policy::showable, "i.id", "i.thread_id",
                                                           "i.source_event_id", "im.canonical_person_id", connection);
-  statement += untilEnd;
+  statement += upcomingUntilEnd;
   const auto after = formatInternetDateTime(asOf);
   const auto upTo = formatInternetDateTime(instantByAddingDays(asOf, options_.upcomingInteractionWindowDays()));
 

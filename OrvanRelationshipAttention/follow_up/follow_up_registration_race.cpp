@@ -11,14 +11,14 @@
 namespace orvan::internal {
 namespace {
 
-using Outcome = std::expected<LiveReminderRegistration, std::exception_ptr>;
+using WorkOutcome = std::expected<LiveReminderRegistration, std::exception_ptr>;
 
 /// Which of the two sides came first. The first to claim decides the outcome; the other finds the matter closed.
 class FollowUpRegistrationDeadline {
  public:
-  explicit FollowUpRegistrationDeadline(Continuation<Outcome> caller) : caller_(std::move(caller)) {}
+  explicit FollowUpRegistrationDeadline(Continuation<WorkOutcome> caller) : caller_(std::move(caller)) {}
 
-  void finish(Outcome outcome) {
+  void finish(WorkOutcome outcome) {
     if (claim()) {
       caller_.resume(std::move(outcome));
     }
@@ -33,7 +33,7 @@ class FollowUpRegistrationDeadline {
   Mutex mutex_;
   bool claimed_ ORVAN_GUARDED_BY(mutex_) = false;
   /// Touched by the claimant alone.
-  Continuation<Outcome> caller_;
+  Continuation<WorkOutcome> caller_;
 };
 
 /// A sleep that ends early counts as the deadline too; only the work's own end is known to find the matter closed.
@@ -43,7 +43,7 @@ Task<void> expire(std::shared_ptr<FollowUpRegistrationDeadline> race, std::share
   race->finish(std::unexpected{std::make_exception_ptr(FollowUpRegistrationTimeout{})});
 }
 
-Task<Outcome> outcomeOf(Task<LiveReminderRegistration> work) {
+Task<WorkOutcome> workOutcome(Task<LiveReminderRegistration> work) {
   try {
     co_return co_await std::move(work);
   } catch (...) {
@@ -54,7 +54,7 @@ Task<Outcome> outcomeOf(Task<LiveReminderRegistration> work) {
 /// `timer` is cancelled once the race is decided: a sleeper keeps an event loop from ending.
 Task<void> carryOut(std::shared_ptr<FollowUpRegistrationDeadline> race, TaskHandle timer,
                     std::function<void()> onWorkFinished, Task<LiveReminderRegistration> work) {
-  Outcome outcome = co_await outcomeOf(std::move(work));
+  WorkOutcome outcome = co_await workOutcome(std::move(work));
   race->finish(std::move(outcome));
   timer.cancel();
   onWorkFinished();
@@ -71,14 +71,14 @@ Task<LiveReminderRegistration> racingRegistrationDeadline(Executor executor, std
                                                           std::function<void()> onWorkFinished,
                                                           Task<LiveReminderRegistration> work) {
   auto start = [executor, clock, deadline, onWorkFinished = std::move(onWorkFinished),
-                work = std::move(work)](Continuation<Outcome> caller) mutable {
+                work = std::move(work)](Continuation<WorkOutcome> caller) mutable {
     const auto race = std::make_shared<FollowUpRegistrationDeadline>(std::move(caller));
     const TaskHandle timer;
     boost::asio::co_spawn(executor, expire(race, clock, deadline, timer), boost::asio::detached);
     boost::asio::co_spawn(executor, carryOut(race, timer, std::move(onWorkFinished), std::move(work)),
                           boost::asio::detached);
   };
-  Outcome outcome = co_await suspended<Outcome>(std::move(start));
+  WorkOutcome outcome = co_await suspended<WorkOutcome>(std::move(start));
   if (!outcome.has_value()) {
     std::rethrow_exception(outcome.error());
   }

@@ -5,7 +5,9 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
+#include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/white_space.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
 #include "application/session/shared_names.h"
@@ -134,6 +136,24 @@ std::vector<CatchUpRow> placed(std::vector<AttentionCatchUpItem> items, std::spa
 
 } // namespace
 
+AttentionEvidenceBundle asKnownAt(Instant asOf, const AttentionEvidenceBundle& bundle) {
+  auto commitments = bundle.commitments();
+  std::erase_if(commitments, [asOf](const CommitmentEvidence& commitment) {
+    const auto detectedAt = parseInternetDateTime(commitment.detectedAt());
+    return detectedAt && *detectedAt > asOf;
+  });
+  return {bundle.personKey(),
+          bundle.generatedAt(),
+          bundle.windowDays(),
+          bundle.openThreads(),
+          bundle.upcomingInteractions(),
+          bundle.changedContext(),
+          std::move(commitments),
+          bundle.sourceFreshness(),
+          bundle.lastUserCorrectionAt(),
+          bundle.userCorrectionCountInWindow()};
+}
+
 std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const AttentionEvidenceBundle& bundle,
                                            Instant asOf) {
   const std::vector people{AttentionCatchUpPerson{person.personKey(), person.displayName(), bundle}};
@@ -142,7 +162,10 @@ std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const 
 }
 
 CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanation) {
-  const auto bundles = session.bundles(asOf);
+  auto bundles = session.bundles(asOf);
+  for (auto& bundle : bundles) {
+    bundle = asKnownAt(asOf, bundle);
+  }
   const auto bundleOf = byPerson(bundles);
   const auto& outlooks = session.outlooks(asOf);
   const auto lookedAt = session.countLookedAt(asOf);

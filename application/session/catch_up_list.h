@@ -63,6 +63,10 @@ enum class Explanation { none, everyone };
 /// Reads the list as it stands at `asOf`. Blocks, on the session's thread; throws what the session throws.
 CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanation);
 
+/// What a list of `asOf` rests on: the bundle without open matters that were noticed only after that moment, which a
+/// compiler does not leave out.
+AttentionEvidenceBundle asKnownAt(Instant asOf, const AttentionEvidenceBundle& bundle);
+
 /// The person's item as it would be without any disposition; nothing when there is no reason to show one.
 std::optional<AttentionCatchUpItem> itemOf(const ProjectedPerson& person, const AttentionEvidenceBundle& bundle,
                                            Instant asOf);

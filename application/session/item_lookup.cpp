@@ -44,7 +44,7 @@ void revalidate(const AttentionCatchUpItem& current, const std::string& itemKey,
 
 FoundItem itemCalled(const std::string& text, Session& session, Instant asOf) {
   const auto keyedPerson = personKeyIn(text);
-  auto bundle = session.bundle(session.personKeyOf(keyedPerson ? *keyedPerson : text), asOf);
+  auto bundle = asKnownAt(asOf, session.bundle(session.personKeyOf(keyedPerson ? *keyedPerson : text), asOf));
   auto current = currentItem(session, bundle, asOf);
   if (keyedPerson) {
     revalidate(current, text, bundle);

@@ -23,7 +23,7 @@ constexpr std::int64_t daysBefore = std::int64_t{2} * 365;
 constexpr std::int64_t daysAfter = 365;
 constexpr std::size_t meetingsPerBatch = 4096;
 constexpr std::size_t calendarNameLength = 13;
-constexpr std::size_t mostParticipants = 200;
+constexpr std::size_t mostAttendees = 200;
 
 std::int64_t numberOfThisImport(const std::string& calendar, Connection& connection) {
   return connection
@@ -185,7 +185,7 @@ class CalendarImport {
   std::vector<std::string> noteParticipants(const CalendarMeeting& meeting, PeopleLedger& people) const {
     std::vector<std::string> participants;
     for (const auto& person : meeting.people) {
-      if (participants.size() < mostParticipants && !ownAddresses_.contains(person.address)) {
+      if (participants.size() < mostAttendees && !ownAddresses_.contains(person.address)) {
         participants.push_back(people.note(person.address, person.displayName, NameSource::others));
       }
     }

@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 17> fieldNames{
     "to",
 };
 
-constexpr char lowerCased(char byte) noexcept {
+constexpr char lowerCasedByte(char byte) noexcept {
   return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
 
@@ -123,8 +123,9 @@ SplitMail splitAtBlankLine(std::string_view mail) noexcept {
 }
 
 bool equalIgnoringCase(std::string_view left, std::string_view right) noexcept {
-  return left.size() == right.size() &&
-         std::ranges::equal(left, right, [](char one, char other) { return lowerCased(one) == lowerCased(other); });
+  return left.size() == right.size() && std::ranges::equal(left, right, [](char one, char other) {
+           return lowerCasedByte(one) == lowerCasedByte(other);
+         });
 }
 
 } // namespace orvan
