@@ -283,15 +283,14 @@ class BatchWriter {
   void note(const PreparedMail& mail, const InteractionRow& row) {
     if (mail.isFromUser()) {
       questions_.reconsiderThread(row.threadID);
-      questions_.reconsiderMails(mail.references);
     } else if (mail.question && mail.standing == MailStanding::direct) {
-      questions_.note({row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *mail.question},
-                      connection_);
+      questions_.note({row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *mail.question});
     }
   }
 
   void settle() {
     setClocksRight(refreshWaitingThreads(touchedThreadIDs_, connection_));
+    questions_.reconsiderMails(threads_.newlyAnswered());
     questions_.reconsiderPeople(contact_.write(connection_));
     questions_.settle(now_, connection_);
   }

@@ -96,6 +96,17 @@ std::unordered_set<std::string> ThreadLedger::endingsOfAnswered() const {
   return endings;
 }
 
+std::vector<MailKey> ThreadLedger::newlyAnswered() const {
+  std::vector<MailKey> keys;
+  for (const auto& [key, mail] : mails_) {
+    if (mail.isNewlyAnswered && mail.standing == MailStanding::direct) {
+      keys.push_back(key);
+    }
+  }
+  std::ranges::sort(keys);
+  return keys;
+}
+
 std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID,
                                     MailStanding standing) {
   std::optional<std::size_t> known = mails_[key].thread;
@@ -113,11 +124,14 @@ std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> refere
     }
     if (standing == MailStanding::own && !referenced.isAnswered) {
       referenced.isAnswered = true;
+      referenced.isNewlyAnswered = true;
       referenced.isChanged = true;
     }
   }
   auto& mail = mails_[key];
-  mail = {thread, standing, mail.isAnswered, true};
+  mail.thread = thread;
+  mail.standing = standing;
+  mail.isChanged = true;
   return thread;
 }
 

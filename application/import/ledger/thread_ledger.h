@@ -30,6 +30,8 @@ class ThreadLedger {
   MailStanding standingOf(MailKey key) const;
   /// How the identifiers end of the mails that one of the user's answers, of all that the batch mentions.
   std::unordered_set<std::string> endingsOfAnswered() const;
+  /// The mails to the user alone that nothing had answered before this batch, and something in it does.
+  std::vector<MailKey> newlyAnswered() const;
 
   /// Places a mail with the mails it refers to and gives the number of its thread in this batch. `newThreadID` becomes
   /// its thread if none of them has one. From now on the mail has that standing; what an own mail refers to is
@@ -51,6 +53,7 @@ class ThreadLedger {
     std::optional<std::size_t> thread;
     MailStanding standing = MailStanding::referenced;
     bool isAnswered = false;
+    bool isNewlyAnswered = false;
     bool isChanged = false;
   };
 

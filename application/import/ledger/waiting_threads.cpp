@@ -23,6 +23,7 @@ constexpr const char* upsertWaiting = R"sql(
 INSERT INTO waiting_thread (thread_id, source_identity_id, since)
 VALUES (?, ?, ?)
 ON CONFLICT DO UPDATE SET source_identity_id = excluded.source_identity_id, since = excluded.since
+WHERE (source_identity_id, since) <> (excluded.source_identity_id, excluded.since)
 )sql";
 
 } // namespace
