@@ -89,13 +89,22 @@ void HistoryRows::addThread(std::string threadID, std::string_view sourceType, s
 }
 
 void HistoryRows::write(const std::string& sourceAccountID, std::string_view now, Connection& connection) {
-  std::ranges::sort(interactions_, {}, &InteractionRow::id);
+  sort();
   writeThreads(now, connection);
   writeInteractions(sourceAccountID, connection);
   writeParticipants(connection);
   writeTexts(connection);
+  sorted_.clear();
   interactions_.clear();
   threads_.clear();
+}
+
+/// Rows are large: it is cheaper to move pointers to them about.
+void HistoryRows::sort() {
+  for (const auto& row : interactions_) {
+    sorted_.push_back(&row);
+  }
+  std::ranges::sort(sorted_, {}, [](const InteractionRow* row) -> const std::string& { return row->id; });
 }
 
 void HistoryRows::writeThreads(std::string_view now, Connection& connection) {
@@ -116,12 +125,12 @@ void HistoryRows::writeThreads(std::string_view now, Connection& connection) {
 
 void HistoryRows::writeInteractions(const std::string& sourceAccountID, Connection& connection) {
   RepeatedStatement event(connection, upsertSourceEvent);
-  for (const auto& row : interactions_) {
-    event.execute(row.id, sourceAccountID, row.conversationKind);
+  for (const auto* row : sorted_) {
+    event.execute(row->id, sourceAccountID, row->conversationKind);
   }
   RepeatedStatement interaction(connection, upsertInteraction);
-  for (const auto& row : interactions_) {
-    interaction.execute(row.id, row.threadID, row.senderIdentityID, row.direction, row.kind, row.occurredAt);
+  for (const auto* row : sorted_) {
+    interaction.execute(row->id, row->threadID, row->senderIdentityID, row->direction, row->kind, row->occurredAt);
   }
 }
 
@@ -141,12 +150,12 @@ void HistoryRows::writeParticipants(Connection& connection) {
 void HistoryRows::writeTexts(Connection& connection) {
   RepeatedStatement message(connection, insertMessageText);
   RepeatedStatement meeting(connection, upsertMeetingText);
-  for (const auto& row : interactions_) {
-    if (!row.messageID.empty()) {
-      message.execute(row.id, row.messageID);
+  for (const auto* row : sorted_) {
+    if (!row->messageID.empty()) {
+      message.execute(row->id, row->messageID);
     }
-    if (!row.location.empty()) {
-      meeting.execute(row.id, row.location);
+    if (!row->location.empty()) {
+      meeting.execute(row->id, row->location);
     }
   }
 }

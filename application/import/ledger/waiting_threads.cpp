@@ -28,7 +28,7 @@ WHERE (source_identity_id, since) <> (excluded.source_identity_id, excluded.sinc
 
 } // namespace
 
-std::vector<WaitingMail> refreshWaitingThreads(const std::set<std::string>& threadIDs, Connection& connection) {
+std::vector<WaitingMail> refreshWaitingThreads(std::span<const std::string> threadIDs, Connection& connection) {
   std::vector<WaitingMail> waiting;
   RepeatedStatement select(connection, selectLatest);
   RepeatedStatement upsert(connection, upsertWaiting);
