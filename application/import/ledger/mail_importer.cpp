@@ -279,11 +279,12 @@ class BatchWriter {
     }
   }
 
-  void note(const PreparedMail& mail, const InteractionRow& row, std::size_t thread) {
+  void note(PreparedMail& mail, const InteractionRow& row, std::size_t thread) {
     if (mail.isFromUser() && threads_.isStored(thread)) {
       questions_.reconsiderThread(row.threadID);
     } else if (mail.question && mail.standing == MailStanding::direct) {
-      questions_.note({row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *mail.question});
+      questions_.note(
+          {row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *std::move(mail.question)});
     }
   }
 

@@ -50,7 +50,8 @@ WHERE EXISTS (SELECT 1 FROM mail_reference WHERE message_key = ?1 AND is_answere
                             AND reader.interaction_id = answer.id
                            WHERE known.thread_id = ?2)))
 )sql",
-                            std::to_underlying(question.mail), question.threadID, question.sourceIdentityID, question.askedAt)
+                            std::to_underlying(question.mail), question.threadID, question.sourceIdentityID,
+                            question.askedAt)
       .has_value();
 }
 
@@ -103,8 +104,7 @@ void closeLoop(const AskedQuestion& question, Connection& connection) {
                      openLoopIDOf(question));
 }
 
-void openLoop(const AskedQuestion& question, std::string_view personID, std::string_view now,
-              Connection& connection) {
+void openLoop(const AskedQuestion& question, std::string_view personID, std::string_view now, Connection& connection) {
   const auto claimID = question.interactionID + "-question";
   const auto evidenceID = question.interactionID + "-evidence";
   connection.execute("INSERT OR IGNORE INTO claim (id, person_id, kind, created_at) VALUES (?, ?, 'asked_question', ?)",
