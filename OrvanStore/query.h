@@ -31,6 +31,8 @@ class Query {
 
   /// Binds to the placeholder at `position`, counting from 1; an absent value binds NULL.
   void bind(int position, std::string_view text) { statement_->bind(position, text); }
+  /// The same without a copy: the text must stay where it is until the run ends.
+  void bindInPlace(int position, std::string_view text) { statement_->bindInPlace(position, text); }
   void bind(int position, std::integral auto number) { statement_->bind(position, static_cast<std::int64_t>(number)); }
   void bind(int position, std::nullopt_t /*absent*/) { statement_->bindNull(position); }
   template <typename Value>

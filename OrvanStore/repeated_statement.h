@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+#include <optional>
 #include <string_view>
 
 #include "OrvanStore/connection.h"
@@ -15,7 +17,8 @@ class RepeatedStatement {
   /// Runs the statement to its end; rows it may yield are passed over.
   template <typename... Arguments>
   void execute(const Arguments&... arguments) {
-    start(arguments...);
+    int position = 0;
+    (bindInPlace(++position, arguments), ...);
     while (query_.next()) {
     }
     query_.restart();
@@ -25,15 +28,22 @@ class RepeatedStatement {
   template <typename... Arguments>
   Query& query(const Arguments&... arguments) {
     query_.restart();
-    start(arguments...);
+    int position = 0;
+    (query_.bind(++position, arguments), ...);
     return query_;
   }
 
  private:
-  template <typename... Arguments>
-  void start(const Arguments&... arguments) {
-    int position = 0;
-    (query_.bind(++position, arguments), ...);
+  // The arguments outlive the run, so that their texts need not be copied.
+  void bindInPlace(int position, std::string_view text) { query_.bindInPlace(position, text); }
+  void bindInPlace(int position, std::integral auto number) { query_.bind(position, number); }
+  template <typename Value>
+  void bindInPlace(int position, const std::optional<Value>& value) {
+    if (value) {
+      bindInPlace(position, *value);
+    } else {
+      query_.bind(position, std::nullopt);
+    }
   }
 
   Query query_;

@@ -22,9 +22,17 @@ Statement::Statement(sqlite3* connection, std::string_view sql) : sql_(sql) {
 }
 
 void Statement::bind(int position, std::string_view text) {
+  bindText(position, text, SQLITE_TRANSIENT);
+}
+
+void Statement::bindInPlace(int position, std::string_view text) {
+  bindText(position, text, SQLITE_STATIC);
+}
+
+void Statement::bindText(int position, std::string_view text, sqlite3_destructor_type owner) {
   // An empty view may hold a null pointer, which would bind NULL.
   const char* bytes = text.empty() ? "" : text.data();
-  check(sqlite3_bind_text64(handle_.get(), position, bytes, text.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+  check(sqlite3_bind_text64(handle_.get(), position, bytes, text.size(), owner, SQLITE_UTF8));
 }
 
 void Statement::bind(int position, std::int64_t number) {

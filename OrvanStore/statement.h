@@ -32,6 +32,8 @@ class Statement {
 
   /// Binds to the placeholder at `position`, counting from 1. Text is copied.
   void bind(int position, std::string_view text);
+  /// Binds without copying: the text must stay where it is until reset().
+  void bindInPlace(int position, std::string_view text);
   void bind(int position, std::int64_t number);
   void bindNull(int position);
 
@@ -57,6 +59,7 @@ class Statement {
     void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
   };
 
+  void bindText(int position, std::string_view text, sqlite3_destructor_type owner);
   void check(int code) const;
 
   std::string sql_;

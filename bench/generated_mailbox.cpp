@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t threadsAtOnce = 600;
 constexpr std::size_t mailsOfAHeavyCorrespondent = 20'000;
 constexpr std::size_t mailsPerHeavyCorrespondent = 200'000;
+constexpr std::size_t meanOfOthers = 275;
 constexpr std::size_t bodyLength = 560;
 
 constexpr std::array words{"the",   "garden", "next",  "week",   "before", "train",  "we",    "letter", "kitchen",
@@ -39,16 +40,25 @@ std::string dateOf(std::uint64_t secondsSinceStart) {
 
 } // namespace
 
-GeneratedMailbox::GeneratedMailbox(std::size_t mails) : remaining_(mails) {
+GeneratedMailbox::GeneratedMailbox(std::size_t mails, std::size_t people) : remaining_(mails) {
+  shareOut(mails, people);
+  while (threads_.size() < threadsAtOnce) {
+    threads_.push_back(startThread());
+  }
+}
+
+/// Shares only say how often somebody is drawn, so that those of a given number of people need not add up to `mails`.
+void GeneratedMailbox::shareOut(std::size_t mails, std::size_t people) {
   std::size_t total = 0;
   for (std::size_t heavy = 0; heavy < mails / mailsPerHeavyCorrespondent; ++heavy) {
     shares_.push_back(total += mailsOfAHeavyCorrespondent);
   }
-  while (total < mails) {
-    shares_.push_back(total += 50 + below(450));
-  }
-  while (threads_.size() < threadsAtOnce) {
-    threads_.push_back(startThread());
+  const std::size_t mailsOfOthers = mails - std::min(mails, total);
+  const std::size_t others = people - std::min(people, shares_.size());
+  for (std::size_t other = 0; people == 0 ? total < mails : other < others; ++other) {
+    const std::size_t usual = 50 + below(450);
+    const std::size_t share = people == 0 ? usual : usual * mailsOfOthers / (others * meanOfOthers);
+    shares_.push_back(total += std::max<std::size_t>(share, 1));
   }
 }
 
@@ -129,9 +139,9 @@ void GeneratedMailbox::appendBody(bool asks, std::string& text) {
   text += asks ? "\nWill you be there on Thursday?\n\n" : "\n\n";
 }
 
-std::uintmax_t writeGeneratedMailbox(std::size_t mails, const std::filesystem::path& file) {
+std::uintmax_t writeGeneratedMailbox(std::size_t mails, std::size_t people, const std::filesystem::path& file) {
   constexpr std::size_t flushAt = 1 << 20;
-  GeneratedMailbox mailbox(mails);
+  GeneratedMailbox mailbox(mails, people);
   std::ofstream stream(file, std::ios::binary);
   std::string text;
   while (mailbox.appendNext(text)) {

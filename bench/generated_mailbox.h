@@ -18,7 +18,9 @@ class GeneratedMailbox {
   /// The user's address in all of it.
   static constexpr std::string_view ownAddress = "mira@home.example";
 
-  explicit GeneratedMailbox(std::size_t mails);
+  /// With `people` correspondents, who then have more or fewer mails each; as many as come of the usual numbers when
+  /// it is 0.
+  explicit GeneratedMailbox(std::size_t mails, std::size_t people = 0);
 
   /// Appends the next mail, as an mbox file holds it, to `text`; false at the end.
   bool appendNext(std::string& text);
@@ -36,6 +38,7 @@ class GeneratedMailbox {
 
   std::uint64_t below(std::uint64_t limit) { return random_() % limit; }
   std::size_t drawCorrespondent();
+  void shareOut(std::size_t mails, std::size_t people);
   Thread startThread();
   std::string drawMessageID();
   void appendHeader(const Thread& thread, const std::string& messageID, std::string& text);
@@ -51,6 +54,6 @@ class GeneratedMailbox {
 };
 
 /// Writes the whole mailbox to `file` and returns its size in bytes.
-std::uintmax_t writeGeneratedMailbox(std::size_t mails, const std::filesystem::path& file);
+std::uintmax_t writeGeneratedMailbox(std::size_t mails, std::size_t people, const std::filesystem::path& file);
 
 } // namespace orvan

@@ -1,7 +1,7 @@
-// Imports a generated mailbox into a new store, then compiles evidence from it, and prints counts and ratios. Counts
-// repeat exactly on every machine; seconds do not.
+// Imports a generated mailbox into a new store, then compiles evidence from it and makes the catch-up list, and prints
+// counts and ratios. Counts repeat exactly on every machine; seconds do not, and are without the derivation of keys.
 //
-//   import_benchmark [--mails N] [--batch MAILS] [--folder FOLDER] [--quick]
+//   import_benchmark [--mails N] [--people N] [--batch MAILS] [--folder FOLDER] [--quick]
 //
 // With --quick the mailbox is small and the counts are held against limits; the exit code tells whether they hold.
 
@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,11 +21,17 @@
 #include <vector>
 
 #include "OrvanObservatory/projection_reader.h"
+#include "OrvanPlatform/internet_date_time.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler.h"
+#include "OrvanSpineCore/key_file.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/mail/mbox_source.h"
+#include "application/session/catch_up_list.h"
+#include "application/session/session.h"
 #include "application/store/application_store.h"
 #include "generated_mailbox.h"
+#include "page_misses.h"
+#include "tests/support/test_store.h"
 
 namespace orvan {
 namespace {
@@ -32,29 +39,19 @@ namespace {
 constexpr Instant importedAt = std::chrono::sys_days{std::chrono::year{2026} / 3 / 5};
 constexpr std::size_t peopleCompiled = 200;
 
-class FixedKey final : public CredentialSource {
- public:
-  std::optional<SecretBytes> loadLocalStoreKey() const override {
-    return SecretBytes(std::vector<unsigned char>(32, 7));
-  }
-};
+/// Where a run keeps what it makes.
+struct Files {
+  std::filesystem::path mbox;
+  std::filesystem::path store;
+  std::filesystem::path key;
 
-CredentialVault vault() {
-  return CredentialVault{std::make_shared<FixedKey>()};
-}
+  CredentialVault vault() const { return CredentialVault{std::make_shared<KeyFile>(key)}; }
+};
 
 class NoProjection final : public ProjectionReader {
  public:
   Task<Projection> project(std::int64_t /*minimumInteractions*/) override { co_return Projection{{}}; }
 };
-
-/// The handle that was opened last: the compiler does not give its own away.
-sqlite3* lastOpened = nullptr;
-
-int rememberHandle(sqlite3* handle, char** /*error*/, const void* /*api*/) {
-  lastOpened = handle;
-  return SQLITE_OK;
-}
 
 class Stopwatch {
  public:
@@ -105,16 +102,16 @@ struct Import {
   double writerSeconds = 0;
 };
 
-Import importInto(const std::filesystem::path& store, const std::filesystem::path& mbox, std::size_t mailsPerBatch) {
-  const auto queue = ApplicationStore::open(store, vault(), ApplicationStore::Access::write);
+Import importInto(const Files& files, std::size_t mailsPerBatch) {
+  const auto queue = ApplicationStore::open(files.store, files.vault(), ApplicationStore::Access::write);
   MailImporter importer(*queue, {{std::string{GeneratedMailbox::ownAddress}}, importedAt}, mailsPerBatch);
-  MboxSource source{mbox};
+  MboxSource source{files.mbox};
   Import done;
   const double processBefore = processorSeconds(RUSAGE_SELF);
   const double writerBefore = processorSeconds(RUSAGE_THREAD);
   const Stopwatch watch;
   done.report = importer.import(source, [&](const MailReport&) {
-    done.largestLog = std::max(done.largestLog, ApplicationStore::logSize(store));
+    done.largestLog = std::max(done.largestLog, ApplicationStore::logSize(files.store));
   });
   ApplicationStore::checkpoint(*queue);
   done.seconds = watch.seconds();
@@ -127,8 +124,8 @@ Import importInto(const std::filesystem::path& store, const std::filesystem::pat
   return done;
 }
 
-std::vector<std::string> people(const std::filesystem::path& store, std::string_view sql) {
-  const auto queue = ApplicationStore::open(store, vault(), ApplicationStore::Access::read);
+std::vector<std::string> people(const Files& files, std::string_view sql) {
+  const auto queue = ApplicationStore::open(files.store, files.vault(), ApplicationStore::Access::read);
   return queue->read([&](Connection& connection) {
     std::vector<std::string> keys;
     auto rows = connection.query(sql, peopleCompiled);
@@ -139,13 +136,13 @@ std::vector<std::string> people(const std::filesystem::path& store, std::string_
   });
 }
 
-std::vector<std::string> firstPeople(const std::filesystem::path& store) {
-  return people(store, "SELECT id FROM person ORDER BY id LIMIT ?");
+std::vector<std::string> firstPeople(const Files& files) {
+  return people(files, "SELECT id FROM person ORDER BY id LIMIT ?");
 }
 
 /// Those whose history is nearest to the median.
-std::vector<std::string> usualPeople(const std::filesystem::path& store) {
-  return people(store, R"sql(
+std::vector<std::string> usualPeople(const Files& files) {
+  return people(files, R"sql(
 WITH history AS (
   SELECT membership.canonical_person_id AS person, count(*) AS length
   FROM identity_membership membership
@@ -164,8 +161,9 @@ struct Compilation {
   double seconds = 0;
 };
 
-Compilation compile(const std::filesystem::path& store, const std::vector<std::string>& keys) {
-  AttentionEvidenceCompiler compiler(store, vault(), std::make_shared<NoProjection>(),
+Compilation compile(const Files& files, const std::vector<std::string>& keys) {
+  const auto missesBefore = bench::pageMisses();
+  AttentionEvidenceCompiler compiler(files.store, files.vault(), std::make_shared<NoProjection>(),
                                      AttentionEvidenceCompilerOptions::defaults);
   Compilation done;
   const Stopwatch watch;
@@ -174,12 +172,49 @@ Compilation compile(const std::filesystem::path& store, const std::vector<std::s
     done.withEvidence += bundle.isEmpty() ? 0U : 1U;
   }
   done.seconds = watch.seconds();
-  done.pageMisses = pageCount(lastOpened, SQLITE_DBSTATUS_CACHE_MISS);
+  done.pageMisses = bench::pageMisses() - missesBefore;
+  return done;
+}
+
+/// A second after the newest interaction.
+Instant momentOfTheList(const Files& files) {
+  const auto queue = ApplicationStore::open(files.store, files.vault(), ApplicationStore::Access::read);
+  const auto newest = queue->read([](Connection& connection) {
+    return connection.fetchOptionalText("SELECT max(occurred_at) FROM interaction").value();
+  });
+  return parseInternetDateTime(newest).value() + std::chrono::seconds{1};
+}
+
+struct ListMaking {
+  std::uintmax_t pageMisses = 0;
+  std::size_t people = 0;
+  std::size_t lookedAt = 0;
+  std::size_t rows = 0;
+  double seconds = 0;
+  double processorSeconds = 0;
+};
+
+/// Makes the list in a new session, as a program that has just started does.
+ListMaking makeList(const Files& files, Instant asOf, std::int64_t cap) {
+  const auto missesBefore = bench::pageMisses();
+  const double processBefore = processorSeconds(RUSAGE_SELF);
+  const Stopwatch watch;
+  Session session({.store = files.store, .keyFile = files.key, .peopleCap = cap});
+  const auto list = makeCatchUpList(session, asOf, Explanation::none);
+  ListMaking done;
+  done.seconds = watch.seconds();
+  done.processorSeconds = processorSeconds(RUSAGE_SELF) - processBefore;
+  done.pageMisses = bench::pageMisses() - missesBefore;
+  done.people = session.outlooks(asOf).size();
+  done.lookedAt = session.countLookedAt(asOf);
+  done.rows = list.rows.size();
   return done;
 }
 
 struct Settings {
   std::size_t mails = 1'000'000;
+  /// As many as the mailbox gives the user by itself when it is 0.
+  std::size_t people = 0;
   std::size_t mailsPerBatch = MailImporter::usualMailsPerBatch;
   std::filesystem::path folder = std::filesystem::temp_directory_path();
   bool isQuick = false;
@@ -206,14 +241,13 @@ class Counts {
   bool hold_ = true;
 };
 
-void measureFirstImport(const Settings& settings, const std::filesystem::path& store, const std::filesystem::path& mbox,
-                        Counts& counts) {
-  const double parseSeconds = parseAlone(mbox);
-  ApplicationStore::create(store, vault());
-  const auto import = importInto(store, mbox, settings.mailsPerBatch);
+void measureFirstImport(const Settings& settings, const Files& files, Counts& counts) {
+  const double parseSeconds = parseAlone(files.mbox);
+  ApplicationStore::create(files.store, files.vault());
+  const auto import = importInto(files, settings.mailsPerBatch);
   const auto mails = static_cast<double>(settings.mails);
   counts.tell("mails imported", static_cast<std::uintmax_t>(import.report.imported));
-  counts.judge("store bytes per mail", std::filesystem::file_size(store) / settings.mails, 650);
+  counts.judge("store bytes per mail", std::filesystem::file_size(files.store) / settings.mails, 650);
   counts.judge("largest log, kilobytes", import.largestLog / 1024, 12'000);
   counts.judge("pages missed while importing", import.pagesMissed, 1000);
   counts.judge("pages written while importing", import.pagesWritten, 12'000);
@@ -225,32 +259,48 @@ void measureFirstImport(const Settings& settings, const std::filesystem::path& s
   counts.tell("import time to parse time", import.seconds / parseSeconds);
 }
 
-void measureCompiling(const std::filesystem::path& store, Counts& counts) {
-  const auto inKeyOrder = compile(store, firstPeople(store));
+void measureCompiling(const Files& files, Counts& counts) {
+  const auto inKeyOrder = compile(files, firstPeople(files));
   counts.judge("page misses, first 200 people", inKeyOrder.pageMisses, 2500);
-  const auto usual = compile(store, usualPeople(store));
+  const auto usual = compile(files, usualPeople(files));
   counts.judge("page misses, 200 usual people", usual.pageMisses, 2500);
   counts.tell("people of these with evidence", inKeyOrder.withEvidence + usual.withEvidence);
   counts.tell("compile seconds", inKeyOrder.seconds + usual.seconds);
 }
 
-void measureSecondImport(const Settings& settings, const std::filesystem::path& store,
-                         const std::filesystem::path& mbox, Counts& counts) {
-  const auto import = importInto(store, mbox, settings.mailsPerBatch);
+void measureLists(const Files& files, Counts& counts) {
+  const auto asOf = momentOfTheList(files);
+  const auto usual = makeList(files, asOf, AttentionEvidenceCompilerOptions::defaults.maxPeopleGlobalCap());
+  counts.tell("people", std::uintmax_t{usual.people});
+  counts.tell("list: looked at", std::uintmax_t{usual.lookedAt});
+  counts.tell("list: rows", std::uintmax_t{usual.rows});
+  counts.judge("list: page misses", usual.pageMisses, 2500);
+  counts.tell("list: seconds", usual.seconds);
+  counts.tell("list: processor seconds", usual.processorSeconds);
+  const auto uncapped = makeList(files, asOf, std::numeric_limits<std::int32_t>::max());
+  counts.tell("list without a cap: looked at", std::uintmax_t{uncapped.lookedAt});
+  counts.tell("list without a cap: rows", std::uintmax_t{uncapped.rows});
+  counts.judge("list without a cap: page misses", uncapped.pageMisses, 2500);
+  counts.tell("list without a cap: processor seconds", uncapped.processorSeconds);
+}
+
+void measureSecondImport(const Settings& settings, const Files& files, Counts& counts) {
+  const auto import = importInto(files, settings.mailsPerBatch);
   counts.judge("mails taken twice", static_cast<std::uintmax_t>(import.report.read - import.report.known), 0);
   counts.tell("mails a second, imported again", static_cast<double>(settings.mails) / import.seconds);
 }
 
 bool run(const Settings& settings, const std::filesystem::path& folder) {
-  const auto mbox = folder / "mailbox.mbox";
-  const auto store = folder / "store.db";
+  const Files files{folder / "mailbox.mbox", folder / "store.db", folder / "key"};
+  KeyFile(files.key).create();
   Counts counts(settings.isQuick);
-  counts.tell("mailbox bytes", writeGeneratedMailbox(settings.mails, mbox));
-  measureFirstImport(settings, store, mbox, counts);
+  counts.tell("mailbox bytes", writeGeneratedMailbox(settings.mails, settings.people, files.mbox));
+  measureFirstImport(settings, files, counts);
   std::fflush(stdout);
-  measureCompiling(store, counts);
+  measureCompiling(files, counts);
+  measureLists(files, counts);
   std::fflush(stdout);
-  measureSecondImport(settings, store, mbox, counts);
+  measureSecondImport(settings, files, counts);
   return counts.hold();
 }
 
@@ -264,6 +314,8 @@ Settings settingsOf(int count, char** arguments) {
       settings.mailsPerBatch = 4096;
     } else if (argument == "--mails" && index + 1 < count) {
       settings.mails = std::strtoull(arguments[++index], nullptr, 10);
+    } else if (argument == "--people" && index + 1 < count) {
+      settings.people = std::strtoull(arguments[++index], nullptr, 10);
     } else if (argument == "--batch" && index + 1 < count) {
       settings.mailsPerBatch = std::strtoull(arguments[++index], nullptr, 10);
     } else if (argument == "--folder" && index + 1 < count) {
@@ -277,7 +329,8 @@ Settings settingsOf(int count, char** arguments) {
 } // namespace orvan
 
 int main(int count, char** arguments) {
-  sqlite3_auto_extension(reinterpret_cast<void (*)()>(orvan::rememberHandle));
+  orvan::bench::countPageMisses();
+  orvan::deriveKeysQuickly();
   const auto settings = orvan::settingsOf(count, arguments);
   std::string name = (settings.folder / "orvan-import-XXXXXX").native();
   const std::filesystem::path folder = mkdtemp(name.data());

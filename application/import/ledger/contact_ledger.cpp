@@ -75,6 +75,9 @@ void ContactLedger::widen(const std::string& identityID, const InteractionRow& r
 std::vector<std::string> ContactLedger::write(Connection& connection) {
   RepeatedStatement week(connection, upsertWeek);
   for (const auto& [key, counts] : weeks_) {
+    if (counts == Counts{}) { // Taken out and put back as it was.
+      continue;
+    }
     week.execute(key.first, key.second, counts.sent, counts.received, counts.inCompany, counts.met);
   }
   RepeatedStatement widening(connection, widenSpan);

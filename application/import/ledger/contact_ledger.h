@@ -30,6 +30,8 @@ class ContactLedger {
     std::int64_t received = 0;
     std::int64_t inCompany = 0;
     std::int64_t met = 0;
+
+    bool operator==(const Counts&) const = default;
   };
   struct Span {
     std::string firstContactAt;

@@ -99,14 +99,23 @@ void HistoryRows::addThread(std::string threadID, std::string_view sourceType, s
 }
 
 void HistoryRows::write(const std::string& sourceAccountID, std::string_view now, Connection& connection) {
-  std::ranges::sort(interactions_, {}, &InteractionRow::id);
+  sort();
   writeThreads(now, connection);
   writeInteractions(sourceAccountID, connection);
   writeParticipants(connection);
   writeMessageTexts(connection);
   writeMeetingTexts(connection);
+  sorted_.clear();
   interactions_.clear();
   threads_.clear();
+}
+
+/// Rows are large: it is cheaper to move pointers to them about.
+void HistoryRows::sort() {
+  for (const auto& row : interactions_) {
+    sorted_.push_back(&row);
+  }
+  std::ranges::sort(sorted_, {}, [](const InteractionRow* row) -> const std::string& { return row->id; });
 }
 
 void HistoryRows::writeThreads(std::string_view now, Connection& connection) {
@@ -130,12 +139,12 @@ void HistoryRows::writeThreads(std::string_view now, Connection& connection) {
 
 void HistoryRows::writeInteractions(const std::string& sourceAccountID, Connection& connection) {
   RepeatedStatement event(connection, upsertSourceEvent);
-  for (const auto& row : interactions_) {
-    event.execute(row.id, sourceAccountID, row.conversationKind);
+  for (const auto* row : sorted_) {
+    event.execute(row->id, sourceAccountID, row->conversationKind);
   }
   RepeatedStatement interaction(connection, upsertInteraction);
-  for (const auto& row : interactions_) {
-    interaction.execute(row.id, row.threadID, row.senderIdentityID, row.direction, row.kind, row.occurredAt);
+  for (const auto* row : sorted_) {
+    interaction.execute(row->id, row->threadID, row->senderIdentityID, row->direction, row->kind, row->occurredAt);
   }
 }
 
@@ -154,9 +163,9 @@ void HistoryRows::writeParticipants(Connection& connection) {
 
 void HistoryRows::writeMessageTexts(Connection& connection) {
   RepeatedStatement insert(connection, insertMessageText);
-  for (const auto& row : interactions_) {
-    if (!row.messageID.empty()) {
-      insert.execute(row.id, row.messageID);
+  for (const auto* row : sorted_) {
+    if (!row->messageID.empty()) {
+      insert.execute(row->id, row->messageID);
     }
   }
 }
@@ -164,11 +173,11 @@ void HistoryRows::writeMessageTexts(Connection& connection) {
 void HistoryRows::writeMeetingTexts(Connection& connection) {
   RepeatedStatement upsert(connection, upsertMeetingText);
   RepeatedStatement remove(connection, deleteMeetingText);
-  for (const auto& row : interactions_) {
-    if (!row.location.empty() || row.isAllDay) {
-      upsert.execute(row.id, row.location, row.isAllDay ? 1 : 0);
-    } else if (row.kind == "meeting") {
-      remove.execute(row.id);
+  for (const auto* row : sorted_) {
+    if (!row->location.empty() || row->isAllDay) {
+      upsert.execute(row->id, row->location, row->isAllDay ? 1 : 0);
+    } else if (row->kind == "meeting") {
+      remove.execute(row->id);
     }
   }
 }

@@ -55,6 +55,7 @@ class HistoryRows {
     std::string subject;
   };
 
+  void sort();
   void writeThreads(std::string_view now, Connection& connection);
   void writeInteractions(const std::string& sourceAccountID, Connection& connection);
   void writeParticipants(Connection& connection);
@@ -62,6 +63,8 @@ class HistoryRows {
   void writeMeetingTexts(Connection& connection);
 
   std::vector<InteractionRow> interactions_;
+  /// The same in the order of their ids, while they are written.
+  std::vector<const InteractionRow*> sorted_;
   std::vector<Thread> threads_;
 };
 

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "application/import/ledger/bounded_text.h"
-#include "application/import/mail/mailbox_kind.h"
 #include "application/import/mail/question_detector.h"
 
 namespace orvan {
@@ -20,12 +19,16 @@ using Mailboxes = std::span<const MailAddress>;
 /// Who is on a mail, told apart with what is known of addresses.
 class Readers {
  public:
-  Readers(const MailMessage& message, const KnownAddresses& known) : message_(message), known_(known) {}
+  Readers(const MailMessage& message, const KnownAddresses& known, PeopleLedger& people)
+      : message_(message), known_(known), people_(people) {}
 
   bool isOwn(const MailAddress& mailbox) const { return known_.own.contains(mailbox.address); }
   bool isList(const MailAddress& mailbox) const {
-    return kindOfMailbox(mailbox.address) == MailboxKind::list ||
-           known_.listIdentityIDs.contains(identityIDOf(mailbox.address));
+    const auto& [identityID, kind] = people_.mailbox(mailbox.address);
+    return kind == MailboxKind::list || known_.listIdentityIDs.contains(identityID);
+  }
+  const std::string& identityIDOf(const MailAddress& mailbox) const {
+    return people_.mailbox(mailbox.address).identityID;
   }
 
   bool isFromUser() const { return anyOwn(message_.from); }
@@ -80,6 +83,7 @@ class Readers {
 
   const MailMessage& message_;
   const KnownAddresses& known_;
+  PeopleLedger& people_;
 };
 
 struct Standing {
@@ -121,7 +125,7 @@ std::vector<std::string> namedOn(const MailMessage& message, const Readers& read
   for (const Mailboxes mailboxes : {Mailboxes{message.to}, Mailboxes{message.cc}}) {
     for (const auto& mailbox : mailboxes) {
       if (named.size() < mostNamed && !readers.isOwn(mailbox) && !readers.isList(mailbox)) {
-        named.push_back(identityIDOf(mailbox.address));
+        named.push_back(readers.identityIDOf(mailbox));
       }
     }
   }
@@ -132,11 +136,9 @@ std::vector<std::string> namedOn(const MailMessage& message, const Readers& read
 }
 
 std::size_t bytesOf(const PreparedMail& mail) {
-  constexpr std::size_t identityAndItsPerson = 256;
   return sizeof(mail) + mail.references.size() * sizeof(MailKey) +
-         mail.participantIdentityIDs.size() * identityAndItsPerson +
-         mail.namedIdentityIDs.size() * sizeof(std::string) + mail.subject.size() + mail.messageID.size() +
-         (mail.question ? mail.question->size() : 0);
+         (mail.participantIdentityIDs.size() + mail.namedIdentityIDs.size()) * sizeof(std::string) +
+         mail.subject.size() + mail.messageID.size() + (mail.question ? mail.question->size() : 0);
 }
 
 } // namespace
@@ -144,11 +146,11 @@ std::size_t bytesOf(const PreparedMail& mail) {
 void MailBatch::add(MailMessage message, KnownAddresses& known) {
   for (const auto& address : message.listAddresses) {
     if (!known.own.contains(address)) {
-      known.listIdentityIDs.insert(identityIDOf(address));
+      known.listIdentityIDs.insert(people_.mailbox(address).identityID);
       people_.noteList(address);
     }
   }
-  const Readers readers(message, known);
+  const Readers readers(message, known, people_);
   const auto [use, standing, asAnswer] = standingOf(message, readers);
   PreparedMail mail;
   mail.key = mailKeyOf(message.messageID);
@@ -161,7 +163,7 @@ void MailBatch::add(MailMessage message, KnownAddresses& known) {
     for (const auto* reader : readers.people()) {
       mail.participantIdentityIDs.push_back(people_.note(reader->address, reader->displayName, NameSource::others));
     }
-    mail.principalIdentityID = mail.participantIdentityIDs.empty() ? identityIDOf(readers.firstOther().address)
+    mail.principalIdentityID = mail.participantIdentityIDs.empty() ? readers.identityIDOf(readers.firstOther())
                                                                    : mail.participantIdentityIDs.front();
   } else {
     const auto& writer = message.from.front();

@@ -65,7 +65,7 @@ class MailBatch {
 
   /// How many mails and skips it holds, and about how much memory they take.
   std::size_t size() const noexcept { return mails_.size() + skips_.size(); }
-  std::size_t bytes() const noexcept { return bytes_; }
+  std::size_t bytes() const noexcept { return bytes_ + people_.bytes(); }
 
   std::vector<PreparedMail>& mails() noexcept { return mails_; }
   const std::vector<PreparedMail>& mails() const noexcept { return mails_; }

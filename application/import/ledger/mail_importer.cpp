@@ -188,9 +188,8 @@ class Placement {
  private:
   /// What does not name the user is contact all the same when it answers the user.
   void decideAsAnswer(PreparedMail& mail) const {
-    const bool answersUser =
-        !mail.references.empty() && threads_.standingOf(mail.references.back()) == MailStanding::own;
-    if (answersUser && mail.standingAsAnswer > mail.standing) {
+    if (mail.standingAsAnswer > mail.standing && !mail.references.empty() &&
+        threads_.standingOf(mail.references.back()) == MailStanding::own) {
       mail.standing = mail.standingAsAnswer;
       mail.use = PreparedMail::Use::history;
     }
@@ -273,8 +272,8 @@ class BatchWriter {
       }
       auto row = rowOf(*mail, threadID);
       contact_.add(row);
-      touchedThreadIDs_.insert(row.threadID);
-      note(*mail, row);
+      touchedThreadIDs_.push_back(threadID);
+      note(*mail, row, thread);
       rows.addThread(row.threadID, "mail", std::move(mail->subject));
       rows.add(std::move(row));
     }
@@ -289,18 +288,21 @@ class BatchWriter {
     }
   }
 
-  void note(const PreparedMail& mail, const InteractionRow& row) {
-    if (mail.isFromUser()) {
+  void note(PreparedMail& mail, const InteractionRow& row, std::size_t thread) {
+    if (mail.isFromUser() && threads_.isStored(thread)) {
       questions_.reconsiderThread(row.threadID);
-      questions_.reconsiderMails(mail.references);
     } else if (mail.question && mail.standing == MailStanding::direct) {
-      questions_.note({row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *mail.question},
-                      connection_);
+      questions_.note(
+          {row.id, mail.key, row.threadID, *row.senderIdentityID, row.occurredAt, *std::move(mail.question)});
     }
   }
 
   void settle() {
+    std::ranges::sort(touchedThreadIDs_);
+    const auto duplicates = std::ranges::unique(touchedThreadIDs_);
+    touchedThreadIDs_.erase(duplicates.begin(), duplicates.end());
     setClocksRight(refreshWaitingThreads(touchedThreadIDs_, connection_));
+    questions_.reconsiderMails(threads_.newlyAnswered());
     questions_.reconsiderPeople(contact_.write(connection_));
     questions_.settle(now_, connection_);
   }
@@ -308,11 +310,12 @@ class BatchWriter {
   /// A mail that the user has answered does not come after the answer, whatever the clock of its sender said.
   void setClocksRight(std::span<const WaitingMail> waiting) {
     const auto answered = threads_.endingsOfAnswered();
-    std::set<std::string> movedThreadIDs;
+    std::vector<std::string> movedThreadIDs;
     for (const auto& mail : waiting) {
-      if (answered.contains(mail.interactionID.substr(mail.interactionID.size() - lengthOfMailIDEnding))) {
+      const std::string_view id = mail.interactionID;
+      if (std::ranges::binary_search(answered, id.substr(id.size() - lengthOfMailIDEnding))) {
         moveBeforeAnswer(mail);
-        movedThreadIDs.insert(mail.threadID);
+        movedThreadIDs.push_back(mail.threadID);
       }
     }
     refreshWaitingThreads(movedThreadIDs, connection_);
@@ -339,7 +342,7 @@ class BatchWriter {
   AddressUseLedger uses_;
   ContactLedger contact_;
   QuestionLedger questions_;
-  std::set<std::string> touchedThreadIDs_;
+  std::vector<std::string> touchedThreadIDs_;
 };
 
 void emptyLog(Connection& connection) {

@@ -49,7 +49,7 @@ WHERE source_identity_id = ?1 AND direction = 'inbound'
        }) {
     connection.execute(statement, identityID);
   }
-  refreshWaitingThreads({threadIDs.begin(), threadIDs.end()}, connection);
+  refreshWaitingThreads(threadIDs, connection);
   QuestionLedger questions;
   for (const auto& threadID : threadIDs) {
     questions.reconsiderThread(threadID);

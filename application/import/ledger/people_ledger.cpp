@@ -3,7 +3,6 @@
 #include "OrvanStore/repeated_statement.h"
 #include "application/import/ledger/bounded_text.h"
 #include "application/import/ledger/stable_id.h"
-#include "application/import/mail/mailbox_kind.h"
 
 namespace orvan {
 namespace {
@@ -51,27 +50,39 @@ ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name
 
 } // namespace
 
-PeopleLedger::Identity& PeopleLedger::identity(const std::string& identityID, std::string_view address) {
-  auto& identity = identities_[identityID];
+const PeopleLedger::Mailbox& PeopleLedger::mailbox(const std::string& address) {
+  const auto found = mailboxes_.find(address);
+  return found != mailboxes_.end()
+             ? found->second
+             : mailboxes_.try_emplace(address, identityIDOf(address), kindOfMailbox(address)).first->second;
+}
+
+PeopleLedger::Identity& PeopleLedger::identity(const Mailbox& mailbox, std::string_view address) {
+  auto& identity = identities_[mailbox.identityID];
   if (identity.address.empty()) {
     identity.address = leadingCharacters(std::string{address}, mostNameCharacters);
-    identity.kind = textOf(kindOfMailbox(address));
+    identity.kind = textOf(mailbox.kind);
   }
   return identity;
 }
 
-std::string PeopleLedger::note(std::string_view address, std::string_view displayName, NameSource nameSource) {
-  auto identityID = identityIDOf(address);
-  auto& noted = identity(identityID, address);
+std::string PeopleLedger::note(const std::string& address, std::string_view displayName, NameSource nameSource) {
+  const auto& known = mailbox(address);
+  auto& noted = identity(known, address);
   if (!displayName.empty() && nameSource > noted.nameSource) {
     noted.displayName = leadingCharacters(std::string{displayName}, mostNameCharacters);
     noted.nameSource = nameSource;
   }
-  return identityID;
+  return known.identityID;
 }
 
-void PeopleLedger::noteList(std::string_view address) {
-  identity(identityIDOf(address), address).kind = textOf(MailboxKind::list);
+void PeopleLedger::noteList(const std::string& address) {
+  identity(mailbox(address), address).kind = textOf(MailboxKind::list);
+}
+
+std::size_t PeopleLedger::bytes() const noexcept {
+  constexpr std::size_t mailboxAndItsPerson = 512;
+  return mailboxes_.size() * mailboxAndItsPerson;
 }
 
 void PeopleLedger::keepOnly(const std::set<std::string_view>& identityIDs) {
@@ -96,6 +107,7 @@ void PeopleLedger::write(Connection& connection, std::string_view now) {
     }
   }
   identities_.clear();
+  mailboxes_.clear();
 }
 
 std::optional<std::string> personOfIdentity(std::string_view identityID, Connection& connection) {

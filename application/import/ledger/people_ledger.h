@@ -1,12 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "OrvanStore/connection.h"
+#include "application/import/mail/mailbox_kind.h"
 
 namespace orvan {
 
@@ -25,11 +28,22 @@ enum class NameSource {
 /// store is written in order.
 class PeopleLedger {
  public:
+  /// What an address tells by itself.
+  struct Mailbox {
+    std::string identityID;
+    MailboxKind kind;
+  };
+  /// Found out once for each address.
+  const Mailbox& mailbox(const std::string& address);
+
   /// Notes that somebody took part, and gives the identity's id. A blank name tells nothing.
-  std::string note(std::string_view address, std::string_view displayName, NameSource nameSource);
+  std::string note(const std::string& address, std::string_view displayName, NameSource nameSource);
 
   /// Notes that an address is a mailing list's.
-  void noteList(std::string_view address);
+  void noteList(const std::string& address);
+
+  /// About how much memory it takes.
+  std::size_t bytes() const noexcept;
 
   /// Forgets whoever is not among `identityIDs`, lists excepted.
   void keepOnly(const std::set<std::string_view>& identityIDs);
@@ -45,8 +59,9 @@ class PeopleLedger {
     std::string_view kind = "person";
   };
 
-  Identity& identity(const std::string& identityID, std::string_view address);
+  Identity& identity(const Mailbox& mailbox, std::string_view address);
 
+  std::unordered_map<std::string, Mailbox> mailboxes_;
   std::map<std::string, Identity, std::less<>> identities_;
 };
 

@@ -14,35 +14,26 @@
 namespace orvan {
 namespace {
 
-struct PendingQuestion {
-  std::string interactionID;
-  std::int64_t messageKey = 0;
-  std::string threadID;
-  std::string sourceIdentityID;
-  std::string askedAt;
-  std::string question;
-};
-
 constexpr std::string_view selectPending =
     "SELECT interaction_id, message_key, thread_id, source_identity_id, asked_at, question FROM pending_question "
     "WHERE ";
 
 template <typename Values>
-void appendPending(std::string_view column, const Values& values, std::vector<PendingQuestion>& pending,
+void appendPending(std::string_view column, const Values& values, std::vector<AskedQuestion>& pending,
                    Connection& connection) {
   RepeatedStatement select(connection, std::string{selectPending} + std::string{column} + " = ?");
   for (const auto& value : values) {
     auto& rows = select.query(value);
     while (rows.next()) {
-      pending.push_back({std::string{rows.text(Column{0})}, rows.integer(Column{1}), std::string{rows.text(Column{2})},
-                         std::string{rows.text(Column{3})}, std::string{rows.text(Column{4})},
-                         std::string{rows.text(Column{5})}});
+      pending.push_back({std::string{rows.text(Column{0})}, MailKey{rows.integer(Column{1})},
+                         std::string{rows.text(Column{2})}, std::string{rows.text(Column{3})},
+                         std::string{rows.text(Column{4})}, std::string{rows.text(Column{5})}});
     }
   }
 }
 
 /// A mail of the user's without known readers may have gone to anybody in the thread.
-bool isAnswered(const PendingQuestion& question, Connection& connection) {
+bool isAnswered(const AskedQuestion& question, Connection& connection) {
   return connection
       .fetchOptionalInteger(R"sql(
 SELECT 1
@@ -59,11 +50,12 @@ WHERE EXISTS (SELECT 1 FROM mail_reference WHERE message_key = ?1 AND is_answere
                             AND reader.interaction_id = answer.id
                            WHERE known.thread_id = ?2)))
 )sql",
-                            question.messageKey, question.threadID, question.sourceIdentityID, question.askedAt)
+                            std::to_underlying(question.mail), question.threadID, question.sourceIdentityID,
+                            question.askedAt)
       .has_value();
 }
 
-bool mayAsk(const PendingQuestion& question, Connection& connection) {
+bool mayAsk(const AskedQuestion& question, Connection& connection) {
   return connection
       .fetchOptionalInteger(R"sql(
 SELECT 1
@@ -82,28 +74,37 @@ WHERE EXISTS (
       .has_value();
 }
 
-std::string openLoopIDOf(const PendingQuestion& question) {
+std::string openLoopIDOf(const AskedQuestion& question) {
   return question.interactionID + "-loop";
 }
 
 /// One second after the mail: of two reasons that rest on the same mail the question is the more telling one, and
 /// whatever happens later still comes before it.
-std::string detectedAt(const PendingQuestion& question) {
+std::string detectedAt(const AskedQuestion& question) {
   const auto asked = parseInternetDateTime(question.askedAt);
   return asked ? formatInternetDateTime(*asked + std::chrono::seconds{1}) : question.askedAt;
 }
 
-void forget(const PendingQuestion& question, Connection& connection) {
+void keep(const AskedQuestion& question, Connection& connection) {
+  connection.execute(R"sql(
+INSERT OR IGNORE INTO pending_question
+  (interaction_id, message_key, thread_id, source_identity_id, asked_at, question)
+VALUES (?, ?, ?, ?, ?, ?)
+)sql",
+                     question.interactionID, std::to_underlying(question.mail), question.threadID,
+                     question.sourceIdentityID, question.askedAt, question.question);
+}
+
+void forget(const AskedQuestion& question, Connection& connection) {
   connection.execute("DELETE FROM pending_question WHERE interaction_id = ?", question.interactionID);
 }
 
-void closeLoop(const PendingQuestion& question, Connection& connection) {
+void closeLoop(const AskedQuestion& question, Connection& connection) {
   connection.execute("UPDATE open_loop SET state = 'done' WHERE id = ? AND state IN ('open', 'surfaced')",
                      openLoopIDOf(question));
 }
 
-void openLoop(const PendingQuestion& question, std::string_view personID, std::string_view now,
-              Connection& connection) {
+void openLoop(const AskedQuestion& question, std::string_view personID, std::string_view now, Connection& connection) {
   const auto claimID = question.interactionID + "-question";
   const auto evidenceID = question.interactionID + "-evidence";
   connection.execute("INSERT OR IGNORE INTO claim (id, person_id, kind, created_at) VALUES (?, ?, 'asked_question', ?)",
@@ -119,55 +120,60 @@ VALUES (?, ?, 'unanswered_question', ?, ?, 'open', ?)
                      openLoopIDOf(question), personID, evidenceID, detectedAt(question), now);
 }
 
-void settleOne(const PendingQuestion& question, std::string_view now, Connection& connection) {
+/// Whether it still waits for an answer.
+bool settleOne(const AskedQuestion& question, std::string_view now, Connection& connection) {
   if (isAnswered(question, connection)) {
     closeLoop(question, connection);
-    forget(question, connection);
-    return;
+    return false;
   }
-  if (!mayAsk(question, connection)) {
-    return;
+  if (mayAsk(question, connection)) {
+    if (const auto personID = personOfIdentity(question.sourceIdentityID, connection)) {
+      openLoop(question, *personID, now, connection);
+    }
   }
-  if (const auto personID = personOfIdentity(question.sourceIdentityID, connection)) {
-    openLoop(question, *personID, now, connection);
-  }
+  return true;
 }
 
 } // namespace
-
-void QuestionLedger::note(const AskedQuestion& asked, Connection& connection) {
-  connection.execute(R"sql(
-INSERT OR IGNORE INTO pending_question
-  (interaction_id, message_key, thread_id, source_identity_id, asked_at, question)
-VALUES (?, ?, ?, ?, ?, ?)
-)sql",
-                     asked.interactionID, std::to_underlying(asked.mail), asked.threadID, asked.sourceIdentityID,
-                     asked.askedAt, asked.question);
-  interactionIDs_.emplace(asked.interactionID);
-}
 
 void QuestionLedger::reconsiderPeople(const std::vector<std::string>& identityIDs) {
   identityIDs_.insert(identityIDs.begin(), identityIDs.end());
 }
 
 void QuestionLedger::settle(std::string_view now, Connection& connection) {
+  settleStored(now, connection);
+  settleNoted(now, connection);
+  *this = {};
+}
+
+void QuestionLedger::settleStored(std::string_view now, Connection& connection) {
   std::vector<std::int64_t> keys;
   keys.reserve(mails_.size());
   for (const auto mail : mails_) {
     keys.push_back(std::to_underlying(mail));
   }
-  std::vector<PendingQuestion> pending;
-  appendPending("interaction_id", interactionIDs_, pending, connection);
+  std::vector<AskedQuestion> pending;
   appendPending("thread_id", threadIDs_, pending, connection);
   appendPending("source_identity_id", identityIDs_, pending, connection);
   appendPending("message_key", keys, pending, connection);
-  std::ranges::sort(pending, {}, &PendingQuestion::interactionID);
-  const auto duplicates = std::ranges::unique(pending, {}, &PendingQuestion::interactionID);
+  std::ranges::sort(pending, {}, &AskedQuestion::interactionID);
+  const auto duplicates = std::ranges::unique(pending, {}, &AskedQuestion::interactionID);
   pending.erase(duplicates.begin(), duplicates.end());
   for (const auto& question : pending) {
-    settleOne(question, now, connection);
+    if (!settleOne(question, now, connection)) {
+      forget(question, connection);
+    }
   }
-  *this = {};
+}
+
+/// Most are answered by a mail of the same batch and never reach the table.
+void QuestionLedger::settleNoted(std::string_view now, Connection& connection) {
+  std::ranges::sort(noted_, {}, &AskedQuestion::interactionID);
+  for (const auto& question : noted_) {
+    if (settleOne(question, now, connection)) {
+      keep(question, connection);
+    }
+  }
 }
 
 } // namespace orvan

@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "OrvanStore/connection.h"
@@ -12,12 +13,12 @@ namespace orvan {
 
 /// A question put to the user in a mail to them alone.
 struct AskedQuestion {
-  std::string_view interactionID;
+  std::string interactionID;
   MailKey mail;
-  std::string_view threadID;
-  std::string_view sourceIdentityID;
-  std::string_view askedAt;
-  std::string_view question;
+  std::string threadID;
+  std::string sourceIdentityID;
+  std::string askedAt;
+  std::string question;
 };
 
 /// Keeps the questions of a batch of mail, and weighs those on which the batch has a bearing. One is answered by a mail
@@ -29,12 +30,12 @@ struct AskedQuestion {
 /// Runs within the caller's transaction, after the rows of the batch are written.
 class QuestionLedger {
  public:
-  void note(const AskedQuestion& asked, Connection& connection);
+  void note(AskedQuestion asked) { noted_.push_back(std::move(asked)); }
 
   /// The user wrote in the thread, or something else changed what is known of it.
   void reconsiderThread(std::string threadID) { threadIDs_.insert(std::move(threadID)); }
-  /// The user wrote a mail that refers to these.
-  void reconsiderMails(const std::vector<MailKey>& mails) { mails_.insert(mails.begin(), mails.end()); }
+  /// Mails of the user's refer to these.
+  void reconsiderMails(std::vector<MailKey> mails) { mails_ = std::move(mails); }
   /// The user is now known to have written to, or met, these before others thought.
   void reconsiderPeople(const std::vector<std::string>& identityIDs);
 
@@ -42,10 +43,13 @@ class QuestionLedger {
   void settle(std::string_view now, Connection& connection);
 
  private:
-  std::set<std::string> interactionIDs_;
+  void settleStored(std::string_view now, Connection& connection);
+  void settleNoted(std::string_view now, Connection& connection);
+
+  std::vector<AskedQuestion> noted_;
   std::set<std::string> threadIDs_;
   std::set<std::string> identityIDs_;
-  std::set<MailKey> mails_;
+  std::vector<MailKey> mails_;
 };
 
 } // namespace orvan

@@ -77,8 +77,12 @@ void ThreadLedger::load(std::span<const MailKey> keys, Connection& connection) {
     }
     mail.standing = orvan::standingOf(rows.text(Column{1}));
     mail.isAnswered = rows.integer(Column{2}) != 0;
+    if (mail.isAnswered) {
+      answered_.push_back(key);
+    }
     mails_.emplace(key, mail);
   }
+  answeredBefore_ = answered_.size();
 }
 
 MailStanding ThreadLedger::standingOf(MailKey key) const {
@@ -86,14 +90,25 @@ MailStanding ThreadLedger::standingOf(MailKey key) const {
   return found == mails_.end() ? MailStanding::referenced : found->second.standing;
 }
 
-std::unordered_set<std::string> ThreadLedger::endingsOfAnswered() const {
-  std::unordered_set<std::string> endings;
-  for (const auto& [key, mail] : mails_) {
-    if (mail.isAnswered) {
-      endings.insert(endingOfMailID(key));
+std::vector<std::string> ThreadLedger::endingsOfAnswered() const {
+  std::vector<std::string> endings;
+  endings.reserve(answered_.size());
+  for (const auto key : answered_) {
+    endings.push_back(endingOfMailID(key));
+  }
+  std::ranges::sort(endings);
+  return endings;
+}
+
+std::vector<MailKey> ThreadLedger::newlyAnswered() const {
+  std::vector<MailKey> keys;
+  for (const auto key : std::span{answered_}.subspan(answeredBefore_)) {
+    if (standingOf(key) == MailStanding::direct) {
+      keys.push_back(key);
     }
   }
-  return endings;
+  std::ranges::sort(keys);
+  return keys;
 }
 
 std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> references, const std::string& newThreadID,
@@ -113,11 +128,14 @@ std::size_t ThreadLedger::placeMail(MailKey key, std::span<const MailKey> refere
     }
     if (standing == MailStanding::own && !referenced.isAnswered) {
       referenced.isAnswered = true;
+      answered_.push_back(reference);
       referenced.isChanged = true;
     }
   }
   auto& mail = mails_[key];
-  mail = {thread, standing, mail.isAnswered, true};
+  mail.thread = thread;
+  mail.standing = standing;
+  mail.isChanged = true;
   return thread;
 }
 

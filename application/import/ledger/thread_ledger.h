@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -28,8 +27,10 @@ class ThreadLedger {
 
   /// What is known of a mail from the copies that were read, in this batch or an earlier one.
   MailStanding standingOf(MailKey key) const;
-  /// How the identifiers end of the mails that one of the user's answers, of all that the batch mentions.
-  std::unordered_set<std::string> endingsOfAnswered() const;
+  /// How the identifiers end of the mails that one of the user's answers, of all that the batch mentions; sorted.
+  std::vector<std::string> endingsOfAnswered() const;
+  /// The mails to the user alone that nothing had answered before this batch, and something in it does.
+  std::vector<MailKey> newlyAnswered() const;
 
   /// Places a mail with the mails it refers to and gives the number of its thread in this batch. `newThreadID` becomes
   /// its thread if none of them has one. From now on the mail has that standing; what an own mail refers to is
@@ -42,6 +43,8 @@ class ThreadLedger {
 
   /// The id of the thread that a placed mail was given. Final once every mail of the batch is placed.
   const std::string& threadID(std::size_t thread) { return threads_[finalThread(thread)].id; }
+  /// Whether the store held that thread before the batch.
+  bool isStored(std::size_t thread) { return threads_[finalThread(thread)].isStored; }
 
   /// Joins the threads of the store that turned out to be one, and writes what was learned of the keys.
   void write(Connection& connection);
@@ -67,6 +70,9 @@ class ThreadLedger {
   std::size_t merge(std::size_t one, std::size_t other);
 
   std::unordered_map<MailKey, Mail> mails_;
+  /// Those of them that one of the user's answers: what the store knew first, then what the batch added.
+  std::vector<MailKey> answered_;
+  std::size_t answeredBefore_ = 0;
   std::vector<Thread> threads_;
   std::unordered_map<std::string, std::size_t> threadNumbers_;
 };

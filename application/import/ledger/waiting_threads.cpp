@@ -23,11 +23,12 @@ constexpr const char* upsertWaiting = R"sql(
 INSERT INTO waiting_thread (thread_id, source_identity_id, since)
 VALUES (?, ?, ?)
 ON CONFLICT DO UPDATE SET source_identity_id = excluded.source_identity_id, since = excluded.since
+WHERE (source_identity_id, since) <> (excluded.source_identity_id, excluded.since)
 )sql";
 
 } // namespace
 
-std::vector<WaitingMail> refreshWaitingThreads(const std::set<std::string>& threadIDs, Connection& connection) {
+std::vector<WaitingMail> refreshWaitingThreads(std::span<const std::string> threadIDs, Connection& connection) {
   std::vector<WaitingMail> waiting;
   RepeatedStatement select(connection, selectLatest);
   RepeatedStatement upsert(connection, upsertWaiting);

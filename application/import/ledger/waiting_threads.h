@@ -1,6 +1,6 @@
 #pragma once
 
-#include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,6 +16,6 @@ struct WaitingMail {
 
 /// Has the store say of each of these threads whether its latest interaction is a mail to the user alone, which then
 /// waits, and gives those that do. Within the caller's transaction, once the interactions are written.
-std::vector<WaitingMail> refreshWaitingThreads(const std::set<std::string>& threadIDs, Connection& connection);
+std::vector<WaitingMail> refreshWaitingThreads(std::span<const std::string> threadIDs, Connection& connection);
 
 } // namespace orvan
