@@ -77,6 +77,7 @@ class Store {
 class Bench {
  public:
   Bench() { NotificationCenter::setCurrent(center); }
+  // NOLINTNEXTLINE(bugprone-exception-escape): what is left to run is unwound, which throws nothing.
   ~Bench() {
     scheduler.stopAuthorizationRecovery();
     NotificationCenter::setCurrent(nullptr);

@@ -79,6 +79,7 @@ class Road {
     NotificationCenter::setCurrent(center_);
     delegate_->installIfNeeded();
   }
+  // NOLINTNEXTLINE(bugprone-exception-escape): what is left to run is unwound, which throws nothing.
   ~Road() {
     scheduler_.stopAuthorizationRecovery();
     NotificationCenter::setCurrent(nullptr);

@@ -89,6 +89,7 @@ TEST_F(Pool, StaysWithTheFileItOpenedWhereverTheProgramGoes) {
 TEST_F(Pool, ReadsAndWritesFromSeveralThreadsTakeTurns) {
   auto pool = makePool(2);
   std::vector<std::jthread> working;
+  working.reserve(4);
   for (int number = 0; number < 4; ++number) {
     working.emplace_back([&pool] {
       for (int times = 0; times < 20; ++times) {

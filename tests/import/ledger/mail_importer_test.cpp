@@ -24,6 +24,7 @@ ORDER BY 1
 
 std::vector<TestMail> manyMails(std::size_t count) {
   std::vector<TestMail> mails;
+  mails.reserve(count);
   for (std::size_t number = 0; number < count; ++number) {
     mails.push_back({.id = std::to_string(number), .from = "person" + std::to_string(number % 7) + "@out.example"});
   }
