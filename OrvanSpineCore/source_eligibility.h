@@ -33,8 +33,8 @@ class SourceEligibility {
   ///
   /// Under `showable` an interaction is refused when an exclusion rule in force names its person, its thread, its
   /// source account or itself; under `showable` and `notDeleted` when a deletion tombstone names it, its thread, its
-  /// source event or its person. Only restrictions of a kind that the store holds are looked for, so the condition holds
-  /// for the transaction it is made in and no longer.
+  /// source event or its person. Only restrictions of a kind that the store holds are looked for, so the condition
+  /// holds for the transaction it is made in and no longer.
   static std::string interactionPredicateSQL(Policy policy, std::string_view interactionIDColumn,
                                              std::string_view threadIDColumn, std::string_view sourceEventIDColumn,
                                              std::string_view personIDColumn, Connection& connection);
