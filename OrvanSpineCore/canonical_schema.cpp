@@ -335,7 +335,6 @@ CREATE TABLE waiting_thread (
   source_identity_id TEXT NOT NULL,
   since TEXT NOT NULL
 ) STRICT, WITHOUT ROWID;
-CREATE INDEX waiting_thread_by_identity ON waiting_thread (source_identity_id);
 
 -- What a mail program finds a message by.
 CREATE TABLE message_text (

@@ -77,7 +77,7 @@ long peakResidentMegabytes() {
 }
 
 double parseAlone(const std::filesystem::path& mbox) {
-  MboxSource source{mbox};
+  MboxSource source{mbox, {std::string{GeneratedMailbox::ownAddress}}};
   const Stopwatch watch;
   while (source.next()) {
   }
@@ -105,7 +105,7 @@ struct Import {
 Import importInto(const Files& files, std::size_t mailsPerBatch) {
   const auto queue = ApplicationStore::open(files.store, files.vault(), ApplicationStore::Access::write);
   MailImporter importer(*queue, {{std::string{GeneratedMailbox::ownAddress}}, importedAt}, mailsPerBatch);
-  MboxSource source{files.mbox};
+  MboxSource source{files.mbox, {std::string{GeneratedMailbox::ownAddress}}};
   Import done;
   const double processBefore = processorSeconds(RUSAGE_SELF);
   const double writerBefore = processorSeconds(RUSAGE_THREAD);

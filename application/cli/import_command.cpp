@@ -60,14 +60,14 @@ class ImportRun {
   void mbox(const std::filesystem::path& path) {
     take(path, mail_, [&] {
       requireMbox(path);
-      MboxSource source(path);
+      MboxSource source(path, ownAddresses());
       return mail(source, path);
     });
   }
 
   void maildir(const std::filesystem::path& path) {
     take(path, mail_, [&] {
-      MaildirSource source(path);
+      MaildirSource source(path, ownAddresses());
       return mail(source, path);
     });
   }
@@ -107,6 +107,8 @@ class ImportRun {
     return text;
   }
 
+  std::set<std::string> ownAddresses() const { return {import_.ownAddresses.begin(), import_.ownAddresses.end()}; }
+
   /// `import` brings in the source at `path` and gives its report. What fails in the store ends the run.
   template <typename Import>
   void take(const std::filesystem::path& path, Json& reports, Import import) {
@@ -141,8 +143,7 @@ class ImportRun {
   }
 
   Json meetings(const std::filesystem::path& path) {
-    const std::set<std::string> own{import_.ownAddresses.begin(), import_.ownAddresses.end()};
-    CalendarSource source(path, importWindow(import_.now), own);
+    CalendarSource source(path, importWindow(import_.now), ownAddresses());
     const auto report = [&] {
       const ProgressLine progress(watch_, "events");
       return MeetingImporter(store_, import_, path).import(source);

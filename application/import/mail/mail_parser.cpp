@@ -1,5 +1,6 @@
 #include "application/import/mail/mail_parser.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "application/import/mail/body_text.h"
@@ -28,7 +29,16 @@ std::optional<std::string> askingWords(const HeaderFields& fields, std::string_v
 
 } // namespace
 
-MailParser::MailParser(BodyLines bodyLines) : bodyLines_{bodyLines} {}
+MailParser::MailParser(BodyLines bodyLines, std::set<std::string> ownAddresses)
+    : bodyLines_{bodyLines}, ownAddresses_{std::move(ownAddresses)} {}
+
+/// Reading bodies takes longer than everything else: what cannot hold a question for the user is left alone.
+bool MailParser::mayAskTheUser(const MailMessage& message) const {
+  const auto isOwn = [this](const MailAddress& mailbox) { return ownAddresses_.contains(mailbox.address); };
+  const bool isPutToUser =
+      ownAddresses_.empty() || (std::ranges::none_of(message.from, isOwn) && std::ranges::any_of(message.to, isOwn));
+  return isPutToUser && !message.isAutomated && !isForwardSubject(message.subject);
+}
 
 MailItem MailParser::parse(const RawMail& mail) const {
   const HeaderFields fields{mail.header()};
@@ -51,7 +61,7 @@ MailItem MailParser::parse(const RawMail& mail) const {
   message.listAddresses = listAddresses(fields);
   message.isAutomated = isAutomatedMail(fields, from.front());
   message.from = std::move(from);
-  if (!message.isAutomated && !isForwardSubject(message.subject)) {
+  if (mayAskTheUser(message)) {
     message.ownWords = askingWords(fields, mail.body(), bodyLines_);
   }
   return message;

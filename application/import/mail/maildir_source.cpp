@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "OrvanPlatform/error.h"
 #include "application/import/mail/line_reader.h"
@@ -102,7 +103,8 @@ bool isMailFile(const fs::path& path) {
 
 } // namespace
 
-MaildirSource::MaildirSource(const fs::path& path) : parser_{BodyLines::asSent} {
+MaildirSource::MaildirSource(const fs::path& path, std::set<std::string> ownAddresses)
+    : parser_{BodyLines::asSent, std::move(ownAddresses)} {
   if (!isFolder(path)) {
     throw Error{errorAt(path), path.string()};
   }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,8 @@ namespace orvan {
 class MaildirSource final : public MailSource {
  public:
   /// Lists the folders and counts their files, by which it measures itself. Throws Error with a MailSourceError; its
-  /// text names `path` as given.
-  explicit MaildirSource(const std::filesystem::path& path);
+  /// text names `path` as given. `ownAddresses` are for the parser: see MailParser.
+  explicit MaildirSource(const std::filesystem::path& path, std::set<std::string> ownAddresses = {});
 
   std::optional<MailItem> next() override;
   std::uint64_t amountRead() const noexcept override { return filesRead_; }

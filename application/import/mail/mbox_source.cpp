@@ -1,11 +1,14 @@
 #include "application/import/mail/mbox_source.h"
 
+#include <utility>
+
 #include "application/import/mail/from_line.h"
 #include "application/import/mail/text_lines.h"
 
 namespace orvan {
 
-MboxSource::MboxSource(const std::filesystem::path& path) : lines_{path}, parser_{BodyLines::fromEscaped} {}
+MboxSource::MboxSource(const std::filesystem::path& path, std::set<std::string> ownAddresses)
+    : lines_{path}, parser_{BodyLines::fromEscaped, std::move(ownAddresses)} {}
 
 std::optional<MailItem> MboxSource::next() {
   if (!isInMail_ && skipTextBeforeFirstMail()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "application/import/mail/line_reader.h"
@@ -19,8 +20,9 @@ namespace orvan {
 /// ">" are read as they were before. Lines may end in LF or CR LF, the last one in neither.
 class MboxSource final : public MailSource {
  public:
-  /// Opens the file. Throws Error with a MailSourceError; its text names `path` as given.
-  explicit MboxSource(const std::filesystem::path& path);
+  /// Opens the file. Throws Error with a MailSourceError; its text names `path` as given. `ownAddresses` are
+  /// for the parser: see MailParser.
+  explicit MboxSource(const std::filesystem::path& path, std::set<std::string> ownAddresses = {});
 
   std::optional<MailItem> next() override;
   std::uint64_t amountRead() const noexcept override;

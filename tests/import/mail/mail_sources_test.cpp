@@ -104,6 +104,17 @@ TEST_F(Mailbox, OfMboxFormBeginsAMailWithoutABlankLineOnlyWhereNothingElseCanBeM
             "From zoe@example.org Thu Mar 5 09:15:00 2026 could we meet?");
 }
 
+TEST_F(Mailbox, GivesTheWordsOfMailThatMayAskTheUser) {
+  const auto asks = [this](const std::string& addresses) {
+    const auto file =
+        write("inbox", std::string{separator} + addresses + "Date: Thu, 5 Mar 2026 09:15:00 +0000\n\nWhere?\n");
+    return firstOf(MboxSource{file, {"me@example.org"}}).ownWords.has_value();
+  };
+  EXPECT_TRUE(asks("From: zoe@example.org\nTo: Me@example.org, list@example.org\n"));
+  EXPECT_FALSE(asks("From: me@example.org\nTo: zoe@example.org\n"));
+  EXPECT_FALSE(asks("From: zoe@example.org\nTo: ben@example.org\nCc: me@example.org\n"));
+}
+
 TEST_F(Mailbox, OfMboxFormGivesEscapedLinesAsTheyWereSent) {
   EXPECT_EQ(questionIn("\n>From Monday on, are you away?\n"), "From Monday on, are you away?");
   EXPECT_EQ(questionIn("\n>>From Monday on, are you away?\n"), std::nullopt) << "a quoted line, escaped";
