@@ -247,10 +247,10 @@ void measureFirstImport(const Settings& settings, const Files& files, Counts& co
   const auto import = importInto(files, settings.mailsPerBatch);
   const auto mails = static_cast<double>(settings.mails);
   counts.tell("mails imported", static_cast<std::uintmax_t>(import.report.imported));
-  counts.judge("store bytes per mail", std::filesystem::file_size(files.store) / settings.mails, 650);
-  counts.judge("largest log, kilobytes", import.largestLog / 1024, 12'000);
-  counts.judge("pages missed while importing", import.pagesMissed, 1000);
-  counts.judge("pages written while importing", import.pagesWritten, 12'000);
+  counts.judge("store bytes per mail", std::filesystem::file_size(files.store) / settings.mails, 600);
+  counts.judge("largest log, kilobytes", import.largestLog / 1024, 9'500);
+  counts.judge("pages missed while importing", import.pagesMissed, 100);
+  counts.judge("pages written while importing", import.pagesWritten, 8'500);
   counts.tell("peak resident megabytes", static_cast<std::uintmax_t>(peakResidentMegabytes()));
   counts.tell("mails a second", mails / import.seconds);
   // What a machine reaches that has a processor for each thread.
@@ -261,9 +261,9 @@ void measureFirstImport(const Settings& settings, const Files& files, Counts& co
 
 void measureCompiling(const Files& files, Counts& counts) {
   const auto inKeyOrder = compile(files, firstPeople(files));
-  counts.judge("page misses, first 200 people", inKeyOrder.pageMisses, 2500);
+  counts.judge("page misses, first 200 people", inKeyOrder.pageMisses, 2300);
   const auto usual = compile(files, usualPeople(files));
-  counts.judge("page misses, 200 usual people", usual.pageMisses, 2500);
+  counts.judge("page misses, 200 usual people", usual.pageMisses, 2300);
   counts.tell("people of these with evidence", inKeyOrder.withEvidence + usual.withEvidence);
   counts.tell("compile seconds", inKeyOrder.seconds + usual.seconds);
 }
@@ -274,13 +274,13 @@ void measureLists(const Files& files, Counts& counts) {
   counts.tell("people", std::uintmax_t{usual.people});
   counts.tell("list: looked at", std::uintmax_t{usual.lookedAt});
   counts.tell("list: rows", std::uintmax_t{usual.rows});
-  counts.judge("list: page misses", usual.pageMisses, 2500);
+  counts.judge("list: page misses", usual.pageMisses, 2300);
   counts.tell("list: seconds", usual.seconds);
   counts.tell("list: processor seconds", usual.processorSeconds);
   const auto uncapped = makeList(files, asOf, std::numeric_limits<std::int32_t>::max());
   counts.tell("list without a cap: looked at", std::uintmax_t{uncapped.lookedAt});
   counts.tell("list without a cap: rows", std::uintmax_t{uncapped.rows});
-  counts.judge("list without a cap: page misses", uncapped.pageMisses, 2500);
+  counts.judge("list without a cap: page misses", uncapped.pageMisses, 2300);
   counts.tell("list without a cap: processor seconds", uncapped.processorSeconds);
 }
 
