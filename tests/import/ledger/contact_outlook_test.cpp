@@ -5,8 +5,6 @@
 namespace orvan {
 namespace {
 
-using testing::IsEmpty;
-
 class Outlooks : public testing::Test {
  protected:
   /// As many letters to the person, one a day from then on.

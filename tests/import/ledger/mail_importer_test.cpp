@@ -107,6 +107,7 @@ TEST(ImportedMail, ToAnAddressThatManyWriteToAndThatNeverWritesIsListMail) {
   store.import({{.id = "mine", .from = me, .to = {dev}}});
   EXPECT_THAT(store.people(), ElementsAre(dev));
   std::vector<TestMail> mails;
+  mails.reserve(24);
   for (int number = 0; number < 24; ++number) {
     mails.push_back({.id = std::to_string(number),
                      .from = std::string(1, static_cast<char>('a' + number % 6)) + "@x.example",
@@ -179,10 +180,9 @@ TEST(ImportedMail, CountsEveryItemOnceAndTellsOfEveryBatch) {
   TestMailbox mailbox({TestMail{.id = "a"}, MailSkip{MailSkipReason::undated}, TestMail{.id = "a"},
                        MailSkip{MailSkipReason::noSender}, MailSkip{MailSkipReason::undated}});
   std::vector<std::int64_t> progress;
-  const auto report =
-      MailImporter(store.queue, ImportStore::context(), 2).import(mailbox, [&](const MailReport& soFar) {
-        progress.push_back(soFar.read);
-      });
+  MailImporter importer(store.queue, ImportStore::context(), 2);
+  const auto tell = [&progress](const MailReport& soFar) { progress.push_back(soFar.read); };
+  const auto report = importer.import(mailbox, tell);
   EXPECT_THAT(progress, ElementsAre(2, 4, 5));
   EXPECT_EQ(report.imported, 1);
   EXPECT_EQ(report.known, 1);
