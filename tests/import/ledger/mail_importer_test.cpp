@@ -177,11 +177,12 @@ TEST(ImportedMail, IsTakenOnceFromWhateverFile) {
 
 TEST(ImportedMail, CountsEveryItemOnceAndTellsOfEveryBatch) {
   ImportStore store;
-  TestMailbox mailbox({TestMail{.id = "a"}, MailSkip{MailSkipReason::undated}, TestMail{.id = "a"},
-                       MailSkip{MailSkipReason::noSender}, MailSkip{MailSkipReason::undated}});
+  const std::vector<MailItem> items{TestMail{.id = "a"}, MailSkip{MailSkipReason::undated}, TestMail{.id = "a"},
+                                    MailSkip{MailSkipReason::noSender}, MailSkip{MailSkipReason::undated}};
+  TestMailbox mailbox(items);
   std::vector<std::int64_t> progress;
   MailImporter importer(store.queue, ImportStore::context(), 2);
-  const auto tell = [&progress](const MailReport& soFar) { progress.push_back(soFar.read); };
+  const auto tell = [&progress](const auto& soFar) { progress.push_back(soFar.read); };
   const auto report = importer.import(mailbox, tell);
   EXPECT_THAT(progress, ElementsAre(2, 4, 5));
   EXPECT_EQ(report.imported, 1);
