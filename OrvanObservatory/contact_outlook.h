@@ -29,7 +29,7 @@ struct ContactOutlook {
   /// Whether contact may have resumed within the last month after a quiet stretch.
   bool mayHaveResumed = false;
   /// Whether the store has interactions with the person and no counts, as when a program other than the importers wrote
-  /// them. Such a person is always looked at, and taken for an acquaintance.
+  /// them. Such a person may have any reason, and is taken for an acquaintance.
   bool isUncounted = false;
 
   bool operator==(const ContactOutlook&) const = default;

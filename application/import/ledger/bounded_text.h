@@ -9,7 +9,6 @@ namespace orvan {
 
 inline constexpr std::size_t mostSubjectCharacters = 500;
 inline constexpr std::size_t mostPlaceCharacters = 300;
-inline constexpr std::size_t mostQuestionCharacters = 300;
 inline constexpr std::size_t mostNameCharacters = 200;
 inline constexpr std::size_t mostMessageIDCharacters = 1000;
 

@@ -7,6 +7,7 @@
 
 #include "OrvanPlatform/white_space.h"
 #include "application/import/mail/decoded_text.h"
+#include "application/import/mail/text_search.h"
 
 namespace orvan {
 namespace {
@@ -55,14 +56,6 @@ std::ptrdiff_t wordsOf(std::string_view line) noexcept {
 std::string lowerCasedStart(std::string_view line) {
   constexpr std::size_t longestPhrase = 120;
   return lowerCased(line.substr(0, longestPhrase));
-}
-
-bool startsWithOneOf(std::string_view line, const auto& beginnings) {
-  return std::ranges::any_of(beginnings, [line](const char* beginning) { return line.starts_with(beginning); });
-}
-
-bool containsOneOf(std::string_view line, const auto& parts) {
-  return std::ranges::any_of(parts, [line](const char* part) { return line.contains(part); });
 }
 
 /// "Kind regards", "Thanks again": its first or its last word is one that closes.

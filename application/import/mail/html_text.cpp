@@ -9,6 +9,7 @@
 
 #include "application/import/mail/characters.h"
 #include "application/import/mail/decoded_text.h"
+#include "application/import/mail/text_search.h"
 
 namespace orvan {
 namespace {
@@ -34,10 +35,6 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 54> namedCha
 
 bool isOneOf(const auto& names, std::string_view name) {
   return std::ranges::any_of(names, [name](const char* known) { return name == known; });
-}
-
-bool containsOneOf(std::string_view tag, const auto& classes) {
-  return std::ranges::any_of(classes, [tag](const char* known) { return tag.contains(known); });
 }
 
 class HtmlReader {

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "application/import/mail/text_search.h"
+
 namespace orvan {
 namespace {
 
@@ -12,10 +14,6 @@ constexpr std::array codeBeginnings{"//",          "/*",      "#include",    "#d
                                     "INSERT INTO", "UPDATE ", "DELETE FROM", "CREATE ",     "WHERE ", "VALUES ",
                                     "ALTER ",      "File \"", "Traceback (", "Caused by: ", "[ERROR", "[WARN",
                                     "[INFO",       "[DEBUG",  "ERROR:"};
-
-bool startsWithOneOf(std::string_view line, const auto& beginnings) {
-  return std::ranges::any_of(beginnings, [line](const char* beginning) { return line.starts_with(beginning); });
-}
 
 bool isDigit(char byte) noexcept {
   return byte >= '0' && byte <= '9';

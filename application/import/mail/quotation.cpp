@@ -5,6 +5,7 @@
 #include <string>
 
 #include "OrvanPlatform/white_space.h"
+#include "application/import/mail/text_search.h"
 
 namespace orvan {
 namespace {
@@ -30,14 +31,6 @@ constexpr std::array otherLabels{"Sent",      "Date",    "To",     "Subject",   
                                  "Onderwerp", "Skickat", "Till",   "Ämne",       "Sendt",    "Til",       "Emne",
                                  "Wysłano",   "Do",      "Temat",  "Отправлено", "Дата",     "Кому",      "Тема",
                                  "发送时间",  "日期",    "收件人", "主题",       "送信日時", "宛先",      "件名"};
-
-bool startsWithOneOf(std::string_view line, const auto& beginnings) {
-  return std::ranges::any_of(beginnings, [line](const char* beginning) { return line.starts_with(beginning); });
-}
-
-bool containsOneOf(std::string_view line, const auto& parts) {
-  return std::ranges::any_of(parts, [line](const char* part) { return line.contains(part); });
-}
 
 bool isDigit(char byte) noexcept {
   return byte >= '0' && byte <= '9';
