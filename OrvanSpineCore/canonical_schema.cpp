@@ -3,6 +3,8 @@
 #include <array>
 #include <string>
 
+#include "OrvanSpineCore/internal/users_say_schema.h"
+
 namespace orvan {
 namespace {
 
@@ -424,10 +426,11 @@ struct Step {
 
 // A new store goes all steps, an older one those that it lacks. A step that was published stays as it is; what is to
 // change becomes the next one.
-constexpr std::array<Step, 3> steps{{
+constexpr std::array<Step, 4> steps{{
     {1, createWhatTheLibraryReads},
     {2, createWhatImportsRemember},
     {3, createWhatTellsOfContact},
+    {4, internal::createWhatTheUserSays},
 }};
 
 void makeStepsAfter(std::int64_t version, Connection& connection) {

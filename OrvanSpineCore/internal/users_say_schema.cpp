@@ -1,0 +1,100 @@
+#include "OrvanSpineCore/internal/users_say_schema.h"
+
+namespace orvan::internal {
+namespace {
+
+// name_rank tells who gave the person's name, as source_identity.name_rank does of an address: the greater the better
+// they know. The greatest is the user, whose word no import changes.
+constexpr const char* names = R"sql(
+ALTER TABLE person ADD COLUMN name_rank INTEGER NOT NULL DEFAULT 0;
+)sql";
+
+// What a list of people shows of each: how many mails went to an identity and how many came from it, and when the
+// latest of them was. Meetings are not among them, because some of them are still to come.
+constexpr const char* contactTotals = R"sql(
+ALTER TABLE contact_span ADD COLUMN mails_to INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE contact_span ADD COLUMN mails_from INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE contact_span ADD COLUMN last_mail_at TEXT;
+
+UPDATE contact_span
+SET mails_to = mails.mails_to, mails_from = mails.mails_from, last_mail_at = mails.last_mail_at
+FROM (
+  SELECT present.source_identity_id AS identity,
+         sum(i.direction = 'outbound') AS mails_to,
+         sum(i.direction = 'inbound') AS mails_from,
+         max(i.occurred_at) AS last_mail_at
+  FROM interaction_participant present
+  JOIN interaction i ON i.id = present.interaction_id AND i.kind = 'message'
+  GROUP BY 1
+) mails
+WHERE mails.identity = contact_span.source_identity_id;
+)sql";
+
+// What the user did, in order, and what taking it back needs to know. kind names the action; detail is JSON.
+constexpr const char* actions = R"sql(
+CREATE TABLE user_action (
+  number INTEGER PRIMARY KEY AUTOINCREMENT,
+  kind TEXT NOT NULL,
+  person_id TEXT,
+  happened_at TEXT NOT NULL,
+  undone_at TEXT,
+  detail TEXT NOT NULL
+) STRICT;
+CREATE INDEX user_action_by_person ON user_action (person_id);
+
+-- Under which key each person's reason was shown last, so that a decision on a name is one about what was seen.
+CREATE TABLE shown_item (
+  person_id TEXT NOT NULL PRIMARY KEY,
+  item_key TEXT NOT NULL,
+  shown_at TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+)sql";
+
+// What was taken for somebody else's until its address was said to be the user's: role is 'sender' or 'participant'.
+// When the address is given up, it goes back.
+constexpr const char* ownAddresses = R"sql(
+CREATE TABLE own_address_taking (
+  source_identity_id TEXT NOT NULL,
+  interaction_id TEXT NOT NULL,
+  role TEXT NOT NULL,
+  PRIMARY KEY (source_identity_id, interaction_id, role)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+// kind is 'mail', 'calendar' or 'cards'; path is absolute. What a source brings has an account of its own.
+constexpr const char* sources = R"sql(
+CREATE TABLE remembered_source (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  kind TEXT NOT NULL,
+  path TEXT NOT NULL UNIQUE,
+  source_account_id TEXT NOT NULL,
+  usual_interval_seconds INTEGER NOT NULL,
+  added_at TEXT NOT NULL,
+  last_tried_at TEXT,
+  last_succeeded_at TEXT,
+  last_fault TEXT
+) STRICT;
+
+-- How far each file or folder of a source was read. name is its path below the source's, empty for the source itself;
+-- digest is of the last block that was read.
+CREATE TABLE source_position (
+  source_id INTEGER NOT NULL REFERENCES remembered_source (id) ON DELETE CASCADE,
+  name TEXT NOT NULL,
+  size INTEGER NOT NULL,
+  inode INTEGER NOT NULL,
+  modified_at INTEGER NOT NULL,
+  read_up_to INTEGER NOT NULL,
+  digest BLOB,
+  PRIMARY KEY (source_id, name)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+} // namespace
+
+void createWhatTheUserSays(Connection& connection) {
+  for (const char* script : {names, contactTotals, actions, ownAddresses, sources}) {
+    connection.executeScript(script);
+  }
+}
+
+} // namespace orvan::internal
