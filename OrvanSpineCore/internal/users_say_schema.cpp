@@ -3,10 +3,14 @@
 namespace orvan::internal {
 namespace {
 
-// name_rank tells who gave the person's name, as source_identity.name_rank does of an address: the greater the better
-// they know. The greatest is the user, whose word no import changes.
+// Who gave a person the name that they have, where it was not their addresses: the greater name_rank, the better they
+// know, as with source_identity.name_rank. The greatest is the user, whose word no import changes. A table of its own,
+// so that rows of person that others insert keep their shape.
 constexpr const char* names = R"sql(
-ALTER TABLE person ADD COLUMN name_rank INTEGER NOT NULL DEFAULT 0;
+CREATE TABLE person_naming (
+  person_id TEXT NOT NULL PRIMARY KEY,
+  name_rank INTEGER NOT NULL
+) STRICT, WITHOUT ROWID;
 )sql";
 
 // What a list of people shows of each: how many mails went to an identity and how many came from it, and when the
