@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -106,6 +107,11 @@ class AttentionCatchUpItem {
   const std::string& displayName() const noexcept { return displayName_; }
   const AttentionWhyNowItem& whyNow() const noexcept { return whyNow_; }
   const AttentionRouteRequest& routeRequest() const noexcept { return routeRequest_; }
+
+  /// The key that the reason of `itemKey`, an item of `personKey`, has when it is another person's, as after two people
+  /// turned out to be one; nothing when `itemKey` is no key of an item of theirs.
+  static std::optional<std::string> itemKeyFor(std::string_view otherPersonKey, std::string_view itemKey,
+                                               std::string_view personKey);
 
   /// The request to do `action` to this item.
   AttentionItemActionRequest actionRequest(const AttentionItemAction& action) const;

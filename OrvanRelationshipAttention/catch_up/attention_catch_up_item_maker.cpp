@@ -67,6 +67,19 @@ std::optional<std::string> AttentionCatchUpItemMaker::itemKey(std::string_view p
   return key.size() == lengthWithoutReferences ? std::nullopt : std::optional{std::move(key)};
 }
 
+/// The person is the first segment, and the only one that differs.
+std::optional<std::string> AttentionCatchUpItemMaker::itemKeyFor(std::string_view otherPersonKey,
+                                                                 std::string_view itemKey, std::string_view personKey) {
+  std::string person;
+  appendSegment(person, personKey);
+  if (!itemKey.starts_with(person + '|') || !isTrimmedAndNotEmpty(otherPersonKey)) {
+    return std::nullopt;
+  }
+  std::string key;
+  appendSegment(key, otherPersonKey);
+  return key.append(itemKey.substr(person.size()));
+}
+
 std::optional<AttentionCatchUpItem> AttentionCatchUpItemMaker::make(std::string personKey, std::string displayName,
                                                                     AttentionWhyNowItem whyNow) {
   auto key = itemKey(personKey, whyNow);

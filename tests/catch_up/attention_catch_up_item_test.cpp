@@ -55,6 +55,11 @@ TEST(ItemKey, LeavesOutUnusableReferencesAndIsAbsentWithoutAnyOrForAnInvalidReas
   EXPECT_FALSE(keyOf({}, "p-42 "));
 }
 
+TEST(ItemKey, OfOnePersonTellsThatOfAnother) {
+  EXPECT_EQ(AttentionCatchUpItem::itemKeyFor("Zoë", keyOf({}, "p:1|x").value(), "p:1|x"), keyOf({}, "Zoë"));
+  EXPECT_FALSE(AttentionCatchUpItem::itemKeyFor("Zoë", keyOf({}, "p-42").value(), "p-4"));
+}
+
 TEST(CatchUpItem, CarriesItsKeyAndRequestsThatAgreeWithIt) {
   const auto item = AttentionCatchUpItemMaker::make("p-42", " Ada ", whyNow({})).value();
   const auto key = keyOf({}).value();

@@ -25,6 +25,10 @@ class AttentionCatchUpItemMaker {
   /// behind its length in bytes: different lists never give the same key.
   static std::optional<std::string> itemKey(std::string_view personKey, const AttentionWhyNowItem& whyNow);
 
+  /// See AttentionCatchUpItem::itemKeyFor().
+  static std::optional<std::string> itemKeyFor(std::string_view otherPersonKey, std::string_view itemKey,
+                                               std::string_view personKey);
+
   /// The item, with `displayName` as it is; absent when there is no key.
   static std::optional<AttentionCatchUpItem> make(std::string personKey, std::string displayName,
                                                   AttentionWhyNowItem whyNow);

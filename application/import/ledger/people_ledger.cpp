@@ -2,6 +2,7 @@
 
 #include "OrvanStore/repeated_statement.h"
 #include "application/import/ledger/bounded_text.h"
+#include "application/import/ledger/person_names.h"
 #include "application/import/ledger/stable_id.h"
 
 namespace orvan {
@@ -47,6 +48,18 @@ INSERT INTO person (id, display_name, created_at)
 VALUES (?, ?, ?)
 ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name
 )sql";
+
+/// Whoever has the identity: a person of its own, when it is seen for the first time.
+void writePerson(const std::string& identityID, const std::string& name, NameSource nameSource, std::string_view now,
+                 Connection& connection) {
+  const auto personID = personIDOf(identityID);
+  connection.execute(insertMembership, identityID, personID);
+  if (connection.changes() > 0) {
+    connection.execute(upsertPerson, personID, name, now);
+  } else {
+    takeNameOfIdentity(identityID, name, nameSource, connection);
+  }
+}
 
 } // namespace
 
@@ -101,9 +114,7 @@ void PeopleLedger::write(Connection& connection, std::string_view now) {
       connection.execute(insertKind, identityID, identity.kind);
     }
     if (isChanged && identity.kind != textOf(MailboxKind::list)) {
-      const auto personID = personIDOf(identityID);
-      connection.execute(insertMembership, identityID, personID);
-      connection.execute(upsertPerson, personID, name, now);
+      writePerson(identityID, name, identity.nameSource, now, connection);
     }
   }
   identities_.clear();

@@ -21,6 +21,10 @@ enum class NameSource {
   others,
   /// The person's own mail.
   themselves,
+  /// A contact card that the user keeps.
+  card,
+  /// The user.
+  user,
 };
 
 /// Gathers the addresses that a batch of mails or meetings mentions and writes them as identities, each with a person
@@ -48,7 +52,8 @@ class PeopleLedger {
   /// Forgets whoever is not among `identityIDs`, lists excepted.
   void keepOnly(const std::set<std::string_view>& identityIDs);
 
-  /// Writes what was noted within the caller's transaction and forgets it. A person keeps the best name ever told.
+  /// Writes what was noted within the caller's transaction and forgets it. An identity keeps the best name ever told;
+  /// see person_names.h for what its person is called.
   void write(Connection& connection, std::string_view now);
 
  private:
