@@ -32,6 +32,9 @@ FROM (
   GROUP BY 1
 ) mails
 WHERE mails.identity = contact_span.source_identity_id;
+
+-- When somebody was met last, without a look at the weeks of everybody's mail.
+CREATE INDEX contact_week_of_meetings ON contact_week (source_identity_id, week) WHERE met > 0;
 )sql";
 
 // What the user did, in order, and what taking it back needs to know. kind names the action; detail is JSON.

@@ -32,20 +32,6 @@ std::size_t rowsOnATerminal(const CatchUpList& list, const CatchUpArguments& arg
 
 } // namespace
 
-void runPeople(const CommandContext& context, const std::string& text) {
-  const auto people = text.empty() ? context.session.people() : context.session.peopleMatching(text);
-  if (context.output == OutputForm::json) {
-    printJson(toJson(people));
-    return;
-  }
-  const HumanOutput output;
-  output.people(people);
-  if (people.empty()) {
-    output.line(text.empty() ? "Nobody yet: 'orvan import' brings in mail and calendars."
-                             : "Nobody you deal with has that in their name or address.");
-  }
-}
-
 void runBundle(const CommandContext& context, const std::string& person) {
   context.session.openForReading();
   const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);

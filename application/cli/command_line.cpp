@@ -10,6 +10,9 @@
 #include "application/cli/command_failure.h"
 #include "application/cli/command_line_fault.h"
 #include "application/cli/command_set.h"
+#include "application/cli/human_output.h"
+#include "application/cli/people_commands.h"
+#include "application/session/person_lookup.h"
 
 namespace orvan {
 namespace {
@@ -23,7 +26,6 @@ struct Invocation {
   bool isJson = false;
   CatchUpArguments catchUp;
   std::string person;
-  std::string text;
   std::string item;
   std::string until;
   OpenArguments open;
@@ -95,12 +97,7 @@ void addReadingCommands(CommandSet& commands, Invocation& invocation) {
   takePerson(commands.add({"why", "To see", "Say why to get in touch with a person now", "orvan why \"Ada Marsh\""},
                           [&invocation](const auto& context) { runWhy(context, invocation.person); }),
              invocation.person);
-  commands
-      .add({"people", "To see", "List the people you deal with", "orvan people marsh"},
-           [&invocation](const auto& context) { runPeople(context, invocation.text); })
-      .add_option("TEXT", invocation.text, "A part of a name or address: list only who has it")
-      ->type_name("")
-      ->check(notEmpty());
+  addPeopleCommands(commands);
   takePerson(commands.add({"bundle", "To see", "Show all evidence on one person", "orvan bundle ada@hill.example"},
                           [&invocation](const auto& context) { runBundle(context, invocation.person); }),
              invocation.person);
@@ -181,8 +178,16 @@ void finishOutput() {
 void run(const Invocation& invocation, const RunCommand& command) {
   const Instant asOf = asOfIn(invocation);
   Session session(settingsOf(invocation));
+  const auto output = invocation.isJson ? OutputForm::json : OutputForm::human;
   try {
-    command({session, asOf, invocation.isJson ? OutputForm::json : OutputForm::human});
+    command({session, asOf, output});
+  } catch (const PersonNotFound& error) {
+    // Whom the user may have meant is an answer to them. The error itself, which may end in a log, names nobody.
+    if (output == OutputForm::human) {
+      HumanOutput{}.choice(error.people());
+    }
+    session.finish();
+    throw;
   } catch (...) {
     session.finish();
     throw;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "application/cli/nearest_words.h"
+#include "application/session/nearest_words.h"
 
 namespace orvan {
 namespace {

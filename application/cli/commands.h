@@ -49,8 +49,6 @@ enum class ItemCommand { snooze, dismiss, resolve };
 
 void runInit(const CommandContext& context);
 void runImport(const CommandContext& context, const ImportArguments& arguments);
-/// Those whose name or an address holds `text`; everybody when it is empty.
-void runPeople(const CommandContext& context, const std::string& text);
 void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);
 void runWhy(const CommandContext& context, const std::string& person);

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
@@ -162,6 +163,48 @@ std::string inWords(const AttentionItemState& state) {
   return text;
 }
 
+std::string joinedAddresses(const std::vector<std::string>& addresses) {
+  std::string text;
+  for (const auto& address : addresses) {
+    text += (text.empty() ? "" : ", ") + printableText(address);
+  }
+  return text;
+}
+
+std::vector<std::string> columnsFor(const ListedPerson& person) {
+  const auto hidden = person.visibility == Visibility::hidden ? " (hidden)" : "";
+  return {printableText(person.displayName) + hidden, std::to_string(person.mailsTo), std::to_string(person.mailsFrom),
+          person.lastContactAt ? dateOf(*person.lastContactAt) : "never", joinedAddresses(person.addresses)};
+}
+
+using Rows = std::vector<std::vector<std::string>>;
+
+std::vector<std::size_t> widthsOf(const Rows& rows) {
+  std::vector<std::size_t> widths(rows.front().size());
+  for (const auto& row : rows) {
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      widths[column] = std::max(widths[column], columnsOf(row[column]));
+    }
+  }
+  return widths;
+}
+
+bool isNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+/// Two blanks between the columns; numbers stand at the right of theirs. Nothing is put behind the last one.
+std::string aligned(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
+  std::string text;
+  for (std::size_t column = 0; column < row.size(); ++column) {
+    const auto blanks = std::string(widths[column] - columnsOf(row[column]), ' ');
+    const bool isLast = column + 1 == row.size();
+    text += column == 0 ? "" : "  ";
+    text += isNumber(row[column]) ? blanks + row[column] : row[column] + (isLast ? "" : blanks);
+  }
+  return text;
+}
+
 bool standardOutputTakesColour() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment of this program.
   const char* refused = std::getenv("NO_COLOR");
@@ -189,9 +232,25 @@ void HumanOutput::line(std::string_view text) const {
   std::cout << text << '\n';
 }
 
-void HumanOutput::people(const std::vector<ProjectedPerson>& people) const {
+void HumanOutput::people(const std::vector<ListedPerson>& people, std::size_t shown) const {
+  std::vector<std::vector<std::string>> rows{{"Name", "You wrote", "They wrote", "Last contact", "Address"}};
+  for (const auto& person : std::span{people}.first(shown)) {
+    rows.push_back(columnsFor(person));
+  }
+  const auto widths = widthsOf(rows);
+  for (const auto& row : rows) {
+    const auto text = fitted(aligned(row, widths));
+    line(&row == &rows.front() ? faint(text) : text);
+  }
+  if (shown < people.size()) {
+    line("\n" + std::to_string(people.size() - shown) +
+         " more: 'orvan people --all' lists everyone, 'orvan people TEXT' whose name or address has a text in it.");
+  }
+}
+
+void HumanOutput::choice(const std::vector<NamedPerson>& people) const {
   for (const auto& person : people) {
-    std::cout << printableText(person.personKey()) << "  " << printableText(person.displayName()) << '\n';
+    line("  " + printableText(person.displayName) + "  " + printableText(person.address.value_or(person.personKey)));
   }
 }
 

@@ -6,13 +6,14 @@
 #include <string_view>
 #include <vector>
 
-#include "OrvanObservatory/projection_reader.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/item_details.h"
+#include "application/session/people_list.h"
+#include "application/session/person_lookup.h"
 
 namespace orvan {
 
@@ -22,7 +23,12 @@ class HumanOutput {
  public:
   HumanOutput();
 
-  void people(const std::vector<ProjectedPerson>& people) const;
+  /// The first `shown`, in columns, and how many more there are.
+  void people(const std::vector<ListedPerson>& people, std::size_t shown) const;
+  /// People to choose among, each with an address.
+  void choice(const std::vector<NamedPerson>& people) const;
+  /// Whether there is a terminal, where a long list scrolls out of sight.
+  bool isTerminal() const noexcept { return columns_.has_value(); }
   /// `matters` are those of the bundle.
   void bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName,
               const std::vector<Matter>& matters) const;

@@ -61,10 +61,6 @@ Json toJson(const AttentionWhyNowEvidenceReference& reference) {
   return {{"kind", reference.keyName()}, {"id", reference.identifier()}};
 }
 
-Json toJson(const ProjectedPerson& person) {
-  return {{"personKey", person.personKey()}, {"displayName", person.displayName()}};
-}
-
 Json toJson(const NotShown& person) {
   return {{"personKey", person.personKey},
           {"displayName", person.displayName},
@@ -171,7 +167,17 @@ Json toJson(const std::vector<AttentionItemDispositionRecord>& records) {
   return arrayOf(records);
 }
 
-Json toJson(const std::vector<ProjectedPerson>& people) {
+Json toJson(const ListedPerson& person) {
+  return {{"personKey", person.personKey},
+          {"displayName", person.displayName},
+          {"addresses", person.addresses},
+          {"mailsTo", person.mailsTo},
+          {"mailsFrom", person.mailsFrom},
+          {"lastContactAt", nullable(person.lastContactAt)},
+          {"isHidden", person.visibility == Visibility::hidden}};
+}
+
+Json toJson(const std::vector<ListedPerson>& people) {
   return arrayOf(people);
 }
 

@@ -4,13 +4,13 @@
 #include <string_view>
 #include <vector>
 
-#include "OrvanObservatory/projection_reader.h"
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/item_details.h"
+#include "application/session/people_list.h"
 
 namespace orvan {
 
@@ -24,7 +24,8 @@ Json toJson(const AttentionWhyNowItem& item);
 Json toJson(const AttentionCatchUpItem& item);
 Json toJson(const AttentionItemDispositionRecord& record);
 Json toJson(const std::vector<AttentionItemDispositionRecord>& records);
-Json toJson(const std::vector<ProjectedPerson>& people);
+Json toJson(const ListedPerson& person);
+Json toJson(const std::vector<ListedPerson>& people);
 /// All rows, or the first `limit`.
 Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanation explanation);
 Json toJson(const ItemDetails& details);

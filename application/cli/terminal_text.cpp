@@ -29,6 +29,21 @@ std::size_t columnsOf(const icu::UnicodeString& text, std::int32_t from, std::in
   return columns;
 }
 
+std::unique_ptr<icu::BreakIterator> charactersIn(const icu::UnicodeString& text) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::unique_ptr<icu::BreakIterator> characters{
+      icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status)};
+  if (U_FAILURE(status) != 0) {
+    return nullptr;
+  }
+  characters->setText(text);
+  return characters;
+}
+
+icu::UnicodeString decoded(std::string_view text) {
+  return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+}
+
 /// How much of the text, from its start, fits.
 std::int32_t fitting(const icu::UnicodeString& text, std::size_t columns, icu::BreakIterator& characters) {
   std::size_t taken = 0;
@@ -51,15 +66,27 @@ std::optional<std::size_t> columnsOfStandardOutput() {
   return isKnown ? std::optional<std::size_t>{size.ws_col} : std::nullopt;
 }
 
+std::size_t columnsOf(std::string_view text) {
+  const auto whole = decoded(text);
+  const auto characters = charactersIn(whole);
+  if (characters == nullptr) {
+    return text.size();
+  }
+  std::size_t columns = 0;
+  auto from = characters->first();
+  for (auto to = characters->next(); to != icu::BreakIterator::DONE; to = characters->next()) {
+    columns += columnsOf(whole, from, to);
+    from = to;
+  }
+  return columns;
+}
+
 std::string cutToColumns(std::string_view text, std::size_t columns) {
-  auto whole = icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::BreakIterator> characters{
-      icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status)};
-  if (U_FAILURE(status) != 0) {
+  const auto whole = decoded(text);
+  const auto characters = charactersIn(whole);
+  if (characters == nullptr) {
     return std::string{text};
   }
-  characters->setText(whole);
   if (fitting(whole, columns, *characters) == whole.length()) {
     return std::string{text};
   }

@@ -1,23 +1,46 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "OrvanObservatory/projection_reader.h"
+#include "OrvanPlatform/error.h"
 #include "OrvanStore/connection.h"
+#include "application/session/session_error.h"
 
 namespace orvan {
 
-/// The key of the person that a user means by `text`: somebody's key, or else a name or address, in any case of its
-/// ASCII letters, that only one person has. People the user never dealt with are found too, for what was decided about
-/// them may still be asked for.
-///
-/// Runs within the caller's read. Throws Error with SessionError::personUnknown or personAmbiguous, and StoreError.
-std::string personKeyCalled(const std::string& text, Connection& connection);
+/// A person with what tells them from others of the name: an address, when one is known.
+struct NamedPerson {
+  std::string personKey;
+  std::string displayName;
+  std::optional<std::string> address;
 
-/// Those of `people` whose name or an address holds `text` in any case, in their order. Everybody when `text` is empty.
-/// Runs within the caller's read; throws StoreError.
-std::vector<ProjectedPerson> peopleMatching(const std::string& text, const std::vector<ProjectedPerson>& people,
-                                            Connection& connection);
+  bool operator==(const NamedPerson&) const = default;
+};
+
+/// Thrown when what the user wrote names nobody (SessionError::personUnknown), or several people (personAmbiguous).
+/// What the error says of itself holds no names.
+class PersonNotFound final : public Error {
+ public:
+  PersonNotFound(SessionError error, std::vector<NamedPerson> people)
+      : Error(error, "looking for a person"), people_(std::move(people)) {}
+
+  /// Those who go by that name, or else those whose names or addresses are most like it, three at most. In the order in
+  /// which they are to be shown.
+  const std::vector<NamedPerson>& people() const noexcept { return people_; }
+
+ private:
+  std::vector<NamedPerson> people_;
+};
+
+/// The key of the person that a user means by `text`: somebody's key; or else an address; or else a name, in any case,
+/// that only one person has, or without accents that only one person has. The key of somebody who is part of another
+/// person now means that person. People the user never dealt with are found too, for what was decided about them may
+/// still be asked for; those without an address of theirs only when nobody else is meant.
+///
+/// Runs within the caller's read. Throws PersonNotFound and StoreError.
+std::string personKeyCalled(const std::string& text, Connection& connection);
 
 } // namespace orvan

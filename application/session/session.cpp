@@ -109,10 +109,6 @@ DatabaseQueue& Session::store(ApplicationStore::Access access) {
   return *store_;
 }
 
-std::vector<ProjectedPerson> Session::people() {
-  return store().read([](Connection& connection) { return StoreProjectionReader::project(1, connection).people(); });
-}
-
 std::optional<ProjectedPerson> Session::person(const std::string& personKey) {
   const auto name = store().read([&personKey](Connection& connection) {
     return connection.fetchOptionalText("SELECT display_name FROM person WHERE id = ?", personKey);
@@ -134,11 +130,6 @@ void Session::readAgain() noexcept {
 std::size_t Session::countLookedAt(Instant asOf) {
   outlooks(asOf);
   return people_->count();
-}
-
-std::vector<ProjectedPerson> Session::peopleMatching(const std::string& text) {
-  const auto everybody = people();
-  return store().read([&](Connection& connection) { return orvan::peopleMatching(text, everybody, connection); });
 }
 
 std::string Session::personKeyOf(const std::string& text) {

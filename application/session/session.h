@@ -43,23 +43,19 @@ class Session {
   /// The same for a decision too.
   void openForDeciding();
 
-  /// The people the user deals with, in key order.
-  std::vector<ProjectedPerson> people();
-  /// Those of them whose name or an address holds `text` in any case.
-  std::vector<ProjectedPerson> peopleMatching(const std::string& text);
-  /// One of them; nothing when there is nobody with that key.
+  /// One person as everything shows them; nothing when there is nobody with that key.
   std::optional<ProjectedPerson> person(const std::string& personKey);
 
-  /// The same people with what can be told of them without a look at their evidence, in the order in which that is
-  /// worthwhile. Read once for a moment: what another program adds is seen after readAgain(). Valid until then, or
-  /// until another moment is asked for.
+  /// The people the user deals with, with what can be told of them without a look at their evidence, in the order in
+  /// which that is worthwhile. Read once for a moment: what another program adds is seen after readAgain(). Valid until
+  /// then, or until another moment is asked for.
   const std::vector<ContactOutlook>& outlooks(Instant asOf);
   void readAgain() noexcept;
   /// How many of `outlooks(asOf)`, from the first, are looked at: those who can have a reason, up to the cap.
   std::size_t countLookedAt(Instant asOf);
 
-  /// The key of the person that a user means by `text`: a key, or a name or address that only one person has. Throws
-  /// Error with SessionError::personUnknown or personAmbiguous.
+  /// The key of the person that a user means by `text`: a key, or a name or address that only one person has. Throws a
+  /// PersonNotFound.
   std::string personKeyOf(const std::string& text);
 
   /// What stands at `asOf`: of everyone who is looked at and has some evidence, in key order, or of one person.

@@ -1,28 +1,13 @@
 #include "application/session/shared_names.h"
 
-#include <unicode/unistr.h>
-
-#include <cstdint>
-#include <string_view>
-
-#include "OrvanPlatform/white_space.h"
+#include "OrvanPlatform/folded_text.h"
 
 namespace orvan {
-namespace {
-
-std::string folded(std::string_view name) {
-  const auto text = trimmed(name);
-  std::string without;
-  icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())}).foldCase().toUTF8String(without);
-  return without;
-}
-
-} // namespace
 
 SharedNames::SharedNames(std::span<const ContactOutlook> everybody) {
   std::unordered_set<std::string> seen;
   for (const auto& person : everybody) {
-    if (const auto [name, isNew] = seen.insert(folded(person.displayName)); !isNew) {
+    if (const auto [name, isNew] = seen.insert(withoutCase(person.displayName)); !isNew) {
       folded_.insert(*name);
     }
   }
@@ -30,7 +15,7 @@ SharedNames::SharedNames(std::span<const ContactOutlook> everybody) {
 
 std::optional<std::string> SharedNames::addressToTell(const std::string& displayName, const std::string& personKey,
                                                       Connection& connection) const {
-  if (!folded_.contains(folded(displayName))) {
+  if (!folded_.contains(withoutCase(displayName))) {
     return std::nullopt;
   }
   return connection.fetchOptionalText(R"sql(

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "application/session/people_list.h"
 #include "application/session/session_error.h"
 #include "application/session/store_creation.h"
 #include "tests/support/test_store.h"
@@ -26,10 +27,11 @@ INSERT INTO identity_membership VALUES ('m', 'i', 'p1', 'confirmed', NULL);
 INSERT INTO interaction_participant VALUES ('i', 'mail');
 )sql");
   });
-  EXPECT_EQ(session.people(), (std::vector{ProjectedPerson{"p1", "Ada Ünal"}}));
-  EXPECT_EQ(session.peopleMatching("DA Ü"), session.people());
-  EXPECT_EQ(session.peopleMatching("@Hill"), session.people());
-  EXPECT_TRUE(session.peopleMatching("Kim").empty()) << "never dealt with";
+  const auto found = [&](const char* text) { return peopleList(session, text, Instant{}).size(); };
+  EXPECT_EQ(found(""), 1U);
+  EXPECT_EQ(found("da unAL"), 1U);
+  EXPECT_EQ(found("@Hill"), 1U);
+  EXPECT_EQ(found("Kim"), 0U) << "never dealt with";
   EXPECT_EQ(session.personKeyOf("ADA@hill.example"), "p1");
   EXPECT_EQ(session.personKeyOf("p3"), "p3");
   EXPECT_EQ(faultOf([&] { return session.personKeyOf("Kim"); }), SessionError::personAmbiguous);

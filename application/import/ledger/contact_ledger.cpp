@@ -33,6 +33,24 @@ WHERE excluded.first_contact_at < first_contact_at
    OR excluded.first_reached_at < COALESCE(first_reached_at, '~')
 )sql";
 
+/// The row is there: whoever has a mail has a span.
+constexpr const char* addMails = R"sql(
+UPDATE contact_span SET
+  mails_to = max(mails_to + ?2, 0), mails_from = max(mails_from + ?3, 0),
+  last_mail_at = max(COALESCE(last_mail_at, ?4), COALESCE(?4, last_mail_at))
+WHERE source_identity_id = ?1
+)sql";
+
+/// The latest mail may be the one that was removed. Only then are the others looked at.
+constexpr const char* findLastMailAgain = R"sql(
+UPDATE contact_span SET last_mail_at = (
+  SELECT max(i.occurred_at)
+  FROM interaction_participant present
+  JOIN interaction i ON i.id = present.interaction_id AND i.kind = 'message'
+  WHERE present.source_identity_id = ?1)
+WHERE source_identity_id = ?1 AND last_mail_at <= ?2
+)sql";
+
 bool isReached(const InteractionRow& row) {
   return row.direction != "inbound";
 }
@@ -59,6 +77,9 @@ void ContactLedger::count(const InteractionRow& row, std::int64_t step) {
     if (step > 0) {
       widen(identityID, row);
     }
+    if (row.kind == "message") {
+      countMail(identityID, row, step);
+    }
   }
 }
 
@@ -72,7 +93,24 @@ void ContactLedger::widen(const std::string& identityID, const InteractionRow& r
   }
 }
 
+void ContactLedger::countMail(const std::string& identityID, const InteractionRow& row, std::int64_t step) {
+  auto& mails = mails_[identityID];
+  (row.direction == "outbound" ? mails.to : mails.from) += step;
+  auto& last = step > 0 ? mails.lastAddedAt : mails.lastRemovedAt;
+  last = std::max(last, row.occurredAt);
+}
+
 std::vector<std::string> ContactLedger::write(Connection& connection) {
+  writeWeeks(connection);
+  auto reached = writeSpans(connection);
+  writeMails(connection);
+  weeks_.clear();
+  spans_.clear();
+  mails_.clear();
+  return reached;
+}
+
+void ContactLedger::writeWeeks(Connection& connection) const {
   RepeatedStatement week(connection, upsertWeek);
   for (const auto& [key, counts] : weeks_) {
     if (counts == Counts{}) { // Taken out and put back as it was.
@@ -80,6 +118,9 @@ std::vector<std::string> ContactLedger::write(Connection& connection) {
     }
     week.execute(key.first, key.second, counts.sent, counts.received, counts.inCompany, counts.met);
   }
+}
+
+std::vector<std::string> ContactLedger::writeSpans(Connection& connection) const {
   RepeatedStatement widening(connection, widenSpan);
   std::vector<std::string> reached;
   for (const auto& [identityID, span] : spans_) {
@@ -89,9 +130,21 @@ std::vector<std::string> ContactLedger::write(Connection& connection) {
       reached.push_back(identityID);
     }
   }
-  weeks_.clear();
-  spans_.clear();
   return reached;
+}
+
+void ContactLedger::writeMails(Connection& connection) const {
+  RepeatedStatement add(connection, addMails);
+  for (const auto& [identityID, mails] : mails_) {
+    add.execute(identityID, mails.to, mails.from,
+                mails.lastAddedAt.empty() ? std::nullopt : std::optional{mails.lastAddedAt});
+  }
+  RepeatedStatement findAgain(connection, findLastMailAgain);
+  for (const auto& [identityID, mails] : mails_) {
+    if (!mails.lastRemovedAt.empty()) {
+      findAgain.execute(identityID, mails.lastRemovedAt);
+    }
+  }
 }
 
 } // namespace orvan

@@ -20,7 +20,8 @@ class ContactLedger {
   void add(const InteractionRow& row) { count(row, 1); }
   void remove(const InteractionRow& row) { count(row, -1); }
 
-  /// Writes what was counted within the caller's transaction and forgets it. The identities of whom more is known now:
+  /// Writes what was counted within the caller's transaction, after the interactions themselves, and forgets it. The
+  /// identities of whom more is known now:
   /// the user wrote to them, or met them, earlier than was thought.
   std::vector<std::string> write(Connection& connection);
 
@@ -37,13 +38,25 @@ class ContactLedger {
     std::string firstContactAt;
     std::string firstReachedAt;
   };
+  struct Mails {
+    std::int64_t to = 0;
+    std::int64_t from = 0;
+    /// Empty when there is none.
+    std::string lastAddedAt;
+    std::string lastRemovedAt;
+  };
 
   void count(const InteractionRow& row, std::int64_t step);
   void widen(const std::string& identityID, const InteractionRow& row);
+  void countMail(const std::string& identityID, const InteractionRow& row, std::int64_t step);
+  void writeWeeks(Connection& connection) const;
+  std::vector<std::string> writeSpans(Connection& connection) const;
+  void writeMails(Connection& connection) const;
 
   /// In the order of the table's key.
   std::map<std::pair<std::int64_t, std::string>, Counts> weeks_;
   std::map<std::string, Span> spans_;
+  std::map<std::string, Mails> mails_;
 };
 
 } // namespace orvan

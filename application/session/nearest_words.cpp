@@ -1,14 +1,11 @@
-#include "application/cli/nearest_words.h"
+#include "application/session/nearest_words.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <numeric>
 
 namespace orvan {
-namespace {
 
-/// How many letters have to be put in, taken out or changed. A word that is only a beginning needs none.
-std::size_t distance(std::string_view word, std::string_view known) {
+std::size_t stepsBetween(std::string_view word, std::string_view known) {
   if (!word.empty() && known.starts_with(word)) {
     return 0;
   }
@@ -25,14 +22,12 @@ std::size_t distance(std::string_view word, std::string_view known) {
   return row.back();
 }
 
-} // namespace
-
 std::vector<std::string> nearestWords(std::string_view word, const std::vector<std::string>& known) {
   constexpr std::size_t most = 3;
   std::vector<std::string> nearest;
   auto least = static_cast<std::size_t>(-1);
   for (const auto& candidate : known) {
-    const auto steps = distance(word, candidate);
+    const auto steps = stepsBetween(word, candidate);
     if (steps < least) {
       nearest.clear();
       least = steps;
