@@ -14,6 +14,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/precondition.h"
 #include "application/import/ledger/address_use_ledger.h"
+#include "application/import/ledger/batch_size.h"
 #include "application/import/ledger/contact_ledger.h"
 #include "application/import/ledger/handoff.h"
 #include "application/import/ledger/history_rows.h"
@@ -31,21 +32,34 @@ namespace {
 constexpr std::size_t mostBytesPerBatch = std::size_t{40} * 1024 * 1024;
 /// Ends a batch from a slow disk or a far folder early: no more than that is lost when the program is killed.
 constexpr std::chrono::seconds longestReading{10};
+/// Between two batches. Whoever waits for the store looks again within three milliseconds, but may be kept from the
+/// processor for longer.
+constexpr std::chrono::milliseconds turnOfOthers{25};
+
+/// Mails that were read, and what is to be kept along with them.
+struct ReadBatch {
+  MailBatch mails;
+  KeptAlong keptAlong;
+};
 
 /// Reads the source on its own thread, a batch ahead of the writer.
 class BatchReader {
  public:
-  BatchReader(MailSource& source, KnownAddresses known, std::size_t mailsPerBatch, ImportWatch& watch)
-      : source_(source), known_(std::move(known)), mailsPerBatch_(mailsPerBatch), watch_(watch), thread_([this] {
-          run();
-        }) {}
+  BatchReader(MailSource& source, KnownAddresses known, const BatchSize& mailsPerBatch, ImportWatch& watch,
+              const AskWhatToKeep& askWhatToKeep)
+      : source_(source),
+        known_(std::move(known)),
+        mailsPerBatch_(mailsPerBatch),
+        watch_(watch),
+        askWhatToKeep_(askWhatToKeep),
+        thread_([this] { run(); }) {}
 
   ~BatchReader() { batches_.abandon(); }
   BatchReader(const BatchReader&) = delete;
   BatchReader& operator=(const BatchReader&) = delete;
 
   /// The next batch; nothing at the end. After the end, rethrow() tells whether the source failed.
-  std::optional<MailBatch> next() { return batches_.take(); }
+  std::optional<ReadBatch> next() { return batches_.take(); }
 
   void rethrow() {
     thread_.join();
@@ -61,9 +75,12 @@ class BatchReader {
   void run() {
     bool isMore = true;
     while (isMore) {
-      MailBatch batch;
-      isMore = fill(batch);
-      if (batch.size() > 0) {
+      ReadBatch batch;
+      isMore = fill(batch.mails);
+      if (askWhatToKeep_) {
+        batch.keptAlong = askWhatToKeep_();
+      }
+      if (batch.mails.size() > 0 || batch.keptAlong) {
         isMore = batches_.give(std::move(batch)) && isMore;
       }
     }
@@ -74,7 +91,7 @@ class BatchReader {
   bool fill(MailBatch& batch) {
     const auto end = std::chrono::steady_clock::now() + longestReading;
     try {
-      while (batch.size() < mailsPerBatch_ && batch.bytes() < mostBytesPerBatch &&
+      while (batch.size() < mailsPerBatch_.get() && batch.bytes() < mostBytesPerBatch &&
              std::chrono::steady_clock::now() < end) {
         if (watch_.isStopRequested()) {
           isStopped_ = true;
@@ -104,10 +121,11 @@ class BatchReader {
 
   MailSource& source_;
   KnownAddresses known_;
-  std::size_t mailsPerBatch_;
+  const BatchSize& mailsPerBatch_;
   ImportWatch& watch_;
+  const AskWhatToKeep& askWhatToKeep_;
   std::int64_t itemsRead_ = 0;
-  Handoff<MailBatch> batches_;
+  Handoff<ReadBatch> batches_;
   // Written by the thread, read after it ended.
   std::exception_ptr failure_;
   bool isStopped_ = false;
@@ -345,6 +363,17 @@ class BatchWriter {
   std::vector<std::string> touchedThreadIDs_;
 };
 
+/// How long `body` had the store.
+template <typename Body>
+std::chrono::duration<double> timedWrite(DatabaseQueue& store, Body body) {
+  std::chrono::steady_clock::time_point begin;
+  store.write([&](Connection& connection) {
+    begin = std::chrono::steady_clock::now();
+    body(connection);
+  });
+  return std::chrono::steady_clock::now() - begin;
+}
+
 void emptyLog(Connection& connection) {
   connection.execute("PRAGMA wal_checkpoint(PASSIVE)");
 }
@@ -357,11 +386,12 @@ MailImporter::MailImporter(DatabaseQueue& store, ImportContext context, std::siz
   precondition(mailsPerBatch > 0, "A batch holds at least one mail.");
 }
 
-MailReport MailImporter::import(MailSource& source, const BatchWritten& batchWritten) {
+MailReport MailImporter::import(MailSource& source, const BatchWritten& batchWritten,
+                                const AskWhatToKeep& askWhatToKeep) {
   const auto now = formatInternetDateTime(context_.now);
   SourceAccount account;
   const auto known = store_.write([&](Connection& connection) {
-    account = mailAccountOf(context_.ownAddresses.front(), connection);
+    account = context_.account ? *context_.account : mailAccountOf(context_.ownAddresses.front(), connection);
     recordImportStarted(account, now, connection);
     return KnownAddresses{rememberOwnAddresses(context_.ownAddresses, now, connection), listIdentityIDs(connection)};
   });
@@ -371,13 +401,21 @@ MailReport MailImporter::import(MailSource& source, const BatchWritten& batchWri
   auto& watch = context_.watch == nullptr ? unwatched : *context_.watch;
   watch.tellRead(0, {source.amountRead(), source.amountTotal()});
   watch.tellStored(0);
-  BatchReader reader(source, known, mailsPerBatch_, watch);
+  BatchSize mailsPerBatch(mailsPerBatch_, context_.pace);
+  BatchReader reader(source, known, mailsPerBatch, watch, askWhatToKeep);
   while (auto batch = reader.next()) {
     auto soFar = report;
-    store_.write([&](Connection& connection) { BatchWriter(account, now, connection).write(*batch, soFar); });
+    const auto took = timedWrite(store_, [&](Connection& connection) {
+      BatchWriter(account, now, connection).write(batch->mails, soFar);
+      if (batch->keptAlong) {
+        batch->keptAlong(connection);
+      }
+    });
+    mailsPerBatch.tellWritten(batch->mails.size(), took);
     report = std::move(soFar);
     watch.tellStored(report.read);
     store_.withoutTransaction(emptyLog);
+    std::this_thread::sleep_for(turnOfOthers);
     if (batchWritten) {
       batchWritten(report);
     }

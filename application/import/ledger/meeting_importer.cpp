@@ -84,7 +84,7 @@ bool markSeen(const std::string& interactionID, const std::string& calendar, std
   connection.execute(R"sql(
 INSERT INTO calendar_entry (interaction_id, calendar, seen_in)
 VALUES (?, ?, ?)
-ON CONFLICT(interaction_id, calendar) DO UPDATE SET seen_in = excluded.seen_in
+ON CONFLICT(interaction_id, calendar) DO UPDATE SET seen_in = max(seen_in, excluded.seen_in)
 )sql",
                      interactionID, calendar, import);
   return isKnown;
@@ -126,8 +126,9 @@ class CalendarImport {
  public:
   CalendarImport(std::string calendar, std::string now) : calendar_(std::move(calendar)), now_(std::move(now)) {}
 
-  void begin(const std::vector<std::string>& ownAddresses, Connection& connection) {
-    account_ = calendarAccountOf(ownAddresses.front(), connection);
+  void begin(const ImportContext& context, Connection& connection) {
+    const auto& ownAddresses = context.ownAddresses;
+    account_ = context.account ? *context.account : calendarAccountOf(ownAddresses.front(), connection);
     recordImportStarted(account_, now_, connection);
     ownAddresses_ = rememberOwnAddresses(ownAddresses, now_, connection);
     number_ = numberOfThisImport(calendar_, connection);
@@ -213,7 +214,7 @@ MeetingImporter::MeetingImporter(DatabaseQueue& store, ImportContext context, co
 
 MeetingReport MeetingImporter::import(CalendarSource& source) {
   CalendarImport import(calendar_, formatInternetDateTime(context_.now));
-  store_.write([&](Connection& connection) { import.begin(context_.ownAddresses, connection); });
+  store_.write([&](Connection& connection) { import.begin(context_, connection); });
 
   MeetingReport report;
   ImportWatch unwatched;

@@ -55,10 +55,14 @@ LineReader::File::~File() {
   close(descriptor);
 }
 
-LineReader::LineReader(const std::filesystem::path& path)
+LineReader::LineReader(const std::filesystem::path& path, std::uint64_t startAt)
     : file_{path},
       buffer_{std::make_unique_for_overwrite<char[]>(bufferSize)},
+      position_{startAt},
       fileSize_{sizeOfFile(file_.descriptor, path)} {
+  if (startAt > 0 && lseek(file_.descriptor, static_cast<off_t>(startAt), SEEK_SET) < 0) {
+    throw Error{MailSourceError::readFailed, path.string()};
+  }
   findPiece(true);
 }
 

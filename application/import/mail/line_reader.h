@@ -19,8 +19,9 @@ class LineReader {
     bool startsLine = false;
   };
 
-  /// Opens `path`. Throws Error with a MailSourceError; its text names `path` as given.
-  explicit LineReader(const std::filesystem::path& path);
+  /// Opens `path` and begins at that byte, where a line has to begin. Throws Error with a MailSourceError; its text
+  /// names `path` as given.
+  explicit LineReader(const std::filesystem::path& path, std::uint64_t startAt = 0);
 
   /// The piece at the current position, null at the end of the file. Looking does not move.
   const Piece* current() const noexcept { return piece_.text.empty() ? nullptr : &piece_; }
@@ -57,7 +58,7 @@ class LineReader {
   bool followsBlankLine_ = true;
   bool currentLineIsBlank_ = false;
   bool atEnd_ = false;
-  std::uint64_t position_ = 0;
+  std::uint64_t position_;
   std::uint64_t fileSize_;
 };
 

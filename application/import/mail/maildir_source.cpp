@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "application/import/mail/line_reader.h"
+#include "application/import/mail/mail_file.h"
 #include "application/import/mail/mail_source_error.h"
 
 namespace orvan {
@@ -76,31 +76,6 @@ std::uint64_t countFilesIn(const fs::path& folder) {
   return count;
 }
 
-/// The letters after ":2," at the end of a name. File systems that forbid the colon have "!" or ";" in its place.
-std::string_view flagsOf(std::string_view name) noexcept {
-  const auto comma = name.rfind("2,");
-  if (comma == std::string_view::npos || comma == 0 || !std::string_view{":;!"}.contains(name[comma - 1])) {
-    return {};
-  }
-  return name.substr(comma + 2);
-}
-
-std::optional<MailSkip> skipForFlags(std::string_view name) noexcept {
-  const auto flags = flagsOf(name);
-  if (flags.contains('T')) {
-    return MailSkip{MailSkipReason::trashed};
-  }
-  if (flags.contains('D')) {
-    return MailSkip{MailSkipReason::draft};
-  }
-  return std::nullopt;
-}
-
-bool isMailFile(const fs::path& path) {
-  std::error_code error;
-  return fs::is_regular_file(path, error);
-}
-
 } // namespace
 
 MaildirSource::MaildirSource(const fs::path& path, std::set<std::string> ownAddresses)
@@ -142,24 +117,10 @@ bool MaildirSource::moveToNextFolder() {
 }
 
 MailItem MaildirSource::readMail(const std::string& name) {
-  const auto path = folder_ / name;
   if (const auto skip = skipForFlags(name)) {
     return *skip;
   }
-  // Anything else than a file, a pipe for one, could keep the reader waiting for ever.
-  if (!isMailFile(path)) {
-    return MailSkip{MailSkipReason::unreadable};
-  }
-  try {
-    LineReader lines{path};
-    mail_.clear();
-    for (; lines.current(); lines.advance()) {
-      mail_.append(*lines.current());
-    }
-  } catch (const Error&) {
-    return MailSkip{MailSkipReason::unreadable};
-  }
-  return parser_.parse(mail_);
+  return readMailFile(folder_ / name, parser_, mail_);
 }
 
 } // namespace orvan

@@ -7,8 +7,12 @@
 
 namespace orvan {
 
-MboxSource::MboxSource(const std::filesystem::path& path, std::set<std::string> ownAddresses)
-    : lines_{path}, parser_{BodyLines::fromEscaped, std::move(ownAddresses)} {}
+MboxSource::MboxSource(const std::filesystem::path& path, std::set<std::string> ownAddresses, std::uint64_t startAt)
+    : startAt_{startAt},
+      lines_{path, startAt},
+      parser_{BodyLines::fromEscaped, std::move(ownAddresses)},
+      latest_{startAt},
+      separator_{startAt} {}
 
 std::optional<MailItem> MboxSource::next() {
   if (!isInMail_ && skipTextBeforeFirstMail()) {
@@ -17,6 +21,7 @@ std::optional<MailItem> MboxSource::next() {
   if (!isInMail_) {
     return std::nullopt;
   }
+  latest_ = separator_;
   readMail();
   return parser_.parse(mail_);
 }
@@ -69,7 +74,8 @@ bool MboxSource::mayBeSeparator() const noexcept {
 /// Whether the line is a separator shows in the one after it, so it is passed either way, and kept in `passedLine_` for
 /// when it is not.
 bool MboxSource::passSeparator() {
-  const bool beginsFile = lines_.position() == 0;
+  const auto position = lines_.position();
+  const bool beginsFile = position == startAt_;
   const bool followsBlankLine = lines_.followsBlankLine();
   passedLine_ = lines_.current()->text;
   lines_.advance();
@@ -79,7 +85,11 @@ bool MboxSource::passSeparator() {
   const auto* following = lines_.current();
   const bool isDated = isDatedFromLine(passedLine_);
   const bool fieldFollows = following != nullptr && following->startsLine && beginsHeaderField(following->text);
-  return beginsFile || (followsBlankLine ? isDated || fieldFollows : isDated && fieldFollows);
+  const bool separates = beginsFile || (followsBlankLine ? isDated || fieldFollows : isDated && fieldFollows);
+  if (separates) {
+    separator_ = position;
+  }
+  return separates;
 }
 
 } // namespace orvan

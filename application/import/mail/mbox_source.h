@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -22,11 +23,20 @@ class MboxSource final : public MailSource {
  public:
   /// Opens the file. Throws Error with a MailSourceError; its text names `path` as given. `ownAddresses` are
   /// for the parser: see MailParser.
-  explicit MboxSource(const std::filesystem::path& path, std::set<std::string> ownAddresses = {});
+  ///
+  /// Reading can begin at a mail that an earlier reading found, at the first byte of its separator.
+  explicit MboxSource(const std::filesystem::path& path, std::set<std::string> ownAddresses = {},
+                      std::uint64_t startAt = 0);
 
   std::optional<MailItem> next() override;
   std::uint64_t amountRead() const noexcept override;
   std::uint64_t amountTotal() const noexcept override;
+
+  /// Where the separator of the mail begins that next() gave last, and that of the mail that it gives next.
+  std::uint64_t beginningOfLatest() const noexcept { return latest_; }
+  std::uint64_t beginningOfNext() const noexcept { return separator_; }
+  /// Whether next() has given the last mail: a program that is writing the file may not be done with it.
+  bool isAtEnd() const noexcept { return !isInMail_; }
 
  private:
   bool skipTextBeforeFirstMail();
@@ -34,12 +44,15 @@ class MboxSource final : public MailSource {
   bool mayBeSeparator() const noexcept;
   bool passSeparator();
 
+  std::uint64_t startAt_;
   LineReader lines_;
   MailParser parser_;
   RawMail mail_;
   std::string passedLine_;
   /// A separator was passed, and the mail after it was not yet read.
   bool isInMail_ = false;
+  std::uint64_t latest_;
+  std::uint64_t separator_;
 };
 
 } // namespace orvan
