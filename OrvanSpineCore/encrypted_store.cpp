@@ -104,33 +104,88 @@ void emptyLog(Connection& connection) {
   }
 }
 
-void checkBackup(int code, Connection& destination) {
-  if (code != SQLITE_DONE && code != SQLITE_OK) {
-    throw StoreError::latestOf(destination.handle(), "copying the store");
+/// Ends with the copying, whatever happens to it.
+class Copying {
+ public:
+  Copying(Connection& source, Connection& destination)
+      : destination_(destination), backup_(sqlite3_backup_init(destination.handle(), "main", source.handle(), "main")) {
+    if (backup_ == nullptr) {
+      throw StoreError::latestOf(destination.handle(), attempt);
+    }
+  }
+  ~Copying() { sqlite3_backup_finish(backup_); }
+  Copying(const Copying&) = delete;
+  Copying& operator=(const Copying&) = delete;
+
+  void run(const CopyProgress& progress) {
+    constexpr int pagesAtOnce = 4096;
+    int code = SQLITE_OK;
+    while (code == SQLITE_OK) {
+      code = sqlite3_backup_step(backup_, pagesAtOnce);
+      if (progress) {
+        const std::int64_t total = sqlite3_backup_pagecount(backup_);
+        progress(total - sqlite3_backup_remaining(backup_), total);
+      }
+    }
+    const int end = sqlite3_backup_finish(std::exchange(backup_, nullptr));
+    if (code != SQLITE_DONE || end != SQLITE_OK) {
+      throw StoreError::latestOf(destination_.handle(), attempt);
+    }
+  }
+
+ private:
+  static constexpr const char* attempt = "copying the store";
+  Connection& destination_;
+  sqlite3_backup* backup_;
+};
+
+/// In one read transaction of the source's, because the copying begins again whenever that changes.
+void copyContent(DatabaseQueue& source, DatabaseQueue& destination, const CopyProgress& progress) {
+  source.read([&](Connection& from) {
+    countSchemaRows(from);
+    destination.withoutTransaction([&](Connection& to) { Copying(from, to).run(progress); });
+  });
+}
+
+/// Nothing has to be beside the file of a store without a log for it to be read.
+void giveUpLog(Connection& connection) {
+  connection.executeScript("PRAGMA journal_mode = DELETE");
+}
+
+/// With a log, the connections of others would keep their locks while they do nothing; without one, nobody reads a
+/// single page while the pages change. EXTRA: a journal whose removal is not on disk would bring back the former pages
+/// after a power cut, with their key.
+void becomeOnlyUser(Connection& connection) {
+  connection.executeScript("PRAGMA locking_mode = EXCLUSIVE");
+  giveUpLog(connection);
+  connection.executeScript("PRAGMA synchronous = EXTRA");
+}
+
+void encryptAnew(Connection& connection, const CredentialVault& successor) {
+  const SecretBytes key = keyOf(successor);
+  if (key.size() != keyLength) {
+    throw Error(EncryptedStoreError::invalidKeyLength, "changing the store's key");
+  }
+  const int code = sqlite3_rekey(connection.handle(), key.bytes().data(), static_cast<int>(key.size()));
+  if (code != SQLITE_OK) {
+    throw StoreError({code, sqliteCategory()}, "changing the store's key");
   }
 }
 
-void copyContent(Connection& source, Connection& destination) {
-  constexpr int allPages = -1;
-  auto* const backup = sqlite3_backup_init(destination.handle(), "main", source.handle(), "main");
-  if (backup == nullptr) {
-    throw StoreError::latestOf(destination.handle(), "copying the store");
-  }
-  sqlite3_backup_step(backup, allPages);
-  checkBackup(sqlite3_backup_finish(backup), destination);
-}
-
-/// Makes a store that appears at `file` once `fill` has filled it.
-template <typename Fill>
-void makeStore(const std::filesystem::path& file, const CredentialVault& vault, Fill fill) {
+/// Makes a store that appears at `file` once `fill` has filled it and `approve` has nothing against it.
+template <typename Fill, typename Approve>
+void makeStore(const std::filesystem::path& file, const CredentialVault& vault, Fill fill, Approve approve) {
   NewFile made(file);
   {
     DatabaseQueue store(made.path(), configurationFor(termsOf(StoreRole::programWriter), vault));
     fill(store);
     store.withoutTransaction(emptyLog);
   }
+  approve(made.path());
   made.appear();
 }
+
+void approveUnseen(const std::filesystem::path& /*made*/) {}
 
 } // namespace
 
@@ -139,7 +194,7 @@ EncryptedStore::EncryptedStore(const std::filesystem::path& file, CredentialVaul
 
 void EncryptedStore::create() const {
   try {
-    makeStore(file_, vault_, [](DatabaseQueue& store) { store.write(createCanonicalSchema); });
+    makeStore(file_, vault_, [](DatabaseQueue& store) { store.write(createCanonicalSchema); }, approveUnseen);
   } catch (const Error& error) {
     if (error.code() == std::errc::file_exists) {
       throw Error(EncryptedStoreError::storeExists, "creating the store");
@@ -150,9 +205,38 @@ void EncryptedStore::create() const {
 
 void EncryptedStore::copyTo(const std::filesystem::path& destination) const {
   const auto source = openQueue(StoreRole::programReader);
-  makeStore(destination, vault_, [&source](DatabaseQueue& copy) {
-    source->withoutTransaction(
-        [&copy](Connection& from) { copy.withoutTransaction([&from](Connection& to) { copyContent(from, to); }); });
+  makeStore(
+      destination, vault_, [&source](DatabaseQueue& copy) { copyContent(*source, copy, nullptr); }, approveUnseen);
+}
+
+void EncryptedStore::copyTo(const EncryptedStore& destination, CopyForm form,
+                            const std::function<void(Connection&)>& approve, const CopyProgress& progress) const {
+  const auto source = openQueue(StoreRole::programReader);
+  makeStore(
+      destination.file_, destination.vault_,
+      [&](DatabaseQueue& copy) {
+        copyContent(*source, copy, progress);
+        if (form == CopyForm::singleFile) {
+          copy.withoutTransaction(giveUpLog);
+        }
+      },
+      [&](const std::filesystem::path& made) {
+        DatabaseQueue copy(made, configurationFor(termsOf(StoreRole::programReader), destination.vault_));
+        copy.withoutTransaction(approve);
+      });
+}
+
+void EncryptedStore::copyInto(const EncryptedStore& destination, const CopyProgress& progress) const {
+  const auto source = openQueue(StoreRole::programReader);
+  const auto target = destination.openQueue(StoreRole::programWriter);
+  copyContent(*source, *target, progress);
+}
+
+void EncryptedStore::changeKey(const CredentialVault& successor, const std::function<void()>& begin) const {
+  openQueue(StoreRole::applicationWriter)->withoutTransaction([&](Connection& connection) {
+    becomeOnlyUser(connection);
+    begin();
+    encryptAnew(connection, successor);
   });
 }
 

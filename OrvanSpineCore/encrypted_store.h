@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "OrvanSpineCore/credential_vault.h"
@@ -41,6 +43,17 @@ enum class StoreRole {
   applicationMover,
 };
 
+/// What the file of a copy is to be.
+enum class CopyForm {
+  /// A store to work with, as create() makes it.
+  store,
+  /// One file with nothing beside it, which can be read where nothing can be written.
+  singleFile,
+};
+
+/// How far the copying is, in pages. Called now and then, on the thread that copies.
+using CopyProgress = std::function<void(std::int64_t copied, std::int64_t total)>;
+
 /// The road into an encrypted store file: every connection to one is opened here, so that all of them agree on the key,
 /// on what is refused, and on how the file is treated.
 ///
@@ -67,6 +80,23 @@ class EncryptedStore {
   /// Writes what the store holds at this moment into a new file, encrypted with the same key, as create() does; others
   /// may use the store meanwhile.
   void copyTo(const std::filesystem::path& destination) const;
+
+  /// The same, encrypted with the key of `destination`. `approve` is given the copy, opened anew to be read, before it
+  /// gets its name; when it throws, there is no copy.
+  void copyTo(const EncryptedStore& destination, CopyForm form, const std::function<void(Connection&)>& approve,
+              const CopyProgress& progress) const;
+
+  /// Replaces all that `destination` holds with what this one holds, in one transaction, whatever key each has. Others
+  /// may use `destination` meanwhile: they see what it held until that is committed. Writers wait for it.
+  void copyInto(const EncryptedStore& destination, const CopyProgress& progress) const;
+
+  /// Encrypts the store anew with the key that `successor` holds, as a whole or not at all; which of the two it came to
+  /// is found by opening it, for a failure may be told that came after all was done. Fails with SQLITE_BUSY when
+  /// anybody else has the store open, and keeps it from being opened until it returns.
+  ///
+  /// `begin` is called when nobody else can open the store any more and before anything of it has changed: here the
+  /// caller keeps the new key for good.
+  void changeKey(const CredentialVault& successor, const std::function<void()>& begin) const;
 
   bool exists() const noexcept;
 

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <span>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
@@ -112,13 +111,13 @@ std::optional<SecretBytes> KeyFile::loadLocalStoreKey() const {
 }
 
 void KeyFile::create() const {
-  SecretBytes key(keyLength);
-  if (RAND_priv_bytes(key.bytes().data(), static_cast<int>(key.size())) != 1) {
-    fail(CredentialVaultError::accessFailed, "making a random key");
-  }
+  keep(makeKey().bytes());
+}
+
+void KeyFile::keep(std::span<const unsigned char> key) const {
   try {
     internal::NewFile file(path_);
-    writeInto(file.path(), key.bytes());
+    writeInto(file.path(), key);
     file.appear();
   } catch (const Error& error) {
     if (error.code() == std::errc::file_exists) {
@@ -126,6 +125,14 @@ void KeyFile::create() const {
     }
     fail(CredentialVaultError::accessFailed, "making the key file");
   }
+}
+
+SecretBytes KeyFile::makeKey() {
+  SecretBytes key(keyLength);
+  if (RAND_priv_bytes(key.bytes().data(), static_cast<int>(key.size())) != 1) {
+    fail(CredentialVaultError::accessFailed, "making a random key");
+  }
+  return key;
 }
 
 } // namespace orvan

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <span>
 
 #include "OrvanSpineCore/credential_vault.h"
 
@@ -26,6 +27,12 @@ class KeyFile final : public CredentialSource {
   /// keyExists when the file is there. The caller makes sure that no store exists yet: a store's content is lost with
   /// its key.
   void create() const;
+
+  /// Writes these bytes in the same way.
+  void keep(std::span<const unsigned char> key) const;
+
+  /// A new random key of keyLength bytes.
+  static SecretBytes makeKey();
 
  private:
   std::filesystem::path path_;

@@ -35,6 +35,7 @@ using Secret = std::unique_ptr<SecretValue, FreeSecret>;
 
 constexpr const char* reading = "reading the store key from the keyring";
 constexpr const char* storing = "storing the store key in the keyring";
+constexpr const char* removing = "removing a store key from the keyring";
 constexpr const char* adviceLocked = "; unlock the login keyring and try again";
 constexpr const char* adviceUnavailable = "; start a keyring service in this session, or use a key file";
 
@@ -159,6 +160,12 @@ class KeyringSession {
     failure.check(attempt_);
   }
 
+  void remove(const std::string& storeIdentifier) const {
+    Failure failure;
+    secret_service_clear_sync(service_.get(), &schema(), attributesOf(storeIdentifier).get(), nullptr, failure.slot());
+    failure.check(attempt_);
+  }
+
  private:
   static Reference<GDBusConnection> connect(const char* attempt) {
     Reference<GDBusConnection> bus{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)};
@@ -210,6 +217,12 @@ void SecretServiceVault::storeLocalStoreKey(std::span<const unsigned char, keyLe
   if (kept == nullptr || !holds(kept.get(), key)) {
     fail(CredentialVaultError::accessFailed, "reading back the store key from the keyring");
   }
+}
+
+void SecretServiceVault::removeLocalStoreKey() const {
+  const KeyringSession session{removing};
+  session.requireUnlocked();
+  session.remove(storeIdentifier_);
 }
 
 } // namespace orvan

@@ -39,6 +39,10 @@ class SecretServiceVault final : public CredentialSource {
   /// store would be lost with it. For the same reason the caller makes a new key only while no store file exists.
   void storeLocalStoreKey(std::span<const unsigned char, keyLength> key) const;
 
+  /// Takes the key out of the keyring, if it is there. Throws as loadLocalStoreKey() does. A store that has no other
+  /// key kept for it is lost with it.
+  void removeLocalStoreKey() const;
+
  private:
   std::string storeIdentifier_;
 };
