@@ -6,8 +6,8 @@
 
 #include "OrvanObservatory/attention_projection_reader.h"
 #include "OrvanObservatory/store_projection_reader.h"
-#include "OrvanSpineCore/key_file.h"
 #include "application/session/person_lookup.h"
+#include "application/store/key_change.h"
 
 namespace orvan {
 
@@ -45,7 +45,7 @@ class Session::PeopleToLookAt final : public ProjectionReader {
 
 Session::Session(SessionSettings settings)
     : settings_(std::move(settings)),
-      vault_(std::make_shared<KeyFile>(settings_.keyFile)),
+      vault_(std::make_shared<StoreKey>(settings_.keyFile)),
       people_(std::make_shared<PeopleToLookAt>(settings_.peopleCap)) {}
 
 Session::~Session() = default;
@@ -78,6 +78,8 @@ void Session::openForDeciding() {
 void Session::open(ApplicationStore::Access access) {
   settings_.requirePrivateFolder();
   ApplicationStore::requireUsableFile(settings_.store);
+  // Before all connections that are opened at once.
+  settleKeyChange(settings_.store, StoreKey(settings_.keyFile));
   std::future<std::unique_ptr<AttentionEvidenceCompiler>> compiler;
   if (compiler_ == nullptr) {
     compiler = std::async(std::launch::async, [this] {
@@ -103,6 +105,7 @@ DatabaseQueue& Session::store(ApplicationStore::Access access) {
   const bool suffices = access_ == ApplicationStore::Access::write || access == ApplicationStore::Access::read;
   if (store_ == nullptr || !suffices) {
     settings_.requirePrivateFolder();
+    settleKeyChange(settings_.store, StoreKey(settings_.keyFile));
     store_ = ApplicationStore::open(settings_.store, vault_, access);
     access_ = access;
   }

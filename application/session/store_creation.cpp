@@ -5,9 +5,9 @@
 
 #include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/credential_vault.h"
-#include "OrvanSpineCore/key_file.h"
 #include "application/session/session_error.h"
 #include "application/store/application_store.h"
+#include "application/store/key_change.h"
 
 namespace orvan {
 namespace {
@@ -36,33 +36,39 @@ void createPrivateFolder(const std::filesystem::path& file) {
 }
 
 /// Never while there is a store: a new key could not open it.
-KeyOrigin ensureKey(const SessionSettings& settings) {
-  const KeyFile keyFile(settings.keyFile);
-  if (keyFile.loadLocalStoreKey()) {
-    return KeyOrigin::found;
-  }
+KeyOrigin ensureKey(const SessionSettings& settings, KeyPlace place) {
+  const StoreKey key(settings.keyFile);
   try {
-    keyFile.create();
-    return KeyOrigin::made;
+    if (!key.exists()) {
+      key.create(place);
+      return KeyOrigin::made;
+    }
   } catch (const Error& error) {
     // Another program made it at this moment.
     if (error.code() != CredentialVaultError::keyExists) {
       throw;
     }
-    return KeyOrigin::found;
   }
+  if (place == KeyPlace::keyring && key.place() == KeyPlace::file) {
+    moveStoreKey(settings.store, key, place);
+  }
+  return KeyOrigin::found;
 }
 
 } // namespace
 
-KeyOrigin createStoreAndKey(const SessionSettings& settings) {
+KeyOrigin createStoreAndKey(const SessionSettings& settings, KeyPlace place) {
   refuseExistingStore(settings);
+  createStoreFolders(settings);
+  const auto key = ensureKey(settings, place);
+  ApplicationStore::create(settings.store, CredentialVault(std::make_shared<StoreKey>(settings.keyFile)));
+  return key;
+}
+
+void createStoreFolders(const SessionSettings& settings) {
   createPrivateFolder(settings.store);
   settings.requirePrivateFolder();
   createPrivateFolder(settings.keyFile);
-  const auto key = ensureKey(settings);
-  ApplicationStore::create(settings.store, CredentialVault(std::make_shared<KeyFile>(settings.keyFile)));
-  return key;
 }
 
 } // namespace orvan

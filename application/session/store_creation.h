@@ -1,6 +1,7 @@
 #pragma once
 
 #include "application/session/session_settings.h"
+#include "application/store/store_key.h"
 
 namespace orvan {
 
@@ -11,6 +12,12 @@ enum class KeyOrigin { made, found };
 ///
 /// Throws Error: ApplicationStoreError::storeExists, or keyMissingForStore when that store lacks its key, which must
 /// never get a new one; SessionError::cannotMakeFolder; what the key file and ApplicationStore::create throw.
-KeyOrigin createStoreAndKey(const SessionSettings& settings);
+///
+/// The key is kept in `place`; one that is there already is brought there.
+KeyOrigin createStoreAndKey(const SessionSettings& settings, KeyPlace place = KeyPlace::file);
+
+/// Makes the folders alone. Throws SessionError::cannotMakeFolder, and folderNotPrivate when others can look into the
+/// store's.
+void createStoreFolders(const SessionSettings& settings);
 
 } // namespace orvan

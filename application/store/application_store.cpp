@@ -16,59 +16,6 @@
 namespace orvan {
 namespace {
 
-ApplicationStoreError failureOf(EncryptedStoreError error) {
-  switch (error) {
-    case EncryptedStoreError::storeMissing:
-      return ApplicationStoreError::storeMissing;
-    case EncryptedStoreError::storeExists:
-      return ApplicationStoreError::storeExists;
-    case EncryptedStoreError::notRegularFile:
-      return ApplicationStoreError::storeNotRegular;
-    case EncryptedStoreError::notPrivate:
-      return ApplicationStoreError::storeNotPrivate;
-    case EncryptedStoreError::plaintext:
-      return ApplicationStoreError::plaintextStore;
-    case EncryptedStoreError::invalidKeyLength:
-      return ApplicationStoreError::keyMalformed;
-    case EncryptedStoreError::engineCannotEncrypt:
-    case EncryptedStoreError::deletedStaysReadable:
-      return ApplicationStoreError::engineCannotEncrypt;
-    case EncryptedStoreError::notCanonical:
-      return ApplicationStoreError::notOurStore;
-    case EncryptedStoreError::empty:
-      return ApplicationStoreError::storeEmpty;
-    case EncryptedStoreError::schemaOlder: // Stays so only where it could not be moved forward.
-      return ApplicationStoreError::storeReadOnly;
-    case EncryptedStoreError::schemaNewer:
-      return ApplicationStoreError::storeNewer;
-  }
-  return ApplicationStoreError::cannotReachStore;
-}
-
-/// The same error in the application's words; what the vault throws stays what it is.
-[[noreturn]] void throwAsOurs(const Error& error, const char* attempt) {
-  const auto& code = error.code();
-  if (const auto* fault = dynamic_cast<const StoreError*>(&error)) {
-    throw Error(failureOf(*fault), attempt);
-  }
-  if (code.category() == make_error_code(EncryptedStoreError{}).category()) {
-    throw Error(failureOf(static_cast<EncryptedStoreError>(code.value())), attempt);
-  }
-  if (code.category() == std::generic_category()) {
-    throw Error(failureOfSystem(code), attempt);
-  }
-  throw error;
-}
-
-template <typename Attempt>
-auto inOurWords(const char* attempt, Attempt body) {
-  try {
-    return body();
-  } catch (const Error& error) {
-    throwAsOurs(error, attempt);
-  }
-}
-
 void requireTables(Connection& connection) {
   constexpr std::array tables{"person", "interaction", "thread", "source_event", "relationship_attention_disposition"};
   const bool allThere = std::ranges::all_of(tables, [&connection](const char* table) {
@@ -162,7 +109,7 @@ void moveForward(const EncryptedStore& store) {
 
 void ApplicationStore::create(const std::filesystem::path& file, const CredentialVault& vault) {
   try {
-    inOurWords("creating the store", [&] { EncryptedStore(file, vault).create(); });
+    inApplicationWords("creating the store", [&] { EncryptedStore(file, vault).create(); });
   } catch (const Error& error) {
     if (error.code() == ApplicationStoreError::cannotReachStore ||
         error.code() == ApplicationStoreError::cannotReadStore) {
@@ -173,12 +120,12 @@ void ApplicationStore::create(const std::filesystem::path& file, const Credentia
 }
 
 void ApplicationStore::requireUsableFile(const std::filesystem::path& file) {
-  inOurWords("looking at the store", [&] { EncryptedStore::examine(file, StoreRole::applicationWriter); });
+  inApplicationWords("looking at the store", [&] { EncryptedStore::examine(file, StoreRole::applicationWriter); });
 }
 
 std::shared_ptr<DatabaseQueue> ApplicationStore::open(const std::filesystem::path& file, const CredentialVault& vault,
                                                       Access access) {
-  return inOurWords("opening the store", [&] {
+  return inApplicationWords("opening the store", [&] {
     const EncryptedStore store(file, vault);
     if (auto opened = openUnlessOlder(store, roleFor(access))) {
       return opened;
@@ -213,6 +160,20 @@ std::vector<std::string> ApplicationStore::missingSchemaParts(Connection& connec
   return missing;
 }
 
+StoreDamage ApplicationStore::damage(Connection& connection) {
+  try {
+    if (connection.query("PRAGMA cipher_integrity_check").next()) {
+      return StoreDamage::pages;
+    }
+    return connection.fetchOptionalText("PRAGMA quick_check") == "ok" ? StoreDamage::none : StoreDamage::tables;
+  } catch (const StoreError& error) {
+    if (failureOf(error) != ApplicationStoreError::cannotDecrypt) {
+      throw;
+    }
+    return StoreDamage::pages;
+  }
+}
+
 std::uintmax_t ApplicationStore::logSize(const std::filesystem::path& file) {
   std::error_code missing;
   const auto size = std::filesystem::file_size(EncryptedStore::logFileOf(file), missing);
@@ -220,17 +181,23 @@ std::uintmax_t ApplicationStore::logSize(const std::filesystem::path& file) {
 }
 
 std::vector<std::filesystem::path> ApplicationStore::copiesLeft(const std::filesystem::path& file) {
-  std::vector<std::filesystem::path> copies;
+  return filesBeside(file, copyInfix);
+}
+
+std::vector<std::filesystem::path> ApplicationStore::filesBeside(const std::filesystem::path& file,
+                                                                 std::string_view ending) {
+  std::vector<std::filesystem::path> found;
   const auto store = EncryptedStore::fileBehind(file);
-  const auto beginning = store.filename().native() + copyInfix;
+  const auto beginning = store.filename().native() + std::string{ending};
   std::error_code unreadable;
   for (std::filesystem::directory_iterator entry(store.parent_path(), unreadable), end; !unreadable && entry != end;
        entry.increment(unreadable)) {
     if (entry->path().filename().native().starts_with(beginning)) {
-      copies.push_back(entry->path());
+      found.push_back(entry->path());
     }
   }
-  return copies;
+  std::ranges::sort(found);
+  return found;
 }
 
 } // namespace orvan

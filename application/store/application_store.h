@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "OrvanSpineCore/credential_vault.h"
@@ -11,6 +12,8 @@
 #include "application/store/application_store_error.h"
 
 namespace orvan {
+
+enum class StoreDamage { none, pages, tables };
 
 /// The store as its owner, the application, handles it: made, opened for the importers and the people list, and
 /// checkpointed. Every failure to make or open it is an Error with an ApplicationStoreError, or with a
@@ -48,12 +51,19 @@ class ApplicationStore {
   /// The canonical tables, columns and indices that the store lacks, in their creation's words.
   static std::vector<std::string> missingSchemaParts(Connection& connection);
 
+  /// What is wrong with a store that opens. Every page is read: each carries a code that tells whether it is as it was
+  /// written. Outside a transaction.
+  static StoreDamage damage(Connection& connection);
+
   /// How many bytes the write-ahead log of `file` has; 0 when there is none.
   static std::uintmax_t logSize(const std::filesystem::path& file);
 
   /// The copies beside `file` that a killed program left when it brought the store to a newer version. While one does
   /// so, its copy is among them.
   static std::vector<std::filesystem::path> copiesLeft(const std::filesystem::path& file);
+
+  /// The files beside `file` whose names begin with its own and `ending`, in the order of their names.
+  static std::vector<std::filesystem::path> filesBeside(const std::filesystem::path& file, std::string_view ending);
 };
 
 } // namespace orvan

@@ -18,15 +18,18 @@ class ApplicationStoreCategory final : public std::error_category {
         return "There is a store but no key for it; put its key back, because a new one could not open it.";
       case ApplicationStoreError::keyMalformed:
         return "The store key is not 32 bytes long; name the right file with --key-file.";
+      case ApplicationStoreError::keyNotInKeyring:
+        return "The desktop's keyring does not hold the store's key any more; bring its keyring back, or name a copy "
+               "of the key with --key-file.";
       case ApplicationStoreError::plaintextStore:
         return "The file is an SQLite database without encryption and is not used as a store; name another with "
                "--store.";
       case ApplicationStoreError::cannotDecrypt:
-        return "The store cannot be opened with this key: name the key it was made with, or restore the file from a "
-               "backup if it is damaged.";
+        return "The store cannot be opened with this key: name the key it was made with, or, if it is "
+               "damaged, restore it with 'orvan restore FILE'.";
       case ApplicationStoreError::schemaMissing:
-        return "The store lacks tables that it must have; restore it from a backup, or make a new one with 'orvan "
-               "init' under another name.";
+        return "The store lacks tables that it must have; restore it with 'orvan restore FILE', or make a new one "
+               "with 'orvan init' under another name.";
       case ApplicationStoreError::notOurStore:
         return "The file is encrypted with this key but is no store of orvan's; name another with --store.";
       case ApplicationStoreError::storeEmpty:
@@ -46,6 +49,10 @@ class ApplicationStoreCategory final : public std::error_category {
         return "The store file cannot be opened; check that it and its folder are yours.";
       case ApplicationStoreError::storeBusy:
         return "Another program kept the store busy for too long; try again.";
+      case ApplicationStoreError::storeInUse:
+        return "Another Orvan program has the store open; close the others and try again: nothing was changed.";
+      case ApplicationStoreError::storeUnchanged:
+        return "The store could not be written anew, so it keeps its key; make room on the disk and try again.";
       case ApplicationStoreError::storeReadOnly:
         return "The store cannot be written; check that the file and its folder are yours.";
       case ApplicationStoreError::diskFull:

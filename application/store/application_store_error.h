@@ -12,6 +12,8 @@ enum class ApplicationStoreError {
   keyMissingForStore,
   /// Not 32 bytes.
   keyMalformed,
+  /// The key file says that the desktop's keyring has the key, and the keyring, open, does not.
+  keyNotInKeyring,
   plaintextStore,
   /// Another key made it, it is damaged, or it is no store at all.
   cannotDecrypt,
@@ -31,6 +33,10 @@ enum class ApplicationStoreError {
   /// The file or its folder cannot be opened.
   cannotReachStore,
   storeBusy,
+  /// Another program has the store open, and this can only be done without it.
+  storeInUse,
+  /// It could not be written anew, and is as it was.
+  storeUnchanged,
   storeReadOnly,
   diskFull,
   /// The system lacks file handles or memory.

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <optional>
 
+#include "OrvanSpineCore/encrypted_store_error.h"
+
 namespace orvan {
 namespace {
 
@@ -51,6 +53,35 @@ ApplicationStoreError failureOfEngine(int extendedCode) {
   }
 }
 
+ApplicationStoreError failureOf(EncryptedStoreError error) {
+  switch (error) {
+    case EncryptedStoreError::storeMissing:
+      return ApplicationStoreError::storeMissing;
+    case EncryptedStoreError::storeExists:
+      return ApplicationStoreError::storeExists;
+    case EncryptedStoreError::notRegularFile:
+      return ApplicationStoreError::storeNotRegular;
+    case EncryptedStoreError::notPrivate:
+      return ApplicationStoreError::storeNotPrivate;
+    case EncryptedStoreError::plaintext:
+      return ApplicationStoreError::plaintextStore;
+    case EncryptedStoreError::invalidKeyLength:
+      return ApplicationStoreError::keyMalformed;
+    case EncryptedStoreError::engineCannotEncrypt:
+    case EncryptedStoreError::deletedStaysReadable:
+      return ApplicationStoreError::engineCannotEncrypt;
+    case EncryptedStoreError::notCanonical:
+      return ApplicationStoreError::notOurStore;
+    case EncryptedStoreError::empty:
+      return ApplicationStoreError::storeEmpty;
+    case EncryptedStoreError::schemaOlder: // Stays so only where it could not be moved forward.
+      return ApplicationStoreError::storeReadOnly;
+    case EncryptedStoreError::schemaNewer:
+      return ApplicationStoreError::storeNewer;
+  }
+  return ApplicationStoreError::cannotReachStore;
+}
+
 } // namespace
 
 ApplicationStoreError failureOf(const StoreError& error) {
@@ -65,6 +96,20 @@ ApplicationStoreError failureOf(const StoreError& error) {
 
 ApplicationStoreError failureOfSystem(const std::error_code& reason) {
   return knownFailureOf(reason).value_or(ApplicationStoreError::cannotReachStore);
+}
+
+void throwInApplicationWords(const Error& error, const char* attempt) {
+  const auto& code = error.code();
+  if (const auto* fault = dynamic_cast<const StoreError*>(&error)) {
+    throw Error(failureOf(*fault), attempt);
+  }
+  if (code.category() == make_error_code(EncryptedStoreError{}).category()) {
+    throw Error(failureOf(static_cast<EncryptedStoreError>(code.value())), attempt);
+  }
+  if (code.category() == std::generic_category()) {
+    throw Error(failureOfSystem(code), attempt);
+  }
+  throw error;
 }
 
 } // namespace orvan
