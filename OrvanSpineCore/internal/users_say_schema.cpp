@@ -57,15 +57,40 @@ CREATE TABLE shown_item (
 ) STRICT, WITHOUT ROWID;
 )sql";
 
-// What was taken for somebody else's until its address was said to be the user's: role is 'sender' or 'participant'.
-// When the address is given up, it goes back.
+// told_by is 'import' or 'user', who said it by itself. has_mail tells whether a mail names the address, NULL for addresses
+// told before that was kept; was_read_with, whether any source was read since the address was told.
+//
+// What was taken for somebody else's until its address was said to be the user's: role is 'membership', 'sender' or
+// 'participant', and object_id names the membership, or the interaction. Questions are kept whole, with the state of
+// their open loop. When the address is given up, all of it goes back.
 constexpr const char* ownAddresses = R"sql(
+ALTER TABLE own_address ADD COLUMN told_by TEXT NOT NULL DEFAULT 'import';
+ALTER TABLE own_address ADD COLUMN has_mail INTEGER;
+ALTER TABLE own_address ADD COLUMN was_read_with INTEGER NOT NULL DEFAULT 1;
+
 CREATE TABLE own_address_taking (
   source_identity_id TEXT NOT NULL,
-  interaction_id TEXT NOT NULL,
   role TEXT NOT NULL,
-  PRIMARY KEY (source_identity_id, interaction_id, role)
+  object_id TEXT NOT NULL,
+  PRIMARY KEY (source_identity_id, role, object_id)
 ) STRICT, WITHOUT ROWID;
+
+CREATE TABLE own_address_question (
+  own_identity_id TEXT NOT NULL,
+  interaction_id TEXT NOT NULL,
+  message_key INTEGER NOT NULL,
+  source_identity_id TEXT NOT NULL,
+  asked_at TEXT NOT NULL,
+  question TEXT NOT NULL,
+  loop_state TEXT,
+  PRIMARY KEY (own_identity_id, interaction_id)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+// Addresses that the user has had forgotten are deletion tombstones of the object_type 'identity', which only imports
+// ask for: by type, so that those who ask for the others do not pay for them.
+constexpr const char* forgotten = R"sql(
+CREATE INDEX deletion_tombstone_by_type ON deletion_tombstone (object_type);
 )sql";
 
 // kind is 'mail', 'calendar' or 'cards'; path is absolute. What a source brings has an account of its own.
@@ -99,7 +124,7 @@ CREATE TABLE source_position (
 } // namespace
 
 void createWhatTheUserSays(Connection& connection) {
-  for (const char* script : {names, contactTotals, actions, ownAddresses, sources}) {
+  for (const char* script : {names, contactTotals, actions, ownAddresses, forgotten, sources}) {
     connection.executeScript(script);
   }
 }

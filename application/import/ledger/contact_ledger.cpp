@@ -57,13 +57,16 @@ bool isReached(const InteractionRow& row) {
 
 } // namespace
 
-void ContactLedger::count(const InteractionRow& row, std::int64_t step) {
+void ContactLedger::count(const InteractionRow& row, std::int64_t step, std::optional<std::string_view> only) {
   const auto at = parseInternetDateTime(row.occurredAt);
   if (!at) {
     return;
   }
   const auto week = contactWeekOf(*at);
   for (const auto& identityID : row.participantIdentityIDs) {
+    if (only && identityID != *only) {
+      continue;
+    }
     auto& counts = weeks_[{week, identityID}];
     if (row.kind == "meeting") {
       counts.met += step;

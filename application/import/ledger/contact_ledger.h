@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,8 @@ class ContactLedger {
   /// Counts an interaction in, or out again when it is withdrawn. Once each.
   void add(const InteractionRow& row) { count(row, 1); }
   void remove(const InteractionRow& row) { count(row, -1); }
+  /// Counts an interaction in for one of its participants only, for whom alone it was out.
+  void addFor(std::string_view identityID, const InteractionRow& row) { count(row, 1, identityID); }
 
   /// Writes what was counted within the caller's transaction, after the interactions themselves, and forgets it. The
   /// identities of whom more is known now:
@@ -46,7 +49,8 @@ class ContactLedger {
     std::string lastRemovedAt;
   };
 
-  void count(const InteractionRow& row, std::int64_t step);
+  /// For each of its participants, or for one.
+  void count(const InteractionRow& row, std::int64_t step, std::optional<std::string_view> only = {});
   void widen(const std::string& identityID, const InteractionRow& row);
   void countMail(const std::string& identityID, const InteractionRow& row, std::int64_t step);
   void writeWeeks(Connection& connection) const;

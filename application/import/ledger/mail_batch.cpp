@@ -86,6 +86,16 @@ class Readers {
   PeopleLedger& people_;
 };
 
+void noteOwn(const MailMessage& message, const Readers& readers, std::set<std::string>& ownAddresses) {
+  for (const Mailboxes mailboxes : {Mailboxes{message.from}, Mailboxes{message.to}, Mailboxes{message.cc}}) {
+    for (const auto& mailbox : mailboxes) {
+      if (readers.isOwn(mailbox)) {
+        ownAddresses.insert(mailbox.address);
+      }
+    }
+  }
+}
+
 struct Standing {
   PreparedMail::Use use;
   MailStanding standing;
@@ -151,6 +161,7 @@ void MailBatch::add(MailMessage message, KnownAddresses& known) {
     }
   }
   const Readers readers(message, known, people_);
+  noteOwn(message, readers, ownAddresses_);
   const auto [use, standing, asAnswer] = standingOf(message, readers);
   PreparedMail mail;
   mail.key = mailKeyOf(message.messageID);
@@ -163,6 +174,7 @@ void MailBatch::add(MailMessage message, KnownAddresses& known) {
     for (const auto* reader : readers.people()) {
       mail.participantIdentityIDs.push_back(people_.note(reader->address, reader->displayName, NameSource::others));
     }
+    mail.readers = mail.participantIdentityIDs.size();
     mail.principalIdentityID = mail.participantIdentityIDs.empty() ? readers.identityIDOf(readers.firstOther())
                                                                    : mail.participantIdentityIDs.front();
   } else {

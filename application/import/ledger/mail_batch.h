@@ -32,6 +32,8 @@ struct PreparedMail {
     elsewhere,
     /// From the user to the user.
     note,
+    /// From people whom the user has had forgotten, or from the user to nobody else.
+    forgotten,
   };
 
   MailKey key{};
@@ -45,6 +47,8 @@ struct PreparedMail {
   std::string principalIdentityID;
   /// Whom the mail is contact with: who wrote it or, of the user's own mail, whom it was sent to.
   std::vector<std::string> participantIdentityIDs;
+  /// How many people the user sent it to, those included who are left out.
+  std::size_t readers = 0;
   /// Everybody else's addresses on a mail that is not the user's.
   std::vector<std::string> namedIdentityIDs;
   Instant sentAt;
@@ -71,11 +75,14 @@ class MailBatch {
   const std::vector<PreparedMail>& mails() const noexcept { return mails_; }
   const std::vector<MailSkipReason>& skips() const noexcept { return skips_; }
   PeopleLedger& people() noexcept { return people_; }
+  /// The user's addresses that stand on its mails.
+  const std::set<std::string>& ownAddresses() const noexcept { return ownAddresses_; }
 
  private:
   std::vector<PreparedMail> mails_;
   std::vector<MailSkipReason> skips_;
   PeopleLedger people_;
+  std::set<std::string> ownAddresses_;
   std::size_t bytes_ = 0;
 };
 

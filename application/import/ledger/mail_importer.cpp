@@ -16,6 +16,7 @@
 #include "application/import/ledger/address_use_ledger.h"
 #include "application/import/ledger/batch_size.h"
 #include "application/import/ledger/contact_ledger.h"
+#include "application/import/ledger/forgotten_people.h"
 #include "application/import/ledger/handoff.h"
 #include "application/import/ledger/history_rows.h"
 #include "application/import/ledger/mail_batch.h"
@@ -158,6 +159,9 @@ void countUse(PreparedMail::Use use, MailReport& report) {
     case PreparedMail::Use::note:
       ++report.notes;
       break;
+    case PreparedMail::Use::forgotten:
+      ++report.forgotten;
+      break;
   }
 }
 
@@ -170,26 +174,29 @@ struct PlacedMail {
   bool isStored;
 };
 
+/// A mail that is not kept any more.
+struct DroppedMail {
+  MailKey key;
+  std::size_t thread;
+};
+
 /// Goes through a batch and finds what is to be written.
 class Placement {
  public:
-  Placement(ThreadLedger& threads, AddressUseLedger& uses, MailReport& report)
-      : threads_(threads), uses_(uses), report_(report) {}
+  Placement(ThreadLedger& threads, AddressUseLedger& uses, const ForgottenPeople& forgotten, MailReport& report)
+      : threads_(threads), uses_(uses), forgotten_(forgotten), report_(report) {}
 
   void place(PreparedMail& mail) {
+    forgotten_.leaveOut(mail);
     decideAsAnswer(mail);
     const auto known = threads_.standingOf(mail.key);
-    if (known != MailStanding::referenced && mail.standing <= known) {
+    if (known != MailStanding::referenced && mail.standing <= known && !isOutdated(known)) {
       ++report_.known;
       return;
     }
-    if (known == MailStanding::referenced) {
-      countUse(mail.use, report_);
-      if (!mail.isFromUser()) {
-        uses_.add(mail);
-      }
-    } else {
-      ++report_.completed;
+    count(mail, known);
+    if (mail.standing == MailStanding::passedOver && isOutdated(known)) {
+      drop(mail.key);
     }
     if (mail.standing > MailStanding::passedOver) {
       keep(mail, known > MailStanding::passedOver);
@@ -202,12 +209,35 @@ class Placement {
 
   /// Those to be written, each mail once.
   std::vector<PlacedMail> placed() && { return std::move(placed_); }
+  const std::vector<DroppedMail>& dropped() const noexcept { return dropped_; }
 
  private:
+  void count(const PreparedMail& mail, MailStanding known) {
+    if (isOutdated(known)) {
+      ++report_.known;
+    } else if (known != MailStanding::referenced) {
+      ++report_.completed;
+    } else {
+      countUse(mail.use, report_);
+      if (!mail.isFromUser() && mail.use != PreparedMail::Use::forgotten) {
+        uses_.add(mail);
+      }
+    }
+  }
+
+  void drop(MailKey key) {
+    if (const auto thread = threads_.threadOf(key)) {
+      dropped_.push_back({key, *thread});
+    }
+  }
+
   /// What does not name the user is contact all the same when it answers the user.
   void decideAsAnswer(PreparedMail& mail) const {
-    if (mail.standingAsAnswer > mail.standing && !mail.references.empty() &&
-        threads_.standingOf(mail.references.back()) == MailStanding::own) {
+    if (mail.standingAsAnswer <= mail.standing || mail.references.empty()) {
+      return;
+    }
+    const auto answered = threads_.standingOf(mail.references.back());
+    if (answered == MailStanding::own || answered == MailStanding::outdatedOwn) {
       mail.standing = mail.standingAsAnswer;
       mail.use = PreparedMail::Use::history;
     }
@@ -226,8 +256,10 @@ class Placement {
 
   ThreadLedger& threads_;
   AddressUseLedger& uses_;
+  const ForgottenPeople& forgotten_;
   MailReport& report_;
   std::vector<PlacedMail> placed_;
+  std::vector<DroppedMail> dropped_;
   std::unordered_map<MailKey, std::size_t> positions_;
 };
 
@@ -242,7 +274,7 @@ void keepPeopleOf(std::span<const PlacedMail> placed, PeopleLedger& people) {
 
 InteractionRow rowOf(PreparedMail& mail, std::string threadID) {
   const bool isFromUser = mail.isFromUser();
-  const bool isInCompany = isFromUser ? mail.participantIdentityIDs.size() != 1 : mail.standing != MailStanding::direct;
+  const bool isInCompany = isFromUser ? mail.readers != 1 : mail.standing != MailStanding::direct;
   return {mail.interactionID(),
           std::move(threadID),
           isFromUser ? std::nullopt : std::optional{mail.principalIdentityID},
@@ -262,7 +294,8 @@ class BatchWriter {
 
   void write(MailBatch& batch, MailReport& report) {
     threads_.load(keysOf(batch), connection_);
-    Placement placement(threads_, uses_, report);
+    const auto forgotten = ForgottenPeople::in(connection_);
+    Placement placement(threads_, uses_, forgotten, report);
     for (auto& mail : batch.mails()) {
       placement.place(mail);
     }
@@ -271,6 +304,10 @@ class BatchWriter {
     }
     report.read += static_cast<std::int64_t>(batch.size());
     threads_.write(connection_);
+    noteMailOf(batch.ownAddresses(), connection_);
+    for (const auto& [mail, thread] : placement.dropped()) {
+      drop(mail, threads_.threadID(thread));
+    }
     const auto placed = std::move(placement).placed();
     keepPeopleOf(placed, batch.people());
     batch.people().write(connection_, now_);
@@ -296,6 +333,11 @@ class BatchWriter {
       rows.add(std::move(row));
     }
     rows.write(account_.id, now_, connection_);
+  }
+
+  void drop(MailKey mail, const std::string& threadID) {
+    withdraw(mail, threadID);
+    touchedThreadIDs_.push_back(threadID);
   }
 
   /// Takes back what a copy that told less has left.
@@ -393,7 +435,9 @@ MailReport MailImporter::import(MailSource& source, const BatchWritten& batchWri
   const auto known = store_.write([&](Connection& connection) {
     account = context_.account ? *context_.account : mailAccountOf(context_.ownAddresses.front(), connection);
     recordImportStarted(account, now, connection);
-    return KnownAddresses{rememberOwnAddresses(context_.ownAddresses, now, connection), listIdentityIDs(connection)};
+    const auto own = rememberOwnAddresses(context_.ownAddresses, now, connection);
+    noteReadingWithOwnAddresses(connection);
+    return KnownAddresses{own, listIdentityIDs(connection)};
   });
 
   MailReport report;

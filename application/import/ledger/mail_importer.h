@@ -18,7 +18,7 @@
 namespace orvan {
 
 /// What an import found. Everything read is counted once:
-/// read == imported + completed + known + automated + elsewhere + notes + skipped.
+/// read == imported + completed + known + automated + elsewhere + notes + forgotten + skipped.
 struct MailReport {
   std::int64_t read = 0;
   std::int64_t imported = 0;
@@ -33,6 +33,8 @@ struct MailReport {
   std::int64_t elsewhere = 0;
   /// Mails that the user wrote to nobody else.
   std::int64_t notes = 0;
+  /// From people whom the user has had forgotten, or from the user to nobody else.
+  std::int64_t forgotten = 0;
   std::map<MailSkipReason, std::int64_t> skipped;
   /// The import was stopped before the end of the source, and the rest was left for the next.
   bool isStopped = false;

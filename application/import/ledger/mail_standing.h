@@ -9,6 +9,10 @@ enum class MailStanding {
   referenced,
   /// Nothing that concerns the user: a program's, a newsletter, list traffic that does not name them.
   passedOver,
+  /// It was kept, and whatever it was counts no longer: the user has given up an address. However it is read next
+  /// replaces what is kept of it. The second was the user's own.
+  outdated,
+  outdatedOwn,
   /// To the user in the company of others, or list traffic that answers the user.
   group,
   /// To the user alone.
@@ -16,5 +20,9 @@ enum class MailStanding {
   /// The user's own.
   own,
 };
+
+constexpr bool isOutdated(MailStanding standing) noexcept {
+  return standing == MailStanding::outdated || standing == MailStanding::outdatedOwn;
+}
 
 } // namespace orvan

@@ -9,6 +9,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "application/import/ledger/bounded_text.h"
 #include "application/import/ledger/contact_ledger.h"
+#include "application/import/ledger/forgotten_people.h"
 #include "application/import/ledger/history_rows.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/import/ledger/people_ledger.h"
@@ -56,12 +57,14 @@ MeetingBatch readBatch(CalendarSource& source, ImportWatch& watch) {
   return batch;
 }
 
-InteractionRow rowOf(const CalendarMeeting& meeting, std::vector<std::string> participants) {
-  const auto& principal = participants.front();
+InteractionRow rowOf(const CalendarMeeting& meeting, std::vector<std::string> participants,
+                     const ForgottenPeople& forgotten) {
+  const auto principal = participants.front();
   auto threadID = clusteredID(principal, meeting.uid);
   // A line break parts the two texts: neither can hold one.
   auto id = clusteredID(principal, meeting.uid + "\n" + meeting.recurrenceID);
   const bool isGroup = participants.size() > 1;
+  forgotten.leaveOut(participants);
   return {std::move(id),
           std::move(threadID),
           std::nullopt,
@@ -131,19 +134,25 @@ class CalendarImport {
     account_ = context.account ? *context.account : calendarAccountOf(ownAddresses.front(), connection);
     recordImportStarted(account_, now_, connection);
     ownAddresses_ = rememberOwnAddresses(ownAddresses, now_, connection);
+    noteReadingWithOwnAddresses(connection);
     number_ = numberOfThisImport(calendar_, connection);
   }
 
   void write(const std::vector<CalendarMeeting>& meetings, MeetingReport& report, Connection& connection) {
     PeopleLedger people;
     HistoryRows rows;
+    const auto forgotten = ForgottenPeople::in(connection);
     for (const auto& meeting : meetings) {
       auto participants = noteParticipants(meeting, people);
       if (participants.empty()) { // The source knew fewer of the user's addresses.
         ++report.skipped[CalendarSkip::nobodyElse];
         continue;
       }
-      auto row = rowOf(meeting, std::move(participants));
+      auto row = rowOf(meeting, std::move(participants), forgotten);
+      if (row.participantIdentityIDs.empty()) {
+        ++report.forgotten;
+        continue;
+      }
       const bool isKnown = markSeen(row.id, calendar_, number_, connection);
       if (isKnown) {
         forgetParticipants(row.id, connection);

@@ -20,6 +20,8 @@ struct MeetingReport {
   std::int64_t known = 0;
   /// Imported from this calendar before, and no longer in it or in any other.
   std::int64_t withdrawn = 0;
+  /// With nobody but people whom the user has had forgotten.
+  std::int64_t forgotten = 0;
   std::map<CalendarSkip, std::size_t> skipped;
   std::map<CalendarNotice, std::size_t> notices;
   /// The import was stopped before the end of the calendar, and the rest was left for the next.

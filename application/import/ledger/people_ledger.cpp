@@ -2,6 +2,7 @@
 
 #include "OrvanStore/repeated_statement.h"
 #include "application/import/ledger/bounded_text.h"
+#include "application/import/ledger/forgotten_people.h"
 #include "application/import/ledger/person_names.h"
 #include "application/import/ledger/stable_id.h"
 
@@ -105,8 +106,12 @@ void PeopleLedger::keepOnly(const std::set<std::string_view>& identityIDs) {
 }
 
 void PeopleLedger::write(Connection& connection, std::string_view now) {
+  const auto forgotten = ForgottenPeople::in(connection);
   RepeatedStatement upsertName(connection, upsertIdentity);
   for (const auto& [identityID, identity] : identities_) {
+    if (forgotten.contains(identityID)) {
+      continue;
+    }
     const std::string& name = identity.displayName.empty() ? identity.address : identity.displayName;
     upsertName.execute(identityID, identity.address, name, static_cast<int>(identity.nameSource));
     const bool isChanged = connection.changes() > 0;

@@ -54,6 +54,7 @@ class PeopleLedger {
 
   /// Writes what was noted within the caller's transaction and forgets it. An identity keeps the best name ever told;
   /// see person_names.h for what its person is called.
+  /// Whom the user has had forgotten is left out.
   void write(Connection& connection, std::string_view now);
 
  private:

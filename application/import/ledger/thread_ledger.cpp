@@ -50,7 +50,8 @@ void mergeStoredThreads(std::string_view from, std::string_view into, Connection
 }
 
 /// How the store writes a standing, in the order of the cases.
-constexpr std::array<std::string_view, 5> standingTexts{"referenced", "passed_over", "group", "direct", "own"};
+constexpr std::array<std::string_view, 7> standingTexts{"referenced", "passed_over", "outdated", "outdated_own",
+                                                        "group",      "direct",      "own"};
 
 std::string_view textOf(MailStanding standing) noexcept {
   return standingTexts.at(static_cast<std::size_t>(standing));
@@ -90,6 +91,11 @@ MailStanding ThreadLedger::standingOf(MailKey key) const {
   return found == mails_.end() ? MailStanding::referenced : found->second.standing;
 }
 
+std::optional<std::size_t> ThreadLedger::threadOf(MailKey key) const {
+  const auto found = mails_.find(key);
+  return found == mails_.end() ? std::nullopt : found->second.thread;
+}
+
 std::vector<std::string> ThreadLedger::endingsOfAnswered() const {
   std::vector<std::string> endings;
   endings.reserve(answered_.size());
@@ -103,7 +109,8 @@ std::vector<std::string> ThreadLedger::endingsOfAnswered() const {
 std::vector<MailKey> ThreadLedger::newlyAnswered() const {
   std::vector<MailKey> keys;
   for (const auto key : std::span{answered_}.subspan(answeredBefore_)) {
-    if (standingOf(key) == MailStanding::direct) {
+    const auto standing = standingOf(key);
+    if (standing == MailStanding::direct || standing == MailStanding::outdated) {
       keys.push_back(key);
     }
   }

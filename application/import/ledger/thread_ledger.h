@@ -27,6 +27,8 @@ class ThreadLedger {
 
   /// What is known of a mail from the copies that were read, in this batch or an earlier one.
   MailStanding standingOf(MailKey key) const;
+  /// The number of its thread in this batch; nothing when it belongs to none.
+  std::optional<std::size_t> threadOf(MailKey key) const;
   /// How the identifiers end of the mails that one of the user's answers, of all that the batch mentions; sorted.
   std::vector<std::string> endingsOfAnswered() const;
   /// The mails to the user alone that nothing had answered before this batch, and something in it does.
