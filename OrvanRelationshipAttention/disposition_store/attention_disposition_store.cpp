@@ -111,13 +111,8 @@ class AttentionDispositionStore::Desk {
 
 AttentionItemDispositionRecord AttentionDispositionStore::Desk::apply(const AttentionCatchUpItem& item,
                                                                       const AttentionItemAction& action, Instant asOf) {
-  return database_->write([&](Connection& connection) {
-    const auto prior = internal::loadRecord(item.itemKey(), connection);
-    const auto current = Transition::state(item.itemKey(), prior, asOf);
-    auto record = Transition::apply(action, current, item.itemKey(), asOf);
-    internal::write(record, item, connection, asOf);
-    return record;
-  });
+  return database_->write(
+      [&](Connection& connection) { return AttentionDispositionStore::apply(item, action, asOf, connection); });
 }
 
 std::vector<AttentionItemDispositionRecord> AttentionDispositionStore::Desk::records(std::string_view personID) {
@@ -142,6 +137,16 @@ Task<AttentionItemDispositionRecord> AttentionDispositionStore::apply(AttentionC
 
 Task<std::vector<AttentionItemDispositionRecord>> AttentionDispositionStore::records(std::string personID) {
   return Desk::recordsInTurn(desk_, std::move(personID));
+}
+
+AttentionItemDispositionRecord AttentionDispositionStore::apply(const AttentionCatchUpItem& item,
+                                                                const AttentionItemAction& action, Instant asOf,
+                                                                Connection& connection) {
+  const auto prior = internal::loadRecord(item.itemKey(), connection);
+  const auto current = Transition::state(item.itemKey(), prior, asOf);
+  auto record = Transition::apply(action, current, item.itemKey(), asOf);
+  internal::write(record, item, connection, asOf);
+  return record;
 }
 
 std::vector<AttentionItemDispositionRecord> AttentionDispositionStore::records(std::string_view personID,

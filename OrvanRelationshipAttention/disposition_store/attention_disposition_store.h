@@ -59,6 +59,12 @@ class AttentionDispositionStore final : public FollowUpDispositionApplying {
   Task<AttentionItemDispositionRecord> apply(AttentionCatchUpItem item, AttentionItemAction action,
                                              Instant asOf) override;
 
+  /// The same within the caller's write transaction, on the caller's thread, for what is to be kept together with it.
+  /// Programs that have the store open already need no disposition store for it. A fault is thrown as StoreError, and
+  /// the caller must roll back then.
+  static AttentionItemDispositionRecord apply(const AttentionCatchUpItem& item, const AttentionItemAction& action,
+                                              Instant asOf, Connection& connection);
+
   /// What the user decided about a person's items, in the store's order, snoozes that are over included. Records that
   /// cannot be read are left out. Throws StoreError when reading fails, and Error when the reading connection, which
   /// the first call opens, cannot be opened: invalidKeyLength, or cannotOpenEncryptedStore for everything else, be it

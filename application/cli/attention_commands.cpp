@@ -1,9 +1,12 @@
 #include <algorithm>
+#include <iterator>
+#include <span>
 
 #include "OrvanRelationshipAttention/why_now/attention_why_now_selector.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/showing.h"
 
 namespace orvan {
 namespace {
@@ -19,6 +22,21 @@ std::vector<Matter> mattersOf(Session& session, const AttentionEvidenceBundle& b
 
 void printBundle(Session& session, const AttentionEvidenceBundle& bundle, const HumanOutput& output) {
   output.bundle(bundle, nameOf(session, bundle.personKey()), mattersOf(session, bundle));
+}
+
+/// Under the key that a list would show the reason by.
+void noteShown(const CommandContext& context, const AttentionEvidenceBundle& bundle) {
+  const auto person = context.session.person(bundle.personKey());
+  if (const auto item = person ? itemOf(*person, bundle, context.asOf) : std::nullopt) {
+    noteShown(context, std::span{&*item, 1});
+  }
+}
+
+void noteShown(const CommandContext& context, std::span<const CatchUpRow> rows) {
+  std::vector<AttentionCatchUpItem> items;
+  items.reserve(rows.size());
+  std::ranges::transform(rows, std::back_inserter(items), &CatchUpRow::item);
+  noteShown(context, items);
 }
 
 /// What is older stays closed unless it is asked for.
@@ -55,13 +73,14 @@ void runBundles(const CommandContext& context) {
 }
 
 void runWhy(const CommandContext& context, const std::string& person) {
-  context.session.openForReading();
+  openToShow(context);
   const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);
   const auto item = AttentionWhyNowSelector::select(bundle);
   if (context.output == OutputForm::json) {
     printJson(item ? toJson(*item) : Json(nullptr));
   } else if (item) {
     HumanOutput{}.whyNow(*item);
+    noteShown(context, bundle);
   } else {
     HumanOutput{}.line("There is no reason to get in touch now.");
   }
@@ -69,11 +88,14 @@ void runWhy(const CommandContext& context, const std::string& person) {
 
 void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments) {
   const auto explanation = arguments.isExplained ? Explanation::everyone : Explanation::none;
+  openToShow(context);
   const auto list = makeCatchUpList(context.session, context.asOf, explanation);
   if (context.output == OutputForm::json) {
     printJson(toJson(list, arguments.limit, explanation));
   } else {
-    HumanOutput{}.catchUpList(list, rowsOnATerminal(list, arguments), explanation, context.asOf);
+    const auto shown = rowsOnATerminal(list, arguments);
+    HumanOutput{}.catchUpList(list, shown, explanation, context.asOf);
+    noteShown(context, std::span{list.rows}.first(shown));
   }
 }
 

@@ -4,11 +4,12 @@
 #include <new>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanRelationshipAttention/disposition_store/attention_disposition_store_error.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
+#include "application/corrections/action_journal.h"
 #include "application/session/item_lookup.h"
+#include "application/session/reason_in_words.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_failure.h"
 
@@ -81,12 +82,38 @@ std::string sentenceOf(SessionError error) {
   return "That could not be done.";
 }
 
-CommandFailure commandFailureOf(const ReasonChanged& error) {
-  std::string now = error.current().headline();
-  for (const auto& line : error.current().evidenceLines()) {
-    now += " " + line;
+std::string sentenceOf(ActionJournalError error) {
+  switch (error) {
+    case ActionJournalError::actionUnknown:
+      return "There is no action of that number; 'orvan history' lists them.";
+    case ActionJournalError::nothingToTakeBack:
+      return "There is nothing to take back; 'orvan history' lists what you did.";
+    case ActionJournalError::takenBackAlready:
+      return "That was taken back already; 'orvan history' lists what you did.";
+    case ActionJournalError::actionFinal:
+      return "What was dismissed or resolved stays so for good; a new reason brings the person back by itself.";
+    case ActionJournalError::actionTooOld:
+      return "That was done more than 30 days ago and cannot be taken back any more.";
+    case ActionJournalError::changedSince:
+      return "That was changed since by what was imported, so it cannot be taken back any more.";
+    case ActionJournalError::actionUnreadable:
+      return "What the store tells of that action cannot be read, so it cannot be taken back.";
   }
-  return {ExitCode::failed, "The reason has changed meanwhile, so nothing was done. It is now: " + now};
+  return "That could not be taken back.";
+}
+
+CommandFailure commandFailureOf(const ReasonChanged& error) {
+  return {ExitCode::failed,
+          "The reason has changed meanwhile, so nothing was done. It is now: " + reasonInWords(error.current())};
+}
+
+CommandFailure commandFailureOf(const ChangedSince& error) {
+  if (!error.by()) {
+    return {ExitCode::failed, sentenceOf(ActionJournalError::changedSince)};
+  }
+  const auto since = "That was changed since by action " + std::to_string(error.by()->number);
+  return {ExitCode::failed,
+          since + (isFinal(error.by()->kind) ? ", which is final, so it stays as it is." : "; take that back first.")};
 }
 
 CommandFailure commandFailureOf(const Error& error) {
@@ -98,15 +125,11 @@ CommandFailure commandFailureOf(const Error& error) {
     const auto vaultError = static_cast<CredentialVaultError>(code.value());
     return {codeOf(vaultError), sentenceOf(vaultError)};
   }
-  if (code == AttentionEvidenceCompilerError::plaintextDatabaseRejected ||
-      code == AttentionDispositionStoreError::plaintextDatabaseRejected) {
+  if (code == AttentionEvidenceCompilerError::plaintextDatabaseRejected) {
     return commandFailureOf(ApplicationStoreError::plaintextStore);
   }
-  if (code == AttentionDispositionStoreError::canonicalSchemaUnavailable) {
-    return commandFailureOf(ApplicationStoreError::schemaMissing);
-  }
-  if (code == AttentionDispositionStoreError::invalidKeyLength) {
-    return commandFailureOf(ApplicationStoreError::keyMalformed);
+  if (isOf<ActionJournalError>(code)) {
+    return {ExitCode::failed, sentenceOf(static_cast<ActionJournalError>(code.value()))};
   }
   if (isOf<SessionError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};
@@ -125,6 +148,8 @@ CommandFailure failureOfCurrentException() {
   } catch (const StoreError& error) {
     return {ExitCode::failed, sentenceOf(error)};
   } catch (const ReasonChanged& error) {
+    return commandFailureOf(error);
+  } catch (const ChangedSince& error) {
     return commandFailureOf(error);
   } catch (const Error& error) {
     return commandFailureOf(error);

@@ -10,6 +10,7 @@
 #include "application/cli/command_failure.h"
 #include "application/cli/command_line_fault.h"
 #include "application/cli/command_set.h"
+#include "application/cli/correction_commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/people_commands.h"
 #include "application/session/person_lookup.h"
@@ -27,7 +28,7 @@ struct Invocation {
   CatchUpArguments catchUp;
   std::string person;
   std::string item;
-  std::string until;
+  DecisionArguments decision;
   OpenArguments open;
   ImportArguments import;
 };
@@ -105,10 +106,10 @@ void addReadingCommands(CommandSet& commands, Invocation& invocation) {
 }
 
 CLI::App& addItemCommand(CommandSet& commands, Invocation& invocation, const CommandText& text, ItemCommand kind) {
-  auto& command = commands.add(text, [&invocation, kind](const auto& context) {
-    runItemCommand(context, kind, invocation.item, invocation.until);
-  });
-  takeItem(command, invocation.item);
+  auto& command = commands.add(
+      text, [&invocation, kind](const auto& context) { runItemCommand(context, kind, invocation.decision); });
+  takeItem(command, invocation.decision.item);
+  command.add_flag("--yes,-y", invocation.decision.isConfirmed, "Do not ask first, as on a terminal");
   return command;
 }
 
@@ -116,7 +117,8 @@ void addDecidingCommands(CommandSet& commands, Invocation& invocation) {
   addItemCommand(commands, invocation,
                  {"snooze", "To decide", "Hide an item for a while", "orvan snooze ada@hill.example --until 3d"},
                  ItemCommand::snooze)
-      .add_option("--until", invocation.until, "A moment in whole seconds, a date, 3d, 2w, tomorrow, or a weekday")
+      .add_option("--until", invocation.decision.until,
+                  "A moment in whole seconds, a date, 3d, 2w, tomorrow, or a weekday")
       ->type_name("WHEN")
       ->required();
   addItemCommand(commands, invocation, {"dismiss", "To decide", "Hide an item for good", "orvan dismiss \"Ada Marsh\""},
@@ -216,6 +218,7 @@ void addCommands(CommandSet& commands, Invocation& invocation) {
   addFirstCommands(commands, invocation);
   addReadingCommands(commands, invocation);
   addDecidingCommands(commands, invocation);
+  addCorrectionCommands(commands);
   addKeepingCommands(commands);
 }
 

@@ -43,6 +43,14 @@ struct OpenArguments {
   bool isPrinted = false;
 };
 
+struct DecisionArguments {
+  std::string item;
+  /// What the user wrote; only a snooze has it.
+  std::string until;
+  /// The user said yes beforehand and is not asked.
+  bool isConfirmed = false;
+};
+
 enum class ItemCommand { snooze, dismiss, resolve };
 
 // Each runs one command and writes its output. What fails is thrown: a CommandFailure, or an exception of the library.
@@ -55,9 +63,7 @@ void runWhy(const CommandContext& context, const std::string& person);
 void runCatchUp(const CommandContext& context, const CatchUpArguments& arguments);
 void runShow(const CommandContext& context, const std::string& item);
 void runOpen(const CommandContext& context, const OpenArguments& arguments);
-/// `until` is what the user wrote; only a snooze has it.
-void runItemCommand(const CommandContext& context, ItemCommand command, const std::string& item,
-                    const std::string& until);
+void runItemCommand(const CommandContext& context, ItemCommand command, const DecisionArguments& arguments);
 void runRecords(const CommandContext& context, const std::string& person);
 void runCheckpoint(const CommandContext& context);
 void runDoctor(const CommandContext& context);

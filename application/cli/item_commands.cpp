@@ -1,8 +1,11 @@
+#include <span>
+
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
 #include "application/cli/mail_program.h"
+#include "application/cli/showing.h"
 #include "application/session/item_lookup.h"
 #include "application/session/message_address.h"
 
@@ -42,11 +45,13 @@ void requireHandedOver(HandingOver outcome) {
 } // namespace
 
 void runShow(const CommandContext& context, const std::string& item) {
+  openToShow(context);
   const auto details = itemDetails(item, context.session, context.asOf);
   if (context.output == OutputForm::json) {
     printJson(toJson(details));
   } else {
     HumanOutput{}.details(details);
+    noteShown(context, std::span{&details.item, 1});
   }
 }
 

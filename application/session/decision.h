@@ -7,6 +7,24 @@
 
 namespace orvan {
 
+/// What a decision is about, before it is taken.
+struct Proposal {
+  /// How the item relates to what the user saw of the person.
+  enum class Sight {
+    /// The user named the item itself.
+    named,
+    /// It is the reason that was shown last.
+    shown,
+    /// Another reason was shown last.
+    otherShown,
+    neverShown,
+  };
+
+  AttentionCatchUpItem item;
+  AttentionItemAction action;
+  Sight sight;
+};
+
 /// What holds after a decision.
 struct Decision {
   AttentionItemDispositionRecord record;
@@ -14,10 +32,14 @@ struct Decision {
   bool isAsAsked;
 };
 
-/// Does `action` at `asOf` to the item that itemCalled() finds. It is on disk afterwards.
+/// The decision that the user asks for, on what itemCalled() finds at `asOf`. Changes nothing.
 ///
-/// Throws Error with SessionError::snoozeEndPast, and what itemCalled() and the session throw; the store is as it was
-/// then.
-Decision decide(Session& session, const std::string& item, const AttentionItemAction& action, Instant asOf);
+/// Throws Error with SessionError::snoozeEndPast, and what itemCalled() and the session throw.
+Proposal propose(Session& session, const std::string& item, const AttentionItemAction& action, Instant asOf);
+
+/// Does as proposed, and writes down that the user did; both are on disk afterwards. An item that was proposed some
+/// time ago may not stand any more: propose by its key again first. Throws what the session throws; the store is as it
+/// was then.
+Decision decide(Session& session, const Proposal& proposal, Instant asOf);
 
 } // namespace orvan

@@ -6,6 +6,7 @@
 
 #include "OrvanObservatory/attention_projection_reader.h"
 #include "OrvanObservatory/store_projection_reader.h"
+#include "OrvanPlatform/error.h"
 #include "application/session/person_lookup.h"
 #include "application/store/key_change.h"
 
@@ -68,9 +69,17 @@ void Session::openForReading() {
   }
 }
 
+void Session::openForShowing() {
+  try {
+    openForDeciding();
+  } catch (const Error&) {
+    // A store on a medium that cannot be written to can be shown; whatever else is wrong shows again.
+    openForReading();
+  }
+}
+
 void Session::openForDeciding() {
-  if (dispositions_ == nullptr) {
-    // The session's own connection can write then, too, so that it can empty the log of what was decided.
+  if (compiler_ == nullptr || !isWritable()) {
     open(ApplicationStore::Access::write);
   }
 }
@@ -86,18 +95,10 @@ void Session::open(ApplicationStore::Access access) {
       return std::make_unique<AttentionEvidenceCompiler>(settings_.store, vault_, people_, compilerOptions());
     });
   }
-  std::future<std::unique_ptr<AttentionDispositionStore>> dispositions;
-  if (access == ApplicationStore::Access::write) {
-    dispositions = std::async(std::launch::async,
-                              [this] { return std::make_unique<AttentionDispositionStore>(settings_.store, vault_); });
-  }
   // What the application's own connection says of a store that does not open is the most telling.
   store(access);
   if (compiler.valid()) {
     compiler_ = compiler.get();
-  }
-  if (dispositions.valid()) {
-    dispositions_ = dispositions.get();
   }
 }
 
@@ -156,17 +157,12 @@ std::vector<AttentionItemDispositionRecord> Session::records(const std::string& 
       [&personKey](Connection& connection) { return AttentionDispositionStore::records(personKey, connection); });
 }
 
-AttentionDispositionStore& Session::dispositions() {
-  openForDeciding();
-  return *dispositions_;
-}
-
 DatabaseQueue& Session::writableStore() {
   return store(ApplicationStore::Access::write);
 }
 
 void Session::finish() noexcept {
-  if (store_ != nullptr && access_ == ApplicationStore::Access::write) {
+  if (isWritable()) {
     ApplicationStore::checkpointWithoutWaiting(*store_);
   }
 }

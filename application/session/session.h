@@ -24,8 +24,8 @@ namespace orvan {
 /// Belongs to one thread at a time. Every call blocks while the store is read or written, so a window keeps its session
 /// on a thread of its own. Connections stay open until the session is destroyed; that empties no log, see finish().
 ///
-/// Opening throws what ApplicationStore, AttentionEvidenceCompiler and AttentionDispositionStore throw, and leaves the
-/// session as it was: once the cause is mended the call can be repeated. Reading and writing throw StoreError.
+/// Opening throws what ApplicationStore and AttentionEvidenceCompiler throw, and leaves the session as it was: once the
+/// cause is mended the call can be repeated. Reading and writing throw StoreError.
 class Session {
  public:
   /// Opens nothing yet.
@@ -40,6 +40,9 @@ class Session {
   /// Opens what a list needs, all at once: each connection's key takes a moment to derive, and the machine can derive
   /// several at a time. The calls below open by themselves what they lack, one after the other.
   void openForReading();
+  /// The same, able to remember what is shown (see isWritable()) where the store can be written to, and without it
+  /// where not.
+  void openForShowing();
   /// The same for a decision too.
   void openForDeciding();
 
@@ -65,12 +68,11 @@ class Session {
   /// What was decided about a person, in the store's order.
   std::vector<AttentionItemDispositionRecord> records(const std::string& personKey);
 
-  /// Takes decisions about items; decide() looks first whether an item still stands.
-  AttentionDispositionStore& dispositions();
-
   /// The store for the application's own reading, and for its writing, as importers do it.
   DatabaseQueue& readableStore() { return store(); }
   DatabaseQueue& writableStore();
+  /// Whether the store is open for writing, so that writableStore() opens nothing.
+  bool isWritable() const noexcept { return store_ != nullptr && access_ == ApplicationStore::Access::write; }
 
   /// For the end of a program: when this session could write, empties the write-ahead log as far as that goes without
   /// waiting for others. The session's connection does not wait for them any more afterwards.
@@ -90,7 +92,6 @@ class Session {
   ApplicationStore::Access access_ = ApplicationStore::Access::read;
   std::shared_ptr<PeopleToLookAt> people_;
   std::unique_ptr<AttentionEvidenceCompiler> compiler_;
-  std::unique_ptr<AttentionDispositionStore> dispositions_;
 };
 
 } // namespace orvan
