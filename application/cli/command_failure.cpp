@@ -7,6 +7,7 @@
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
+#include "application/backup/backup_error.h"
 #include "application/corrections/action_journal.h"
 #include "application/session/item_lookup.h"
 #include "application/session/reason_in_words.h"
@@ -26,9 +27,11 @@ std::string sentenceOf(CredentialVaultError error) {
     case CredentialVaultError::keyMissing:
       return "There is no store key; make key and store with 'orvan init', or name the key with --key-file.";
     case CredentialVaultError::vaultLocked:
-      return "The desktop keyring is locked; unlock it and try again.";
+      return "The desktop keyring is locked; unlock it, by logging in or with the desktop's password program, and try "
+             "again.";
     case CredentialVaultError::vaultUnavailable:
-      return "There is no desktop keyring to ask for the store key; use a key file with --key-file.";
+      return "There is no desktop keyring to ask for the store key; start one in this session, or use a key file with "
+             "--key-file.";
     case CredentialVaultError::accessFailed:
       return "The store key could not be read or written; check that its folder exists and that the file is yours.";
     case CredentialVaultError::keyFileNotPrivate:
@@ -46,7 +49,7 @@ std::string sentenceOf(const StoreError& error) {
   const auto failure = failureOf(error);
   switch (failure) {
     case ApplicationStoreError::cannotDecrypt: // It was opened with the key.
-      return "The store is damaged; restore it from a backup ('orvan doctor' tells more).";
+      return "The store is damaged; restore it with 'orvan restore FILE' ('orvan doctor' tells more).";
     case ApplicationStoreError::cannotReadStore:
       return "The store could not be read or written (" + error.code().message() + "); 'orvan doctor' tells more.";
     default:
@@ -58,8 +61,24 @@ ExitCode codeOf(CredentialVaultError error) {
   return error == CredentialVaultError::keyExists ? ExitCode::failed : ExitCode::cannotOpen;
 }
 
+bool concernsOpening(ApplicationStoreError error) {
+  switch (error) {
+    case ApplicationStoreError::storeExists:
+    case ApplicationStoreError::cannotCreate:
+    case ApplicationStoreError::storeInUse:
+    case ApplicationStoreError::storeUnchanged:
+      return false;
+    default:
+      return true;
+  }
+}
+
 CommandFailure commandFailureOf(ApplicationStoreError error) {
-  const bool isOpening = error != ApplicationStoreError::storeExists && error != ApplicationStoreError::cannotCreate;
+  return {concernsOpening(error) ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
+}
+
+CommandFailure commandFailureOf(BackupError error) {
+  const bool isOpening = error == BackupError::wrongKey || error == BackupError::noKey;
   return {isOpening ? ExitCode::cannotOpen : ExitCode::failed, make_error_code(error).message()};
 }
 
@@ -120,6 +139,9 @@ CommandFailure commandFailureOf(const Error& error) {
   const auto& code = error.code();
   if (isOf<ApplicationStoreError>(code)) {
     return commandFailureOf(static_cast<ApplicationStoreError>(code.value()));
+  }
+  if (isOf<BackupError>(code)) {
+    return commandFailureOf(static_cast<BackupError>(code.value()));
   }
   if (isOf<CredentialVaultError>(code)) {
     const auto vaultError = static_cast<CredentialVaultError>(code.value());

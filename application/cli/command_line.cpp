@@ -3,10 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <iostream>
+#include <memory>
 #include <span>
 #include <string>
 
 #include "OrvanPlatform/internet_date_time.h"
+#include "application/cli/backup_commands.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/command_line_fault.h"
 #include "application/cli/command_set.h"
@@ -51,8 +53,12 @@ void addGlobalOptions(CLI::App& program, Invocation& invocation) {
 }
 
 void addFirstCommands(CommandSet& commands, Invocation& invocation) {
-  commands.add({"init", "To begin", "Make the key, if there is none, and an empty encrypted store", "orvan init"},
-               runInit);
+  const auto keyPlace = std::make_shared<KeyPlace>(KeyPlace::file);
+  commands
+      .add({"init", "To begin", "Make the key, if there is none, and an empty encrypted store", "orvan init"},
+           [keyPlace](const auto& context) { runInit(context, *keyPlace); })
+      .add_flag_callback(
+          "--keyring", [keyPlace] { *keyPlace = KeyPlace::keyring; }, "Keep the key in the desktop's keyring");
   auto& import = commands.add({"import", "To begin", "Bring in mail and calendars; safe to stop and to repeat",
                                "orvan import --me you@example.org --mbox ~/mail/inbox.mbox --ics ~/calendar.ics"},
                               [&invocation](const auto& context) { runImport(context, invocation.import); });
@@ -220,6 +226,8 @@ void addCommands(CommandSet& commands, Invocation& invocation) {
   addDecidingCommands(commands, invocation);
   addCorrectionCommands(commands);
   addKeepingCommands(commands);
+  addBackupCommands(commands);
+  addExportCommand(commands);
 }
 
 } // namespace

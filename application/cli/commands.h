@@ -9,6 +9,7 @@
 #include "OrvanPlatform/instant.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/session.h"
+#include "application/store/store_key.h"
 
 namespace orvan {
 
@@ -55,7 +56,7 @@ enum class ItemCommand { snooze, dismiss, resolve };
 
 // Each runs one command and writes its output. What fails is thrown: a CommandFailure, or an exception of the library.
 
-void runInit(const CommandContext& context);
+void runInit(const CommandContext& context, KeyPlace keyPlace);
 void runImport(const CommandContext& context, const ImportArguments& arguments);
 void runBundle(const CommandContext& context, const std::string& person);
 void runBundles(const CommandContext& context);

@@ -5,13 +5,16 @@
 #include <vector>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/printable_text.h"
 #include "OrvanSpineCore/key_file.h"
+#include "application/backup/restore.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
 #include "application/store/application_store.h"
+#include "application/store/key_change.h"
 
 namespace orvan {
 namespace {
@@ -38,7 +41,8 @@ bool othersMayEnter(const std::filesystem::path& folder) {
 }
 
 std::string lookAtKey(const SessionSettings& settings) {
-  const auto key = KeyFile(settings.keyFile).loadLocalStoreKey();
+  const StoreKey storeKey(settings.keyFile);
+  const auto key = storeKey.loadLocalStoreKey();
   if (!key) {
     throw CommandFailure(ExitCode::cannotOpen,
                          "There is no key file; 'orvan init' makes one, or name yours with --key-file.");
@@ -46,7 +50,18 @@ std::string lookAtKey(const SessionSettings& settings) {
   if (key->size() != KeyFile::keyLength) {
     throw Error(ApplicationStoreError::keyMalformed, "looking at the key");
   }
-  return "32 bytes, readable by you alone";
+  return storeKey.place() == KeyPlace::keyring ? "32 bytes, in the desktop's keyring"
+                                               : "32 bytes, in a file readable by you alone";
+}
+
+/// Opening the store ends a change of the key that was interrupted, and leaves no pending key unless neither opens it.
+std::string lookAtPendingKey(const SessionSettings& settings) {
+  if (StoreKey(settings.keyFile).pending().exists()) {
+    throw CommandFailure(ExitCode::cannotOpen,
+                         "A change of the key was interrupted, and neither the key nor the one beside it (.pending) "
+                         "opens the store; keep both files, and restore the store with 'orvan restore FILE'.");
+  }
+  return "no change is pending";
 }
 
 std::string lookAtFolders(const SessionSettings& settings) {
@@ -92,24 +107,21 @@ std::string lookAtSchema(DatabaseQueue& store) {
   if (!missing.empty()) {
     throw CommandFailure(ExitCode::failed, "The store lacks " + missing.front() +
                                                (missing.size() == 1 ? "" : " and more") +
-                                               "; restore it from a backup.");
+                                               "; restore it with 'orvan restore FILE'.");
   }
   return "all tables, columns and indices are there";
 }
 
-/// Every page carries a code that tells whether it is as it was written.
 std::string lookAtPages(DatabaseQueue& store) {
-  return store.withoutTransaction([](Connection& connection) {
-    auto faults = connection.query("PRAGMA cipher_integrity_check");
-    if (faults.next()) {
-      throw CommandFailure(ExitCode::failed, "Pages of the store are damaged; restore it from a backup.");
-    }
-    const auto structure = connection.fetchOptionalText("PRAGMA quick_check").value_or("");
-    if (structure != "ok") {
-      throw CommandFailure(ExitCode::failed, "The store's tables are damaged; restore it from a backup.");
-    }
-    return std::string{"no damage found"};
-  });
+  switch (store.withoutTransaction(ApplicationStore::damage)) {
+    case StoreDamage::pages:
+      throw CommandFailure(ExitCode::failed, "Pages of the store are damaged; restore it with 'orvan restore FILE'.");
+    case StoreDamage::tables:
+      throw CommandFailure(ExitCode::failed, "The store's tables are damaged; restore it with 'orvan restore FILE'.");
+    case StoreDamage::none:
+      break;
+  }
+  return "no damage found";
 }
 
 std::string lookAtCopies(const SessionSettings& settings) {
@@ -122,6 +134,21 @@ std::string lookAtCopies(const SessionSettings& settings) {
             printableText(copies.front().string()));
   }
   return "none was left behind";
+}
+
+std::string lookAtWhatRestoringKept(const SessionSettings& settings) {
+  const auto kept = keptByRestoring(settings.store);
+  if (kept.empty()) {
+    return "none from restoring";
+  }
+  return "what restoring replaced is kept; remove it when you do not need it: " + printableText(kept.front().string()) +
+         (kept.size() == 1 ? "" : " and " + std::to_string(kept.size() - 1) + " more");
+}
+
+std::string lookAtBackups(const SessionSettings& settings) {
+  const auto latest = latestBackup(settings.store);
+  return latest ? "the latest was made " + humanMomentText(*latest)
+                : std::string{"none was made so far; 'orvan backup FILE' makes one"};
 }
 
 std::string lookAtLog(const SessionSettings& settings) {
@@ -140,6 +167,7 @@ std::vector<Finding> examine(const SessionSettings& settings, const CredentialVa
   findings.push_back(lookAt("files", [&] { return lookAtFiles(settings); }));
   std::shared_ptr<DatabaseQueue> store;
   findings.push_back(lookAt("store", [&] {
+    settleKeyChange(settings.store, StoreKey(settings.keyFile));
     store = ApplicationStore::open(settings.store, vault, ApplicationStore::Access::read);
     return lookAtStore(*store);
   }));
@@ -149,7 +177,10 @@ std::vector<Finding> examine(const SessionSettings& settings, const CredentialVa
     findings.push_back(lookAt("pages", [&] { return lookAtPages(*store); }));
     findings.push_back(lookAt("log", [&] { return lookAtLog(settings); }));
   }
+  findings.push_back(lookAt("key change", [&] { return lookAtPendingKey(settings); }));
   findings.push_back(lookAt("copies", [&] { return lookAtCopies(settings); }));
+  findings.push_back(lookAt("former store", [&] { return lookAtWhatRestoringKept(settings); }));
+  findings.push_back(lookAt("backups", [&] { return lookAtBackups(settings); }));
   return findings;
 }
 

@@ -8,18 +8,35 @@
 
 namespace orvan {
 
-void runInit(const CommandContext& context) {
+namespace {
+
+void reportKey(const SessionSettings& settings, bool madeKey) {
+  const HumanOutput output;
+  const bool isInKeyring = StoreKey(settings.keyFile).place() == KeyPlace::keyring;
+  if (!madeKey) {
+    output.line(isInKeyring ? "It uses the key that was there, which the desktop's keyring holds."
+                            : "It uses the key that was there.");
+  } else if (isInKeyring) {
+    output.line(
+        "Its key is new and lies in the desktop's keyring; keep a copy of it, because without it the store "
+        "cannot be read: 'orvan backup FILE --key KEYFILE' writes one.");
+  } else {
+    output.line("Its key is new; keep a copy of it, because without it the store cannot be read: " +
+                printableText(settings.keyFile.string()));
+  }
+}
+
+} // namespace
+
+void runInit(const CommandContext& context, KeyPlace keyPlace) {
   const auto& settings = context.session.settings();
-  const bool madeKey = createStoreAndKey(settings) == KeyOrigin::made;
+  const bool madeKey = createStoreAndKey(settings, keyPlace) == KeyOrigin::made;
   if (context.output == OutputForm::json) {
     printJson({{"store", settings.store.string()}, {"keyFile", settings.keyFile.string()}, {"madeKey", madeKey}});
     return;
   }
-  const HumanOutput output;
-  output.line("The store is ready: " + printableText(settings.store.string()));
-  output.line(madeKey ? "Its key is new; keep a copy of it, because without it the store cannot be read: " +
-                            printableText(settings.keyFile.string())
-                      : "It uses the key that was there.");
+  HumanOutput{}.line("The store is ready: " + printableText(settings.store.string()));
+  reportKey(settings, madeKey);
 }
 
 void runCheckpoint(const CommandContext& context) {
