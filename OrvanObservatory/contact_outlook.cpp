@@ -48,6 +48,7 @@ class OutlookReader {
     readWeeks();
     readWaiting();
     readOpenLoops();
+    readHidden();
     for (std::size_t person = 0; person < outlooks_.size(); ++person) {
       const auto& tally = tallies_[person];
       outlooks_[person].exchange =
@@ -182,6 +183,15 @@ WHERE state IN ('open', 'surfaced') AND evidence_ref IS NOT NULL
       const auto found = positions_.find(std::string{rows.text(Column{0})});
       if (found != positions_.end()) {
         keepLatest(outlooks_[found->second].openSince, rows.text(Column{1}));
+      }
+    }
+  }
+
+  void readHidden() {
+    auto rows = connection_.query("SELECT target_id FROM exclusion_rule WHERE scope = 'person' AND ended_at IS NULL");
+    while (rows.next()) {
+      if (const auto found = positions_.find(std::string{rows.text(Column{0})}); found != positions_.end()) {
+        outlooks_[found->second].isHidden = true;
       }
     }
   }

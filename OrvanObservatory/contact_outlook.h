@@ -31,12 +31,16 @@ struct ContactOutlook {
   /// Whether the store has interactions with the person and no counts, as when a program other than the importers wrote
   /// them. Such a person may have any reason, and is taken for an acquaintance.
   bool isUncounted = false;
+  /// Whether the user keeps the person from being shown.
+  bool isHidden = false;
 
   bool operator==(const ContactOutlook&) const = default;
 
   /// Whether anything can bring the person onto a list. Those for whom it is false need not be looked at; of the others
   /// a closer look may still find nothing.
-  bool canHaveReason() const noexcept { return waitingSince || openSince || mayMeet || mayHaveResumed || isUncounted; }
+  bool canHaveReason() const noexcept {
+    return !isHidden && (waitingSince || openSince || mayMeet || mayHaveResumed || isUncounted);
+  }
 };
 
 /// Everybody whom StoreProjectionReader lists, with what can be told of them as of an instant, in the order in which a

@@ -82,7 +82,9 @@ void runWhy(const CommandContext& context, const std::string& person) {
     HumanOutput{}.whyNow(*item);
     noteShown(context, bundle);
   } else {
-    HumanOutput{}.line("There is no reason to get in touch now.");
+    HumanOutput{}.line(context.session.isHidden(bundle.personKey())
+                           ? "That person is hidden; 'orvan unhide PERSON' shows them again."
+                           : "There is no reason to get in touch now.");
   }
 }
 

@@ -4,11 +4,13 @@
 #include <new>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/printable_text.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
 #include "application/backup/backup_error.h"
 #include "application/corrections/action_journal.h"
+#include "application/session/hiding_lookup.h"
 #include "application/session/item_lookup.h"
 #include "application/session/reason_in_words.h"
 #include "application/store/application_store_error.h"
@@ -95,6 +97,17 @@ std::string sentenceOf(SessionError error) {
       return "The reason has changed meanwhile, so nothing was done; 'orvan catch-up' shows the list.";
     case SessionError::snoozeEndPast:
       return "A snooze has to end in the future; nothing was changed.";
+    case SessionError::personHidden:
+      return "That person is hidden; 'orvan unhide PERSON' shows them again.";
+    case SessionError::conversationUnknown:
+      return "That item is part of no conversation; hide the person, or dismiss the item.";
+    case SessionError::nothingHidden:
+      return "Nothing that is hidden goes by that; 'orvan hidden' lists what is.";
+    case SessionError::severalMeant:
+      return "Several things go by that; name the one you mean by its key.";
+    case SessionError::reasonStands:
+      return "Only a question and a conversation that waits can be wrong; 'orvan dismiss' takes any other reason off "
+             "the list for good.";
     case SessionError::cannotMakeFolder:
       return "The folder for the store could not be made; choose another with --store.";
   }
@@ -124,6 +137,14 @@ std::string sentenceOf(ActionJournalError error) {
 CommandFailure commandFailureOf(const ReasonChanged& error) {
   return {ExitCode::failed,
           "The reason has changed meanwhile, so nothing was done. It is now: " + reasonInWords(error.current())};
+}
+
+CommandFailure commandFailureOf(const SeveralMeant& error) {
+  std::string sentence = "Several things go by that; name the one you mean:";
+  for (const auto& option : error.options()) {
+    sentence += (&option == &error.options().front() ? " " : ", ") + printableText(option);
+  }
+  return {ExitCode::failed, sentence + "."};
 }
 
 CommandFailure commandFailureOf(const ChangedSince& error) {
@@ -172,6 +193,8 @@ CommandFailure failureOfCurrentException() {
   } catch (const ReasonChanged& error) {
     return commandFailureOf(error);
   } catch (const ChangedSince& error) {
+    return commandFailureOf(error);
+  } catch (const SeveralMeant& error) {
     return commandFailureOf(error);
   } catch (const Error& error) {
     return commandFailureOf(error);

@@ -13,6 +13,7 @@
 #include "application/cli/command_line_fault.h"
 #include "application/cli/command_set.h"
 #include "application/cli/correction_commands.h"
+#include "application/cli/hiding_commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/people_commands.h"
 #include "application/session/person_lookup.h"
@@ -224,6 +225,7 @@ void addCommands(CommandSet& commands, Invocation& invocation) {
   addFirstCommands(commands, invocation);
   addReadingCommands(commands, invocation);
   addDecidingCommands(commands, invocation);
+  addHidingCommands(commands);
   addCorrectionCommands(commands);
   addKeepingCommands(commands);
   addBackupCommands(commands);

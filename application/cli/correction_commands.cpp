@@ -9,7 +9,7 @@
 #include "OrvanPlatform/printable_text.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
-#include "application/corrections/action_journal.h"
+#include "application/corrections/taking_back.h"
 
 namespace orvan {
 namespace {
@@ -75,7 +75,7 @@ void runHistory(const CommandContext& context) {
 
 void runUndo(const CommandContext& context, std::optional<std::int64_t> number) {
   const auto entry = context.session.writableStore().write(
-      [&](Connection& connection) { return takeBackAction(number, context.asOf, connection); });
+      [&](Connection& connection) { return undoAction(number, context.asOf, connection); });
   if (context.output == OutputForm::json) {
     printJson(toJson(entry));
   } else {

@@ -127,6 +127,8 @@ std::string sentenceFor(const NotShown& person) {
       return "resolved";
     case NotShownReason::beyondTheCap:
       return "not looked at: beyond the cap (see --max-people)";
+    case NotShownReason::hidden:
+      return "hidden";
   }
   return "";
 }

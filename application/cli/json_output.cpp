@@ -253,6 +253,8 @@ std::string_view caseName(NotShownReason reason) noexcept {
       return "resolved";
     case NotShownReason::beyondTheCap:
       return "beyondTheCap";
+    case NotShownReason::hidden:
+      return "hidden";
   }
   return "unknown";
 }

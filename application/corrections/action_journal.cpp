@@ -219,7 +219,7 @@ std::vector<JournalEntry> actionHistory(Instant now, Connection& connection) {
   return entries;
 }
 
-JournalEntry takeBackAction(std::optional<std::int64_t> number, Instant now, Connection& connection) {
+TakenBack takeBackAction(std::optional<std::int64_t> number, Instant now, Connection& connection) {
   auto action = number ? actionNumbered(*number, connection) : latestToTakeBack(now, connection);
   requireCanBeTakenBack(action.entry, now);
   requireAsLeft(action, connection);
@@ -231,7 +231,7 @@ JournalEntry takeBackAction(std::optional<std::int64_t> number, Instant now, Con
   connection.execute("UPDATE user_action SET undone_at = ? WHERE number = ?", formatInternetDateTime(now),
                      action.entry.number);
   action.entry.state = JournalEntry::State::undone;
-  return action.entry;
+  return {std::move(action.entry), std::move(action.changes)};
 }
 
 } // namespace orvan

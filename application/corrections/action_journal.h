@@ -73,10 +73,17 @@ class ChangedSince final : public Error {
   std::optional<JournalEntry> by_;
 };
 
+/// An action that was taken back, and what it had changed.
+struct TakenBack {
+  JournalEntry entry;
+  std::vector<Change> changes;
+};
+
 /// Takes back the action of that number, or the latest that can be taken back and was not, and gives it. Everything
-/// it changed is then as it was before; what has changed since otherwise is left alone.
+/// it changed is then as it was before; what has changed since otherwise is left alone, and no consequences are drawn:
+/// undoAction() does both.
 ///
 /// Throws Error with an ActionJournalError, or a ChangedSince, and changes nothing then.
-JournalEntry takeBackAction(std::optional<std::int64_t> number, Instant now, Connection& connection);
+TakenBack takeBackAction(std::optional<std::int64_t> number, Instant now, Connection& connection);
 
 } // namespace orvan

@@ -77,6 +77,14 @@ NotShown withoutItem(const ContactOutlook& outlook, NotShownReason reason) {
   return {outlook.personKey, outlook.displayName, reason, std::nullopt, std::nullopt};
 }
 
+/// Why the person was not looked at.
+NotShownReason reasonWithoutALook(const ContactOutlook& outlook) {
+  if (outlook.isHidden) {
+    return NotShownReason::hidden;
+  }
+  return outlook.canHaveReason() ? NotShownReason::beyondTheCap : NotShownReason::nothingToTell;
+}
+
 /// Explains everyone who is not among `items`; of `outlooks` the first `lookedAt` were looked at.
 std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& items,
                                     std::span<const ContactOutlook> outlooks, std::size_t lookedAt,
@@ -97,8 +105,7 @@ std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& ite
     }
   }
   for (const auto& outlook : outlooks.subspan(lookedAt)) {
-    others.push_back(
-        withoutItem(outlook, outlook.canHaveReason() ? NotShownReason::beyondTheCap : NotShownReason::nothingToTell));
+    others.push_back(withoutItem(outlook, reasonWithoutALook(outlook)));
   }
   return others;
 }

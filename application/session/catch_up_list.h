@@ -25,6 +25,7 @@ enum class NotShownReason {
   dismissed,
   resolved,
   beyondTheCap,
+  hidden,
 };
 
 struct NotShown {

@@ -20,6 +20,12 @@ std::optional<std::string> personKeyIn(const std::string& itemKey) {
   return isItemKey ? std::optional{itemKey.substr(colon + 1, length)} : std::nullopt;
 }
 
+void requireShown(const std::string& personKey, Session& session) {
+  if (session.isHidden(personKey)) {
+    throw Error(SessionError::personHidden, "looking for an item");
+  }
+}
+
 /// The item that stands for the person by `bundle`, whatever its state.
 AttentionCatchUpItem currentItem(Session& session, const AttentionEvidenceBundle& bundle, Instant asOf) {
   const auto person = session.person(bundle.personKey());
@@ -42,9 +48,15 @@ void revalidate(const AttentionCatchUpItem& current, const std::string& itemKey,
 
 } // namespace
 
+bool isItemKey(const std::string& text) {
+  return personKeyIn(text).has_value();
+}
+
 FoundItem itemCalled(const std::string& text, Session& session, Instant asOf) {
   const auto keyedPerson = personKeyIn(text);
-  auto bundle = asKnownAt(asOf, session.bundle(session.personKeyOf(keyedPerson ? *keyedPerson : text), asOf));
+  const auto personKey = session.personKeyOf(keyedPerson ? *keyedPerson : text);
+  requireShown(personKey, session);
+  auto bundle = asKnownAt(asOf, session.bundle(personKey, asOf));
   auto current = currentItem(session, bundle, asOf);
   if (keyedPerson) {
     revalidate(current, text, bundle);

@@ -29,11 +29,14 @@ struct FoundItem {
   AttentionEvidenceBundle bundle;
 };
 
+/// Whether a text has the form of an item's key.
+bool isItemKey(const std::string& text);
+
 /// What the user names by `text`: an item's key, or a person's key, name or address, which stand for the item of that
 /// person at `asOf`.
 ///
-/// Throws Error with SessionError::personUnknown, personAmbiguous or noReasonNow, or a ReasonChanged, and what the
-/// session throws.
+/// Throws Error with SessionError::personUnknown, personAmbiguous, personHidden or noReasonNow, or a ReasonChanged, and
+/// what the session throws.
 FoundItem itemCalled(const std::string& text, Session& session, Instant asOf);
 
 } // namespace orvan

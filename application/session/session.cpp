@@ -7,7 +7,9 @@
 #include "OrvanObservatory/attention_projection_reader.h"
 #include "OrvanObservatory/store_projection_reader.h"
 #include "OrvanPlatform/error.h"
+#include "application/corrections/hiding.h"
 #include "application/session/person_lookup.h"
+#include "application/session/true_resumption.h"
 #include "application/store/key_change.h"
 
 namespace orvan {
@@ -120,6 +122,10 @@ std::optional<ProjectedPerson> Session::person(const std::string& personKey) {
   return name ? std::optional<ProjectedPerson>{std::in_place, personKey, *name} : std::nullopt;
 }
 
+bool Session::isHidden(const std::string& personKey) {
+  return store().read([&personKey](Connection& connection) { return isPersonHidden(personKey, connection); });
+}
+
 const std::vector<ContactOutlook>& Session::outlooks(Instant asOf) {
   if (!people_->areReadFor(asOf)) {
     people_->read(asOf, store());
@@ -143,12 +149,20 @@ std::string Session::personKeyOf(const std::string& text) {
 std::vector<AttentionEvidenceBundle> Session::bundles(Instant asOf) {
   openForReading();
   outlooks(asOf);
-  return waitFor(compiler_->executor(), compiler_->compileAll(asOf));
+  auto bundles = waitFor(compiler_->executor(), compiler_->compileAll(asOf));
+  store().read([&](Connection& connection) {
+    for (auto& bundle : bundles) {
+      bundle = withTrueResumption(std::move(bundle), asOf, connection);
+    }
+  });
+  std::erase_if(bundles, &AttentionEvidenceBundle::isEmpty);
+  return bundles;
 }
 
 AttentionEvidenceBundle Session::bundle(const std::string& personKey, Instant asOf) {
   openForReading();
-  return waitFor(compiler_->executor(), compiler_->compile(personKey, asOf));
+  auto bundle = waitFor(compiler_->executor(), compiler_->compile(personKey, asOf));
+  return store().read([&](Connection& connection) { return withTrueResumption(std::move(bundle), asOf, connection); });
 }
 
 /// On the connection that is open anyway: a disposition store would derive the key twice more, to write and to read.

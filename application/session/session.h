@@ -49,6 +49,9 @@ class Session {
   /// One person as everything shows them; nothing when there is nobody with that key.
   std::optional<ProjectedPerson> person(const std::string& personKey);
 
+  /// Whether the user keeps the person from being shown.
+  bool isHidden(const std::string& personKey);
+
   /// The people the user deals with, with what can be told of them without a look at their evidence, in the order in
   /// which that is worthwhile. Read once for a moment: what another program adds is seen after readAgain(). Valid until
   /// then, or until another moment is asked for.

@@ -21,6 +21,16 @@ class Category final : public std::error_category {
         return "reasonChanged";
       case SessionError::snoozeEndPast:
         return "snoozeEndPast";
+      case SessionError::personHidden:
+        return "personHidden";
+      case SessionError::conversationUnknown:
+        return "conversationUnknown";
+      case SessionError::nothingHidden:
+        return "nothingHidden";
+      case SessionError::severalMeant:
+        return "severalMeant";
+      case SessionError::reasonStands:
+        return "reasonStands";
       case SessionError::cannotMakeFolder:
         return "cannotMakeFolder";
     }

@@ -17,6 +17,16 @@ enum class SessionError {
   reasonChanged,
   /// A snooze would be over already.
   snoozeEndPast,
+  /// The user hides the person.
+  personHidden,
+  /// The item is part of no conversation.
+  conversationUnknown,
+  /// Nothing that is hidden goes by that word.
+  nothingHidden,
+  /// The word means several things. Thrown as a SeveralMeant.
+  severalMeant,
+  /// The item's reason is none that could be wrong.
+  reasonStands,
   /// The folder for a new store or its key cannot be made.
   cannotMakeFolder,
 };

@@ -150,5 +150,50 @@ TEST_F(CorrectionCommands, AskSomebodyAtATerminalBeforeWhatTheyDidNotSeeOrCannot
   EXPECT_EQ(read({"history"}).size(), 3U) << "what changed nothing is none";
 }
 
+TEST_F(CorrectionCommands, KeepWhatIsHiddenOutOfSightUntilItIsShownAgain) {
+  import(mail("a1", "Mon, 09 Mar 2026 08:00"));
+  const std::string itemKey = read({"catch-up"})["items"][0]["itemKey"];
+  const std::string key = read({"hide", "Ada Marsh"})["key"];
+  EXPECT_TRUE(run({"hide", "ada@hill.example"}).text.starts_with("Hidden already, since Mar 10, 2026: Ada Marsh"));
+  EXPECT_EQ(read({"catch-up", "--explain"})["notShown"][0]["reason"], "hidden");
+  EXPECT_TRUE(run({"why", "Ada Marsh"}).text.starts_with("That person is hidden"));
+  EXPECT_EQ(run({"show", "Ada Marsh"}).status, 1);
+  EXPECT_EQ(read({"unhide", "Ada Marsh"})["key"], key);
+  EXPECT_EQ(run({"undo"}).status, 0);
+  EXPECT_EQ(read({"hidden"}).size(), 1U);
+  EXPECT_EQ(run({"undo"}).status, 0);
+  EXPECT_TRUE(read({"hidden"}).empty());
+
+  EXPECT_EQ(read({"hide", itemKey})["scope"], "conversation");
+  EXPECT_TRUE(read({"catch-up"})["items"].empty());
+  EXPECT_EQ(read({"unhide", "The boat"})["personKey"], read({"people"})[0]["personKey"]);
+  import(mail("m1", "Mon, 09 Mar 2026 09:00", "Hello.", "mail <mail@hill.example>"));
+  EXPECT_TRUE(run({"hide", "mail"}).text.contains("Several things go by that; name the one you mean: mail-"));
+  EXPECT_EQ(run({"hide", "mail@hill.example"}).status, 0);
+  EXPECT_EQ(read({"catch-up"})["items"].size(), 1U);
+  EXPECT_EQ(run({"unhide", "Ada Marsh"}).status, 1);
+}
+
+TEST_F(CorrectionCommands, KeepWhatWasWrongThroughLaterImports) {
+  const std::string robin = "Robin <robin@orvan.example>";
+  const auto known =
+      mail("r1", "Thu, 01 Jan 2026 08:00", "The boat?", robin, "ada@hill.example") +
+      mail("a1", "Wed, 25 Feb 2026 08:00", "Could you send me the drawings of the boat?") +
+      mail("a2", "Thu, 26 Feb 2026 08:00", "It is ready.", "Ada Marsh <ada@hill.example>", "robin@orvan.example", "a1");
+  import(known);
+  const auto kind = [this] {
+    const auto items = read({"catch-up"})["items"];
+    return items.empty() ? "" : items[0]["whyNow"]["kind"].get<std::string>();
+  };
+  EXPECT_EQ(kind(), "openThread");
+  EXPECT_EQ(read({"wrong", "Ada Marsh"})["wrong"], "notWaiting");
+  EXPECT_EQ(kind(), "commitment") << "the question in it";
+  EXPECT_EQ(read({"wrong", "Ada Marsh"})["wrong"], "noQuestion");
+  import(known);
+  EXPECT_NE(kind(), "openThread");
+  EXPECT_NE(kind(), "commitment");
+  EXPECT_EQ(read({"bundle", "Ada Marsh"})["userCorrectionCountInWindow"], 2);
+}
+
 } // namespace
 } // namespace orvan

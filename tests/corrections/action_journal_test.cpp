@@ -33,7 +33,7 @@ class ActionJournal : public testing::Test {
   }
 
   std::int64_t undo(std::optional<std::int64_t> number = std::nullopt, Instant at = noon) {
-    const auto body = [&](Connection& store) { return takeBackAction(number, at, store).number; };
+    const auto body = [&](Connection& store) { return takeBackAction(number, at, store).entry.number; };
     return inTransaction(connection(), TransactionKind::write, body);
   }
 

@@ -17,6 +17,9 @@ FROM (
 ) latest
 JOIN source_event event ON event.id = latest.source_event_id AND event.conversation_kind = 'direct'
 WHERE latest.direction = 'inbound' AND latest.source_identity_id IS NOT NULL
+  AND NOT EXISTS (
+    SELECT 1 FROM exclusion_rule settled
+    WHERE settled.scope = 'interaction' AND settled.target_id = latest.id AND settled.ended_at IS NULL)
 )sql";
 
 constexpr const char* upsertWaiting = R"sql(
