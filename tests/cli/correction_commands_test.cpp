@@ -195,5 +195,25 @@ TEST_F(CorrectionCommands, KeepWhatWasWrongThroughLaterImports) {
   EXPECT_EQ(read({"bundle", "Ada Marsh"})["userCorrectionCountInWindow"], 2);
 }
 
+TEST_F(CorrectionCommands, DoNotTakeASettledMailForSilenceNorAskWhatWasAnswered) {
+  const std::string robin = "Robin <robin@orvan.example>";
+  const std::string kim = "Kim Oar <kim@hill.example>";
+  import(mail("r1", "Mon, 26 Jan 2026 08:00", "The boat?", robin, "ada@hill.example") +
+         mail("a1", "Wed, 11 Feb 2026 08:00") +
+         mail("r2", "Sun, 08 Feb 2026 08:00", "Hello", robin, "kim@hill.example") +
+         mail("k1", "Mon, 09 Feb 2026 08:00", "Could you send me the drawings of the boat?", kim));
+  const std::string then = "2026-02-12T12:00:00Z";
+  EXPECT_EQ(read({"wrong", "Ada Marsh"}, then)["wrong"], "notWaiting");
+  EXPECT_EQ(read({"wrong", "Kim Oar"}, then)["wrong"], "noQuestion");
+  import(mail("a2", "Fri, 27 Feb 2026 08:00") +
+         mail("r3", "Fri, 13 Feb 2026 08:00", "Here.", robin, "kim@hill.example", "k1"));
+  const auto list = read({"catch-up"})["items"];
+  ASSERT_EQ(list.size(), 1U);
+  EXPECT_EQ(list[0]["whyNow"]["evidenceLines"][0], "Last message received Feb 27, 2026.");
+  EXPECT_TRUE(read({"bundle", "Ada Marsh"})["changedContext"].is_null()) << "there was a mail in between";
+  EXPECT_EQ(run({"undo"}).status, 0);
+  EXPECT_TRUE(read({"bundle", "Kim Oar"})["commitments"].empty()) << "answered meanwhile";
+}
+
 } // namespace
 } // namespace orvan
