@@ -57,8 +57,7 @@ struct Restrictions {
 
   static Restrictions in(Connection& connection) {
     auto row = connection.query(R"sql(
-SELECT EXISTS (SELECT 1 FROM deletion_tombstone
-               WHERE object_type IN ('interaction', 'thread', 'source_event', 'person')),
+SELECT EXISTS (SELECT 1 FROM deletion_tombstone WHERE object_type <> 'identity'),
        EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'interaction' AND ended_at IS NULL),
        EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'thread' AND ended_at IS NULL),
        EXISTS (SELECT 1 FROM exclusion_rule WHERE scope = 'person' AND ended_at IS NULL),

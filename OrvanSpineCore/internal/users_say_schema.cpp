@@ -57,8 +57,8 @@ CREATE TABLE shown_item (
 ) STRICT, WITHOUT ROWID;
 )sql";
 
-// told_by is 'import' or 'user', who said it by itself. has_mail tells whether a mail names the address, NULL for addresses
-// told before that was kept; was_read_with, whether any source was read since the address was told.
+// told_by is 'import' or 'user', who said it by itself. has_mail tells whether a mail names the address, NULL for
+// addresses told before that was kept; was_read_with, whether any source was read since the address was told.
 //
 // What was taken for somebody else's until its address was said to be the user's: role is 'membership', 'sender' or
 // 'participant', and object_id names the membership, or the interaction. Questions are kept whole, with the state of
@@ -85,12 +85,17 @@ CREATE TABLE own_address_question (
   loop_state TEXT,
   PRIMARY KEY (own_identity_id, interaction_id)
 ) STRICT, WITHOUT ROWID;
+
+-- Mails of the user's that may turn out to be another's when they are read again: until then they answer nobody.
+CREATE TABLE outdated_mail (
+  interaction_id TEXT NOT NULL PRIMARY KEY
+) STRICT, WITHOUT ROWID;
 )sql";
 
 // Addresses that the user has had forgotten are deletion tombstones of the object_type 'identity', which only imports
-// ask for: by type, so that those who ask for the others do not pay for them.
+// ask for. Whoever asks whether there are any others finds that out from one entry.
 constexpr const char* forgotten = R"sql(
-CREATE INDEX deletion_tombstone_by_type ON deletion_tombstone (object_type);
+CREATE INDEX deletion_tombstone_of_history ON deletion_tombstone (object_type) WHERE object_type <> 'identity';
 )sql";
 
 // kind is 'mail', 'calendar' or 'cards'; path is absolute. What a source brings has an account of its own.

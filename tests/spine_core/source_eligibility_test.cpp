@@ -42,6 +42,7 @@ TEST_F(SourceEligibilityTest, HidesWhatARuleOrATombstoneNames) {
         {"deletion_tombstone VALUES ('i', 'interaction', '')", Reach::notDeletedToo},
         {"deletion_tombstone VALUES ('event-i', 'source_event', '')", Reach::notDeletedToo},
         {"deletion_tombstone VALUES ('i', 'source_event', '')", Reach::nobody},
+        {"deletion_tombstone VALUES ('ana', 'identity', '')", Reach::nobody},
         {"deletion_tombstone VALUES ('i', 'source_object', '')", Reach::nobody}}) {
     store.run("SAVEPOINT before");
     store.run(std::string{"INSERT INTO "} + row);

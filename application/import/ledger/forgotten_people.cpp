@@ -30,8 +30,8 @@ void ForgottenPeople::leaveOut(PreparedMail& mail) const {
   }
   leaveOut(mail.participantIdentityIDs);
   leaveOut(mail.namedIdentityIDs);
-  const bool isTheirs = mail.isFromUser() ? mail.readers > 0 && mail.participantIdentityIDs.empty()
-                                          : contains(mail.principalIdentityID);
+  const bool isTheirs =
+      mail.isFromUser() ? mail.readers > 0 && mail.participantIdentityIDs.empty() : contains(mail.principalIdentityID);
   if (isTheirs) {
     passOver(mail);
   }

@@ -20,12 +20,10 @@ std::vector<std::string> textsIn(Query rows) {
 }
 
 std::vector<std::string> threadsOf(const std::string& identityID, Connection& connection) {
-  return textsIn(
-      connection.query("SELECT thread_id FROM thread_participant WHERE source_identity_id = ?", identityID));
+  return textsIn(connection.query("SELECT thread_id FROM thread_participant WHERE source_identity_id = ?", identityID));
 }
 
-void executeEach(std::initializer_list<const char*> statements, const std::string& identityID,
-                 Connection& connection) {
+void executeEach(std::initializer_list<const char*> statements, const std::string& identityID, Connection& connection) {
   for (const char* statement : statements) {
     connection.execute(statement, identityID);
   }
@@ -33,25 +31,24 @@ void executeEach(std::initializer_list<const char*> statements, const std::strin
 
 /// Loops are called as the question ledger calls them.
 void writeDown(const std::string& identityID, Connection& connection) {
-  executeEach(
-      {R"sql(
+  executeEach({R"sql(
 INSERT OR IGNORE INTO own_address_taking (source_identity_id, role, object_id)
 SELECT source_identity_id, 'membership', id FROM identity_membership
 WHERE source_identity_id = ? AND ended_at IS NULL
 )sql",
-       R"sql(
+               R"sql(
 INSERT OR IGNORE INTO own_address_taking (source_identity_id, role, object_id)
 SELECT source_identity_id, 'participant', interaction_id FROM interaction_participant
 WHERE source_identity_id = ?
 )sql",
-       R"sql(
+               R"sql(
 INSERT OR IGNORE INTO own_address_taking (source_identity_id, role, object_id)
 SELECT i.source_identity_id, 'sender', i.id
 FROM interaction_participant present
 JOIN interaction i ON i.id = present.interaction_id AND i.source_identity_id = present.source_identity_id
 WHERE present.source_identity_id = ? AND i.direction = 'inbound'
 )sql",
-       R"sql(
+               R"sql(
 INSERT OR IGNORE INTO own_address_question
   (own_identity_id, interaction_id, message_key, source_identity_id, asked_at, question, loop_state)
 SELECT ?1, asked.interaction_id, asked.message_key, asked.source_identity_id, asked.asked_at, asked.question,
@@ -61,7 +58,7 @@ LEFT JOIN open_loop loop ON loop.id = asked.interaction_id || '-loop'
 WHERE asked.source_identity_id = ?1
    OR asked.thread_id IN (SELECT thread_id FROM thread_participant WHERE source_identity_id = ?1)
 )sql"},
-      identityID, connection);
+              identityID, connection);
 }
 
 /// Of the questions that were written down, those that the taking left alone need not be given back.
@@ -135,8 +132,8 @@ WHERE present.source_identity_id = ?
 /// Those who are reached earlier than was thought.
 std::vector<std::string> countContact(const std::string& identityID, Connection& connection) {
   ContactLedger contact;
-  const auto interactionIDs = textsIn(connection.query(
-      "SELECT interaction_id FROM interaction_participant WHERE source_identity_id = ?", identityID));
+  const auto interactionIDs = textsIn(
+      connection.query("SELECT interaction_id FROM interaction_participant WHERE source_identity_id = ?", identityID));
   for (const auto& interactionID : interactionIDs) {
     if (const auto row = storedInteraction(interactionID, connection)) {
       contact.addFor(identityID, *row);
@@ -171,17 +168,17 @@ void takeFromOthers(const std::string& identityID, std::string_view now, Connect
   const auto threadIDs = threadsOf(identityID, connection);
   connection.execute("UPDATE identity_membership SET ended_at = ? WHERE source_identity_id = ? AND ended_at IS NULL",
                      now, identityID);
-  executeEach({R"sql(
+  executeEach(
+      {R"sql(
 UPDATE interaction SET direction = 'outbound', source_identity_id = NULL
 WHERE id IN (SELECT object_id FROM own_address_taking WHERE source_identity_id = ? AND role = 'sender')
 )sql",
-               "DELETE FROM pending_question WHERE source_identity_id = ?",
-               "DELETE FROM interaction_participant WHERE source_identity_id = ?",
-               "DELETE FROM thread_participant WHERE source_identity_id = ?",
-               "DELETE FROM contact_week WHERE source_identity_id = ?",
-               "DELETE FROM contact_span WHERE source_identity_id = ?",
-               "DELETE FROM waiting_thread WHERE source_identity_id = ?"},
-              identityID, connection);
+       "DELETE FROM pending_question WHERE source_identity_id = ?",
+       "DELETE FROM interaction_participant WHERE source_identity_id = ?",
+       "DELETE FROM thread_participant WHERE source_identity_id = ?",
+       "DELETE FROM contact_week WHERE source_identity_id = ?", "DELETE FROM contact_span WHERE source_identity_id = ?",
+       "DELETE FROM waiting_thread WHERE source_identity_id = ?"},
+      identityID, connection);
   reconsider(threadIDs, {}, now, connection);
   forgetQuestionsStillPending(identityID, connection);
 }

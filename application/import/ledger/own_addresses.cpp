@@ -1,6 +1,7 @@
 #include "application/import/ledger/own_addresses.h"
 
 #include "application/import/ledger/own_address_takings.h"
+#include "application/import/ledger/question_ledger.h"
 #include "application/import/ledger/stable_id.h"
 
 namespace orvan {
@@ -28,6 +29,10 @@ UPDATE mail_reference SET
   is_answered = 0
 WHERE state IN ('own', 'direct', 'group') OR is_answered
 )sql");
+  connection.execute(
+      "INSERT OR IGNORE INTO outdated_mail (interaction_id) "
+      "SELECT id FROM interaction WHERE direction = 'outbound'");
+  forgetAnswers(connection);
 }
 
 } // namespace

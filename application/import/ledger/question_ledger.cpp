@@ -42,6 +42,7 @@ WHERE EXISTS (SELECT 1 FROM mail_reference WHERE message_key = ?1 AND is_answere
      SELECT 1
      FROM interaction answer
      WHERE answer.thread_id = ?2 AND answer.direction = 'outbound' AND answer.occurred_at > ?4
+       AND NOT EXISTS (SELECT 1 FROM outdated_mail WHERE outdated_mail.interaction_id = answer.id)
        AND (EXISTS (SELECT 1 FROM interaction_participant reader
                     WHERE reader.source_identity_id = ?3 AND reader.interaction_id = answer.id)
             OR NOT EXISTS (SELECT 1 FROM thread_participant known
@@ -135,6 +136,14 @@ bool settleOne(const AskedQuestion& question, std::string_view now, Connection& 
 }
 
 } // namespace
+
+void forgetAnswers(Connection& connection) {
+  connection.execute(R"sql(
+DELETE FROM open_loop
+WHERE kind = 'unanswered_question' AND state = 'done'
+  AND id NOT IN (SELECT open_loop_id FROM follow_up WHERE open_loop_id IS NOT NULL)
+)sql");
+}
 
 void QuestionLedger::reconsiderPeople(const std::vector<std::string>& identityIDs) {
   identityIDs_.insert(identityIDs.begin(), identityIDs.end());

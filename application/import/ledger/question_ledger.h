@@ -52,4 +52,8 @@ class QuestionLedger {
   std::vector<MailKey> mails_;
 };
 
+/// Forgets which questions were answered, because it is no longer known which mails are the user's: those that are read
+/// again are weighed as if they were new. Within the caller's transaction.
+void forgetAnswers(Connection& connection);
+
 } // namespace orvan

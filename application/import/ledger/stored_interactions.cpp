@@ -100,6 +100,7 @@ void deleteInteraction(const InteractionRow& row, Connection& connection) {
   for (const char* statement : {
            "DELETE FROM pending_question WHERE interaction_id = ?",
            "DELETE FROM message_text WHERE interaction_id = ?",
+           "DELETE FROM outdated_mail WHERE interaction_id = ?",
            "DELETE FROM meeting_text WHERE interaction_id = ?",
            "DELETE FROM interaction WHERE id = ?",
            "DELETE FROM source_event WHERE id = ?",

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -140,6 +141,24 @@ class ImportStore {
   }
   void run(std::string_view sql) {
     queue.write([&](Connection& connection) { connection.execute(sql); });
+  }
+
+  /// Every row of these tables, behind the table's name; of all tables when none is given.
+  Texts rowsOf(Texts tables = {}) {
+    if (tables.empty()) {
+      tables = texts("SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite_%' ORDER BY name");
+    }
+    Texts rows;
+    for (const auto& table : tables) {
+      const auto columns = texts(
+                               "SELECT group_concat('quote(' || name || ')', ' || '','' || ') "
+                               "FROM pragma_table_info('" +
+                               table + "')")
+                               .front();
+      std::ranges::copy(texts("SELECT '" + table + " ' || " + columns + " FROM " + table + " ORDER BY 1"),
+                        std::back_inserter(rows));
+    }
+    return rows;
   }
 
   /// What is told of a person at that moment without a look at their history.
