@@ -98,7 +98,8 @@ constexpr const char* forgotten = R"sql(
 CREATE INDEX deletion_tombstone_of_history ON deletion_tombstone (object_type) WHERE object_type <> 'identity';
 )sql";
 
-// kind is 'mail', 'calendar' or 'cards'; path is absolute. What a source brings has an account of its own.
+// What is to be brought up to date. kind is 'mail', 'calendar' or 'cards'; path is absolute. What a source brings has
+// an account of its own. read_for stands for the user's addresses at the time: with others, the same mails tell more.
 constexpr const char* sources = R"sql(
 CREATE TABLE remembered_source (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -109,11 +110,13 @@ CREATE TABLE remembered_source (
   added_at TEXT NOT NULL,
   last_tried_at TEXT,
   last_succeeded_at TEXT,
-  last_fault TEXT
+  last_fault TEXT,
+  read_for TEXT
 ) STRICT;
 
--- How far each file or folder of a source was read. name is its path below the source's, empty for the source itself;
--- digest is of the last block that was read.
+-- How far each file or folder of a source was read. name is its path below the source's, empty for the source itself.
+-- size, inode and modified_at are the file system's; modified_at is 0 where it has to be looked at again in any case.
+-- digest is of what stands before read_up_to in a mailbox, or of the names and sizes of a calendar's files.
 CREATE TABLE source_position (
   source_id INTEGER NOT NULL REFERENCES remembered_source (id) ON DELETE CASCADE,
   name TEXT NOT NULL,
@@ -121,8 +124,15 @@ CREATE TABLE source_position (
   inode INTEGER NOT NULL,
   modified_at INTEGER NOT NULL,
   read_up_to INTEGER NOT NULL,
-  digest BLOB,
+  digest TEXT NOT NULL,
   PRIMARY KEY (source_id, name)
+) STRICT, WITHOUT ROWID;
+
+-- The files of a source's Maildirs that were read, each as a number made from its name.
+CREATE TABLE source_mail_file (
+  source_id INTEGER NOT NULL REFERENCES remembered_source (id) ON DELETE CASCADE,
+  file_key INTEGER NOT NULL,
+  PRIMARY KEY (source_id, file_key)
 ) STRICT, WITHOUT ROWID;
 )sql";
 

@@ -30,8 +30,9 @@ class CalendarSourceCategory final : public std::error_category {
   }
 };
 
-/// Where an event of the file lies.
+/// Where an event lies.
 struct EventPlace {
+  std::size_t file;
   std::uint64_t offset;
   bool withdrawn;
 };
@@ -90,13 +91,18 @@ const char* describe(CalendarNotice notice) noexcept {
 /// from the event they change and zones after their use. The second reads the events of one identifier at a time.
 class CalendarSource::Reading {
  public:
-  Reading(const std::filesystem::path& file, CalendarWindow window, std::set<std::string> ownAddresses)
-      : components_(file), window_(window), ownAddresses_(std::move(ownAddresses)) {
-    while (const auto component = components_.next()) {
-      component->kind == ComponentText::Kind::timeZone ? learnZone(*component) : list(*component);
+  Reading(std::vector<std::filesystem::path> files, CalendarWindow window, std::set<std::string> ownAddresses)
+      : files_(std::move(files)), window_(window), ownAddresses_(std::move(ownAddresses)) {
+    std::size_t calendars = 0;
+    for (std::size_t file = 0; file < files_.size(); ++file) {
+      calendars += listFile(file) ? 1 : 0;
     }
-    if (!components_.sawCalendar()) {
+    if (calendars == 0) {
       throw Error(CalendarSourceError::notACalendar, "reading the calendar file");
+    }
+    eventCount += files_.size() - calendars;
+    for (std::size_t other = calendars; other < files_.size(); ++other) {
+      leaveOut(CalendarSkip::unreadable);
     }
   }
 
@@ -118,6 +124,24 @@ class CalendarSource::Reading {
   std::map<CalendarNotice, std::size_t> notices;
 
  private:
+  /// Whether the file is a calendar.
+  bool listFile(std::size_t file) {
+    auto& components = open(file);
+    while (const auto component = components.next()) {
+      component->kind == ComponentText::Kind::timeZone ? learnZone(*component) : list(*component);
+    }
+    return components.sawCalendar();
+  }
+
+  /// One file at a time is open, however many there are.
+  ComponentReader& open(std::size_t file) {
+    if (!components_ || openFile_ != file) {
+      components_.emplace(files_[file]);
+      openFile_ = file;
+    }
+    return *components_;
+  }
+
   void learnZone(const ComponentText& component) {
     if (component.closed && !component.tooLarge) {
       zones_.define(component.text);
@@ -137,7 +161,8 @@ class CalendarSource::Reading {
       if (isNew) {
         series_.emplace_back();
       }
-      series_[known->second].push_back({.offset = event.offset, .withdrawn = components_.withdrawsEvents()});
+      series_[known->second].push_back(
+          {.file = openFile_, .offset = event.offset, .withdrawn = components_->withdrawsEvents()});
     }
   }
 
@@ -164,7 +189,7 @@ class CalendarSource::Reading {
   }
 
   std::expected<CalendarEvent, CalendarSkip> read(const EventPlace& place) {
-    const auto component = components_.at(place.offset);
+    const auto component = open(place.file).at(place.offset);
     if (!component.has_value()) {
       throw Error(CalendarSourceError::cannotRead, "reading an event of the calendar file again");
     }
@@ -175,7 +200,9 @@ class CalendarSource::Reading {
     return event;
   }
 
-  ComponentReader components_;
+  std::vector<std::filesystem::path> files_;
+  std::optional<ComponentReader> components_;
+  std::size_t openFile_ = 0;
   CalendarWindow window_;
   std::set<std::string> ownAddresses_;
   CalendarZones zones_;
@@ -187,7 +214,11 @@ class CalendarSource::Reading {
 
 CalendarSource::CalendarSource(const std::filesystem::path& file, CalendarWindow window,
                                std::set<std::string> ownAddresses)
-    : reading_(std::make_unique<Reading>(file, window, std::move(ownAddresses))) {}
+    : CalendarSource(std::vector{file}, window, std::move(ownAddresses)) {}
+
+CalendarSource::CalendarSource(std::vector<std::filesystem::path> files, CalendarWindow window,
+                               std::set<std::string> ownAddresses)
+    : reading_(std::make_unique<Reading>(std::move(files), window, std::move(ownAddresses))) {}
 
 CalendarSource::~CalendarSource() = default;
 CalendarSource::CalendarSource(CalendarSource&&) noexcept = default;

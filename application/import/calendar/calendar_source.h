@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "OrvanPlatform/instant.h"
 #include "application/import/calendar/calendar_meeting.h"
@@ -68,7 +69,9 @@ struct CalendarWindow {
 /// within the window, with their exceptions, additions and moved or changed occurrences. The same file gives the same
 /// meetings with the same names at every reading.
 ///
-/// The file must not change while it is read. One thread at a time.
+/// A calendar may also be kept in several files, mostly one for each event, that are read as though they were one.
+///
+/// The files must not change while they are read. One thread at a time.
 class CalendarSource {
  public:
   /// Opens `file` and lists its events. `ownAddresses` are the user's mail addresses, as normalAddress() has them.
@@ -77,6 +80,8 @@ class CalendarSource {
   /// Throws Error: CalendarSourceError::cannotRead for a file that cannot be opened or is not a regular file,
   /// CalendarSourceError::notACalendar when it holds no calendar.
   CalendarSource(const std::filesystem::path& file, CalendarWindow window, std::set<std::string> ownAddresses);
+  /// The same of several files. Those that hold no calendar, where others do, count as unreadable events.
+  CalendarSource(std::vector<std::filesystem::path> files, CalendarWindow window, std::set<std::string> ownAddresses);
   ~CalendarSource();
   CalendarSource(CalendarSource&&) noexcept;
   CalendarSource& operator=(CalendarSource&&) noexcept;

@@ -169,6 +169,7 @@ void MailBatch::add(MailMessage message, KnownAddresses& known) {
   mail.standing = standing;
   mail.standingAsAnswer = asAnswer;
   mail.sentAt = message.sentAt;
+  mail.isReadAgain = message.isReadAgain;
   mail.references = keysOf(message.references);
   if (mail.isFromUser()) {
     for (const auto* reader : readers.people()) {

@@ -55,6 +55,7 @@ struct PreparedMail {
   std::string subject;
   std::string messageID;
   std::optional<std::string> question;
+  bool isReadAgain = false;
 
   bool isFromUser() const noexcept { return standing == MailStanding::own; }
   std::string interactionID() const { return clusteredID(principalIdentityID, sentAt, key); }

@@ -192,6 +192,9 @@ class Placement {
     const auto known = threads_.standingOf(mail.key);
     if (known != MailStanding::referenced && mail.standing <= known && !isOutdated(known)) {
       ++report_.known;
+      if (mail.isReadAgain && mail.standing == known && known > MailStanding::passedOver) {
+        keep(mail, true);
+      }
       return;
     }
     count(mail, known);

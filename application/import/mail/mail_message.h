@@ -46,6 +46,9 @@ struct MailMessage {
   /// What its sender says in words of their own, for firstQuestion(): see ownWords(). Absent for automated and
   /// forwarded mail, for invitations, and where no question mark is in these words.
   std::optional<std::string> ownWords;
+  /// It was read before, at a moment when it may have been there in part only: what this reading shows replaces what
+  /// that one has left.
+  bool isReadAgain = false;
 
   bool operator==(const MailMessage&) const = default;
 };

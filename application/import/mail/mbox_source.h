@@ -37,6 +37,8 @@ class MboxSource final : public MailSource {
   std::uint64_t beginningOfNext() const noexcept { return separator_; }
   /// Whether next() has given the last mail: a program that is writing the file may not be done with it.
   bool isAtEnd() const noexcept { return !isInMail_; }
+  /// Whether the header of the mail that next() gave last came to its end.
+  bool isLatestHeaderComplete() const noexcept { return mail_.isHeaderComplete(); }
 
  private:
   bool skipTextBeforeFirstMail();

@@ -15,6 +15,8 @@ class RawMail {
   /// Takes the mail's next piece. The first blank line ends the header.
   void append(const LineReader::Piece& piece);
 
+  /// Whether the blank line that ends the header has come.
+  bool isHeaderComplete() const noexcept { return !inHeader_; }
   std::string_view header() const noexcept { return header_; }
   std::string_view body() const noexcept { return body_; }
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "application/sources/changed_mail.h"
+#include "application/sources/remembered_source.h"
+
+namespace orvan {
+
+/// Where programs keep a user's data.
+struct UserPlaces {
+  std::filesystem::path home;
+  std::filesystem::path data;
+  std::filesystem::path configuration;
+  /// The system's mailbox of this user; empty when there is none.
+  std::filesystem::path mailSpool;
+
+  /// Reads the environment, so nothing may change that at the same time.
+  static UserPlaces ofThisUser();
+};
+
+struct DiscoveredSource {
+  SourceKind kind;
+  std::filesystem::path path;
+  /// Whose it is, as "Thunderbird".
+  std::string keeper;
+  std::uintmax_t bytes;
+  /// The program has it open.
+  bool isInUse;
+};
+
+struct Discovery {
+  std::vector<DiscoveredSource> sources;
+  /// What cannot be looked into, by its whole path.
+  std::vector<SourceTrouble> troubles;
+  /// Sentences on what is there and cannot be read by anybody but its program.
+  std::vector<std::string> notes;
+};
+
+/// Looks in the places where mail programs, calendars and address books keep their files. Reads names and sizes, and
+/// the lists that Thunderbird and vdirsyncer keep of their own folders; never a mail, a calendar or a card.
+Discovery discoverSources(const UserPlaces& places);
+
+} // namespace orvan
