@@ -65,9 +65,18 @@ void rememberBackup(const std::filesystem::path& store) {
   std::filesystem::last_write_time(mark, std::filesystem::file_time_type::clock::now(), ignored);
 }
 
-[[noreturn]] void throwAsDamage(const Error& error) {
-  const bool isDamaged = error.code() == ApplicationStoreError::cannotDecrypt;
-  throw isDamaged ? Error(BackupError::storeDamaged, attempt) : error;
+/// The store has just been opened: what goes wrong now concerns its pages, or the place of the backup.
+[[noreturn]] void throwAsOurs(const Error& error) {
+  if (error.code() == ApplicationStoreError::cannotDecrypt) {
+    throw Error(BackupError::storeDamaged, attempt);
+  }
+  if (error.code() == ApplicationStoreError::cannotReachStore || error.code() == ApplicationStoreError::storeReadOnly) {
+    throw Error(BackupError::folderNotWritable, attempt);
+  }
+  if (error.code() == ApplicationStoreError::diskFull) {
+    throw Error(BackupError::noRoom, attempt);
+  }
+  throw error;
 }
 
 std::int64_t countPeople(Connection& connection) {
@@ -110,7 +119,7 @@ BackupReport backUp(const StoreAndKey& source, const std::filesystem::path& file
       source.encrypted().copyTo(EncryptedStore(file, source.vault()), CopyForm::singleFile, approve, progress);
     });
   } catch (const Error& error) {
-    throwAsDamage(error);
+    throwAsOurs(error);
   }
   if (keyFile) {
     KeyFile(*keyFile).keep(source.key.loadLocalStoreKey().value().bytes());

@@ -18,6 +18,9 @@ class BackupCategory final : public std::error_category {
         return "There is no such folder; make it, or name a file in another.";
       case BackupError::folderNotWritable:
         return "Nothing can be written into that folder; name a file in another.";
+      case BackupError::noRoom:
+        return "There is no room for the backup on that disk; make room, or name a file on another: nothing was left "
+               "there.";
       case BackupError::storeDamaged:
         return "Parts of the store cannot be read, so there is no new backup; 'orvan doctor' tells more, and 'orvan "
                "restore FILE' brings back an earlier one.";

@@ -11,6 +11,7 @@ enum class BackupError {
   nameIsTheStores,
   folderMissing,
   folderNotWritable,
+  noRoom,
   /// The store opens, and not all of it can be read.
   storeDamaged,
   /// What was written does not read back as the store.

@@ -34,6 +34,7 @@ BackupError failureOfBackup(ApplicationStoreError error) {
     case ApplicationStoreError::plaintextStore:
       return BackupError::plaintext;
     case ApplicationStoreError::cannotDecrypt:
+    case ApplicationStoreError::keyMalformed:
       return BackupError::wrongKey;
     default:
       return BackupError::backupUnreachable;
@@ -46,7 +47,7 @@ auto inBackupWords(Body body) {
     return inApplicationWords(looking, body);
   } catch (const Error& error) {
     if (error.code().category() == make_error_code(ApplicationStoreError{}).category() &&
-        error.code() != ApplicationStoreError::keyMalformed && error.code() != ApplicationStoreError::keyNotInKeyring) {
+        error.code() != ApplicationStoreError::keyNotInKeyring) {
       throw Error(failureOfBackup(static_cast<ApplicationStoreError>(error.code().value())), looking);
     }
     throw;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <system_error>
 
 #include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/encrypted_store.h"
@@ -50,6 +51,12 @@ void settle(const std::filesystem::path& store, const StoreKey& key) {
   }
 }
 
+/// One that an interruption left is rolled back by who can write, and fails those who only read.
+bool hasJournal(const std::filesystem::path& store) {
+  std::error_code ignored;
+  return std::filesystem::exists(EncryptedStore::fileBehind(store).native() + "-journal", ignored);
+}
+
 void writeAnew(const EncryptedStore& store, const StoreKey& pending, KeyPlace place) {
   bool hasBegun = false;
   try {
@@ -94,7 +101,7 @@ void moveStoreKey(const std::filesystem::path& store, const StoreKey& key, KeyPl
 }
 
 void settleKeyChange(const std::filesystem::path& store, const StoreKey& key) {
-  if (key.pending().exists()) {
+  if (key.pending().exists() || hasJournal(store)) {
     inApplicationWords("settling a change of the key", [&] { settle(store, key); });
   }
 }

@@ -20,7 +20,8 @@ void changeStoreKey(const std::filesystem::path& store, const StoreKey& key, Key
 void moveStoreKey(const std::filesystem::path& store, const StoreKey& key, KeyPlace place);
 
 /// Ends a change of the key that was interrupted: of the two keys, the one that opens the store becomes or stays the
-/// key, and the other goes. When neither opens it, both stay. Costs nothing where there is no pending key.
+/// key, and the other goes. When neither opens it, both stay. Only looks for two files where there is
+/// nothing to end.
 void settleKeyChange(const std::filesystem::path& store, const StoreKey& key);
 
 } // namespace orvan
