@@ -13,8 +13,10 @@
 #include "application/cli/command_line_fault.h"
 #include "application/cli/command_set.h"
 #include "application/cli/correction_commands.h"
+#include "application/cli/forgetting_commands.h"
 #include "application/cli/hiding_commands.h"
 #include "application/cli/human_output.h"
+#include "application/cli/own_address_commands.h"
 #include "application/cli/people_commands.h"
 #include "application/session/person_lookup.h"
 
@@ -227,6 +229,8 @@ void addCommands(CommandSet& commands, Invocation& invocation) {
   addDecidingCommands(commands, invocation);
   addHidingCommands(commands);
   addCorrectionCommands(commands);
+  addOwnAddressCommands(commands);
+  addForgettingCommands(commands);
   addKeepingCommands(commands);
   addBackupCommands(commands);
   addExportCommand(commands);

@@ -392,6 +392,9 @@ void HumanOutput::mailReport(std::string_view source, const MailReport& report) 
   if (report.notes > 0) {
     line("  " + std::to_string(report.notes) + " from you to nobody else");
   }
+  if (report.forgotten > 0) {
+    line("  " + std::to_string(report.forgotten) + " from or to people you had forgotten, left out");
+  }
   for (const auto& [reason, count] : report.skipped) {
     line("  " + std::to_string(count) + " skipped: " + std::string{description(reason)});
   }
@@ -403,6 +406,9 @@ void HumanOutput::meetingReport(std::string_view source, const MeetingReport& re
        std::to_string(report.known) + " known");
   if (report.withdrawn > 0) {
     line("  " + std::to_string(report.withdrawn) + " withdrawn: no longer in the calendar");
+  }
+  if (report.forgotten > 0) {
+    line("  " + std::to_string(report.forgotten) + " with people you had forgotten, left out");
   }
   for (const auto& [reason, count] : report.skipped) {
     line("  " + std::to_string(count) + " skipped: " + describe(reason));

@@ -215,10 +215,9 @@ Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanati
 }
 
 Json toJson(const MailReport& report) {
-  return {{"read", report.read},           {"new", report.imported},
-          {"completed", report.completed}, {"known", report.known},
-          {"automated", report.automated}, {"elsewhere", report.elsewhere},
-          {"notes", report.notes},         {"skipped", countsByName(report.skipped)},
+  return {{"read", report.read},        {"new", report.imported},        {"completed", report.completed},
+          {"known", report.known},      {"automated", report.automated}, {"elsewhere", report.elsewhere},
+          {"notes", report.notes},      {"forgotten", report.forgotten}, {"skipped", countsByName(report.skipped)},
           {"stopped", report.isStopped}};
 }
 
@@ -228,6 +227,7 @@ Json toJson(const MeetingReport& report) {
           {"new", report.imported},
           {"known", report.known},
           {"withdrawn", report.withdrawn},
+          {"forgotten", report.forgotten},
           {"skipped", countsByName(report.skipped)},
           {"notices", countsByName(report.notices)},
           {"stopped", report.isStopped}};

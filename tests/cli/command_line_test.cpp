@@ -323,5 +323,26 @@ TEST_F(CommandLine, ExplainsADamagedStoreAndANamelessPerson) {
   EXPECT_NE(examined.output.find("The store lacks index open_loop_by_person;"), std::string::npos) << examined.output;
 }
 
+TEST_F(CommandLine, ForgetsAPersonForGoodAndKnowsWhichAddressesAreTheUsers) {
+  makeStoreWithAMailFromAda();
+  EXPECT_EQ(run({"me", "remove", "robin@orvan.example"}).status, 1) << "the only one";
+  EXPECT_EQ(run({"me", "add", "ada"}).status, 2);
+  const auto taken = run({"me", "add", "ada@hill.example", "Robin@Orvan.example"});
+  EXPECT_EQ(taken.output.find("ada@hill.example is yours now. It was taken for Ada Marsh"), 0U) << taken.output;
+  EXPECT_EQ(json::parse(run({"me", "--json"}).output)[0],
+            (json{{"address", "ada@hill.example"}, {"toldBy", "user"}, {"hasMail", false}}));
+  EXPECT_EQ(run({"forget", "Ada Marsh", "--yes"}).status, 1) << "that is the user";
+  const auto unknown = run({"me", "remove", "ben@hill.example"});
+  EXPECT_NE(unknown.errors.find("which are: ada@hill.example, robin@orvan.example."), std::string::npos);
+  EXPECT_EQ(json::parse(run({"me", "remove", "ada@hill.example", "--json"}).output)["isReadAgain"], false);
+  EXPECT_EQ(list()["items"].size(), 1U);
+
+  EXPECT_EQ(run({"forget", "Ada Marsh"}).status, 2) << "nobody can be asked";
+  EXPECT_EQ(json::parse(run({"forget", "Ada Marsh", "--yes", "--json"}).output)["mails"], 1);
+  EXPECT_EQ(ApplicationStore::logSize(path("store.db")), 0U);
+  importFile("--mbox", mail("a1", "08") + mail("a2", "09"));
+  EXPECT_EQ(run({"people"}).output.find("Ada"), std::string::npos);
+}
+
 } // namespace
 } // namespace orvan
