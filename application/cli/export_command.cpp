@@ -145,7 +145,7 @@ Json captures(Connection& connection) {
 SELECT object.id AS sourceObjectID, object.kind AS kind, object.created_at AS createdAt,
        artifact.user_context AS userContext
 FROM source_object object
-LEFT JOIN capture_artifact artifact ON artifact.source_object_id = object.id
+JOIN capture_artifact artifact ON artifact.source_object_id = object.id
 ORDER BY object.created_at, object.id, artifact.rowid
 )sql",
                            {"sourceObjectID", "kind", "createdAt", "userContext"}),

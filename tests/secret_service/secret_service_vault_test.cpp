@@ -13,6 +13,9 @@
 #include <vector>
 
 #include "OrvanPlatform/error.h"
+#include "application/store/application_store_error.h"
+#include "application/store/key_change.h"
+#include "tests/support/test_store.h"
 
 namespace orvan {
 namespace {
@@ -142,6 +145,30 @@ TEST_F(SecretServiceVaultTest, KeepsTheKeyOfEachStoreForGoodAndTellsALockedKeyri
   EXPECT_EQ(errorOf([&] { vault.loadLocalStoreKey(); }), CredentialVaultError::vaultLocked);
   EXPECT_EQ(errorOf([&] { vault.storeLocalStoreKey(key); }), CredentialVaultError::vaultLocked);
   EXPECT_EQ(errorOf([&] { other.loadLocalStoreKey(); }), CredentialVaultError::vaultLocked) << "never 'no key'";
+}
+
+TEST_F(SecretServiceVaultTest, HoldsTheKeyThatAKeyFileNamesAndNeverLosesItOnTheWay) {
+  if (!startKeyring()) {
+    GTEST_SKIP() << "gnome-keyring-daemon does not run here";
+  }
+  const ScratchFolder folder;
+  const StoreKey inUse(folder.path() / "key");
+  inUse.create(KeyPlace::keyring);
+  const auto bytes = inUse.loadLocalStoreKey();
+  EXPECT_EQ(inUse.place(), KeyPlace::keyring);
+  EXPECT_EQ(std::filesystem::file_size(inUse.file()), 59U) << "the name alone";
+  for (const auto place : {KeyPlace::file, KeyPlace::keyring}) {
+    moveStoreKey(folder.path() / "store.db", inUse, place);
+    EXPECT_EQ(inUse.place(), place);
+    EXPECT_TRUE(std::ranges::equal(inUse.loadLocalStoreKey()->bytes(), bytes->bytes()));
+  }
+  std::filesystem::copy(inUse.file(), folder.path() / "copy");
+  StoreKey(folder.path() / "copy").discard();
+  EXPECT_EQ(errorOf([&] { inUse.loadLocalStoreKey(); }), ApplicationStoreError::keyNotInKeyring) << "not 'no key'";
+  lockKeyring();
+  EXPECT_EQ(errorOf([&] { inUse.loadLocalStoreKey(); }), CredentialVaultError::vaultLocked);
+  EXPECT_EQ(errorOf([&] { inUse.pending().create(KeyPlace::keyring); }), CredentialVaultError::vaultLocked);
+  EXPECT_FALSE(inUse.pending().exists());
 }
 
 TEST_F(SecretServiceVaultTest, SaysWhenNothingKeepsSecretsAndOutlivesTheSessionBus) {
