@@ -66,7 +66,7 @@ bool isAmong(const std::vector<OwnAddress>& addresses, const std::string& addres
 // Listing
 
 std::string inWords(const OwnAddress& own) {
-  const std::string told = own.toldBy == ToldBy::user ? "told with 'orvan me add'" : "told with 'import --me'";
+  std::string told = own.toldBy == ToldBy::user ? "told with 'orvan me add'" : "told with 'import --me'";
   if (!own.hasMail) {
     return told;
   }
@@ -116,7 +116,7 @@ std::vector<AddedAddress> add(const std::vector<std::string>& addresses, std::st
 }
 
 std::string inWords(const AddedAddress& added) {
-  const auto isYours = printableText(added.address) + " is yours now.";
+  auto isYours = printableText(added.address) + " is yours now.";
   if (!added.takenFrom) {
     return isYours;
   }

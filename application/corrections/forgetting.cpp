@@ -243,8 +243,10 @@ WHERE theirs.person_id IN (SELECT value FROM json_each(?1))
 )sql",
                                        person_.personIDs.json()));
     executeEach({"DELETE FROM capture_artifact WHERE source_object_id IN (SELECT value FROM json_each(?))",
-                 "DELETE FROM source_object WHERE id IN (SELECT value FROM json_each(?)) "
-                 "AND id NOT IN (SELECT id FROM thread)"},
+                 R"sql(
+DELETE FROM source_object WHERE id IN (SELECT value FROM json_each(?))
+AND id NOT IN (SELECT id FROM thread)
+)sql"},
                 objectIDs, connection_);
     executeEach({R"sql(
 DELETE FROM post_commit_obligation
@@ -260,8 +262,10 @@ WHERE candidate_key IN (SELECT candidate_key FROM relationship_attention_candida
 )sql",
                  "DELETE FROM relationship_attention_candidate WHERE person_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM exclusion_rule WHERE scope = 'person' AND target_id IN (SELECT value FROM json_each(?))",
-                 "DELETE FROM user_correction "
-                 "WHERE target_type = 'person' AND target_id IN (SELECT value FROM json_each(?))"},
+                 R"sql(
+DELETE FROM user_correction
+WHERE target_type = 'person' AND target_id IN (SELECT value FROM json_each(?))
+)sql"},
                 person_.personIDs, connection_);
   }
 
@@ -280,13 +284,17 @@ WHERE evidence.source_event_id IN (SELECT value FROM json_each(?1))
       AND other.source_event_id NOT IN (SELECT value FROM json_each(?1)))
 )sql",
                                       eventsAlone().json()));
-    executeEach({"DELETE FROM open_loop WHERE evidence_ref IN (SELECT id FROM claim_evidence "
-                 "WHERE claim_id IN (SELECT value FROM json_each(?)))",
+    executeEach({R"sql(
+DELETE FROM open_loop WHERE evidence_ref IN (SELECT id FROM claim_evidence
+WHERE claim_id IN (SELECT value FROM json_each(?)))
+)sql",
                  "DELETE FROM claim_evidence WHERE claim_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM claim_text WHERE claim_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM claim WHERE id IN (SELECT value FROM json_each(?))",
-                 "DELETE FROM user_correction "
-                 "WHERE target_type = 'claim' AND target_id IN (SELECT value FROM json_each(?))"},
+                 R"sql(
+DELETE FROM user_correction
+WHERE target_type = 'claim' AND target_id IN (SELECT value FROM json_each(?))
+)sql"},
                 claimIDs, connection_);
     executeEach({"DELETE FROM claim_evidence WHERE source_event_id IN (SELECT value FROM json_each(?))"}, eventsAlone(),
                 connection_);
@@ -332,8 +340,10 @@ WHERE i.id IN (SELECT value FROM json_each(?1))
     executeEach({"DELETE FROM calendar_entry WHERE interaction_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM own_address_taking WHERE object_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM own_address_question WHERE interaction_id IN (SELECT value FROM json_each(?))",
-                 "DELETE FROM exclusion_rule "
-                 "WHERE scope = 'interaction' AND target_id IN (SELECT value FROM json_each(?))"},
+                 R"sql(
+DELETE FROM exclusion_rule
+WHERE scope = 'interaction' AND target_id IN (SELECT value FROM json_each(?))
+)sql"},
                 interactionsAlone(), connection_);
     executeEach({"DELETE FROM interaction_participant WHERE source_identity_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM thread_participant WHERE source_identity_id IN (SELECT value FROM json_each(?))",
@@ -369,10 +379,14 @@ WHERE thread_id IN (SELECT value FROM json_each(?1)
                     UNION SELECT thread_id FROM merged_thread WHERE merged_into IN (SELECT value FROM json_each(?1)))
 )sql",
                  "DELETE FROM merged_thread WHERE merged_into IN (SELECT value FROM json_each(?))",
-                 "DELETE FROM capture_artifact WHERE source_object_id IN (SELECT value FROM json_each(?)) "
-                 "AND source_object_id NOT IN (SELECT source_object_id FROM follow_up)",
-                 "DELETE FROM source_object WHERE id IN (SELECT value FROM json_each(?)) "
-                 "AND id NOT IN (SELECT source_object_id FROM follow_up)",
+                 R"sql(
+DELETE FROM capture_artifact WHERE source_object_id IN (SELECT value FROM json_each(?))
+AND source_object_id NOT IN (SELECT source_object_id FROM follow_up)
+)sql",
+                 R"sql(
+DELETE FROM source_object WHERE id IN (SELECT value FROM json_each(?))
+AND id NOT IN (SELECT source_object_id FROM follow_up)
+)sql",
                  "DELETE FROM exclusion_rule WHERE scope = 'thread' AND target_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM thread_participant WHERE thread_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM thread_text WHERE thread_id IN (SELECT value FROM json_each(?))",
@@ -381,8 +395,10 @@ WHERE thread_id IN (SELECT value FROM json_each(?1)
   }
 
   void deletePerson() {
-    executeEach({"DELETE FROM user_correction WHERE target_type = 'identity_membership' AND target_id IN ("
-                 "SELECT id FROM identity_membership WHERE source_identity_id IN (SELECT value FROM json_each(?)))",
+    executeEach({R"sql(
+DELETE FROM user_correction WHERE target_type = 'identity_membership' AND target_id IN (
+SELECT id FROM identity_membership WHERE source_identity_id IN (SELECT value FROM json_each(?)))
+)sql",
                  "DELETE FROM identity_membership WHERE source_identity_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM mailbox_kind WHERE source_identity_id IN (SELECT value FROM json_each(?))",
                  "DELETE FROM source_identity WHERE id IN (SELECT value FROM json_each(?))"},
@@ -397,10 +413,11 @@ WHERE thread_id IN (SELECT value FROM json_each(?1)
   /// a second person.
   void detachOthers() {
     IDs identityIDs;
-    identityIDs.addAll(
-        connection_.query("SELECT source_identity_id FROM identity_membership "
-                          "WHERE canonical_person_id IN (SELECT value FROM json_each(?))",
-                          person_.personIDs.json()));
+    identityIDs.addAll(connection_.query(R"sql(
+SELECT source_identity_id FROM identity_membership
+WHERE canonical_person_id IN (SELECT value FROM json_each(?))
+)sql",
+                                         person_.personIDs.json()));
     for (const auto& identityID : identityIDs.list()) {
       connection_.execute(R"sql(
 UPDATE identity_membership

@@ -49,40 +49,30 @@ class Forgetting : public testing::Test {
     return MeetingImporter(store.queue, ImportStore::context(), file).import(source);
   }
 
-  /// What the user and the library wrote about Zoë.
+  /// What the user and the library wrote about Zoë, and one thing about Ben.
   void decide() {
     const auto key = keyOf(zoe);
-    const auto identity = identityIDOf(zoe);
     const auto loop = store.texts("SELECT id FROM open_loop").front();
     const auto thread =
         store.texts("SELECT thread_id FROM interaction WHERE occurred_at = '2026-02-01T10:00:00Z'").front();
     store.queue.write([&](Connection& connection) {
       mergePeople(keyOf(zoeAtWork), key, now, connection);
-      for (const auto& statement : Texts{
-               "INSERT INTO person_naming VALUES ('" + key + "', 9)",
-               "INSERT INTO relationship_attention_candidate VALUES ('c-" + key + "', '" + key +
-                   "', '', '', '', '', '', '', '')",
-               "INSERT INTO relationship_attention_candidate_evidence VALUES ('c-" + key + "', 'loop', '" + loop + "')",
-               "INSERT INTO relationship_attention_disposition VALUES ('c-" + key + "', '" + key +
-                   "', 'dismissed', NULL, '', '')",
-               "INSERT INTO exclusion_rule VALUES ('e1', 'person', '" + key + "', '', ''), ('e2', 'thread', '" +
-                   thread + "', '', NULL)",
-               "INSERT INTO user_correction VALUES ('u1', 'person', '" + key +
-                   "', ''), ('u2', 'identity_membership', '" + identity + "', '')",
-               "INSERT INTO source_object VALUES ('captured', 'note', '', NULL)",
-               "INSERT INTO capture_artifact VALUES ('a', 'captured', 'Lantern')",
-               "INSERT INTO follow_up VALUES ('f', 'captured', '" + key + "', '', 'scheduled', '', NULL, 'op', '" +
-                   loop + "')",
-               "INSERT INTO post_commit_obligation VALUES ('op', 'reminder', 'key-f', '', NULL)",
-               "INSERT INTO user_action VALUES (1, 'dismiss', '" + key + "', '', NULL, '{}')",
-               "INSERT INTO user_action VALUES (2, 'merge', '" + keyOf(ben) +
-                   "', '', NULL, '{\"words\":\"no Zoë White\"}')",
-               "INSERT INTO user_action VALUES (3, 'snooze', '" + keyOf(ben) +
-                   "', '', NULL, '{\"words\":\"Zoë Whiteley\"}')",
-               "INSERT INTO shown_item VALUES ('" + key + "', 'item', '')",
-           }) {
-        connection.execute(statement);
-      }
+      const auto run = [&](const char* sql, const auto&... values) { connection.execute(sql, values...); };
+      run("INSERT INTO person_naming VALUES (?, 9)", key);
+      run("INSERT INTO relationship_attention_candidate VALUES (?1, ?1, '', '', '', '', '', '', '')", key);
+      run("INSERT INTO relationship_attention_candidate_evidence VALUES (?, 'loop', ?)", key, loop);
+      run("INSERT INTO relationship_attention_disposition VALUES (?1, ?1, 'dismissed', NULL, '', '')", key);
+      run("INSERT INTO exclusion_rule VALUES ('e1', 'person', ?, '', ''), ('e2', 'thread', ?, '', NULL)", key, thread);
+      run("INSERT INTO user_correction VALUES ('u1', 'person', ?, ''), ('u2', 'identity_membership', ?, '')", key,
+          identityIDOf(zoe));
+      run("INSERT INTO source_object VALUES ('captured', 'note', '', NULL)");
+      run("INSERT INTO capture_artifact VALUES ('a', 'captured', 'Lantern')");
+      run("INSERT INTO follow_up VALUES ('f', 'captured', ?, '', 'scheduled', '', NULL, 'op', ?)", key, loop);
+      run("INSERT INTO post_commit_obligation VALUES ('op', 'reminder', 'key-f', '', NULL)");
+      run("INSERT INTO user_action VALUES (1, 'dismiss', ?, '', NULL, '{}')", key);
+      run("INSERT INTO user_action VALUES (2, 'rename', ?, '', NULL, '{\"words\":\"no Zoë White\"}')", keyOf(ben));
+      run("INSERT INTO user_action VALUES (3, 'rename', ?, '', NULL, '{\"words\":\"Zoë Whiteley\"}')", keyOf(ben));
+      run("INSERT INTO shown_item VALUES (?, 'item', '')", key);
     });
   }
 
@@ -119,7 +109,7 @@ TEST_F(Forgetting, LeavesNoTraceOfAPersonAndNoImportBringsThemBack) {
   EXPECT_EQ(traces->decisions, 1);
   EXPECT_EQ(traces->followUps, 1);
   expectNoTrace();
-  EXPECT_THAT(store.texts("SELECT number FROM user_action"), ElementsAre("NULL")) << "somebody else's";
+  EXPECT_THAT(store.texts("SELECT kind || number FROM user_action"), ElementsAre("rename3")) << "somebody else's";
   EXPECT_THAT(store.texts("SELECT subject FROM thread_text ORDER BY subject"), ElementsAre("Boat", "Boat"));
   EXPECT_THAT(store.upcoming(ben), ElementsAre("2026-03-07T09:00:00Z"));
   EXPECT_THAT(store.waiting(ben), ElementsAre("2026-02-04T12:00:00Z")) << "what came after it was hers";

@@ -40,8 +40,7 @@ Texts contact(ImportStore& store) {
         "SELECT source_identity_id || since FROM waiting_thread ORDER BY 1",
         "SELECT message_key || state || is_answered FROM mail_reference ORDER BY 1",
         "SELECT id || state FROM open_loop ORDER BY 1",
-        "SELECT week || source_identity_id || sent || received || in_company FROM contact_week "
-        "WHERE sent + received + in_company > 0"}) {
+        "SELECT sent || received || in_company || source_identity_id FROM contact_week WHERE sent + received > 0"}) {
     std::ranges::copy(store.texts(sql), std::back_inserter(rows));
   }
   std::ranges::copy(store.threads(), std::back_inserter(rows));
