@@ -216,6 +216,46 @@ void reportGrowthOfAHistory(const SeededStore& store, const std::vector<PersonCo
   }
 }
 
+/// Says of nothing that it may not be shown, but for so many people, who are not among those compared, and so many
+/// mails.
+void restrict(const SeededStore& store, int people, int mails) {
+  Connection connection(store.file, keyedConfiguration(OpenMode::readWrite));
+  connection.executeScript("DELETE FROM deletion_tombstone; DELETE FROM exclusion_rule");
+  connection.execute(R"sql(
+WITH RECURSIVE hidden(number) AS (SELECT 1 UNION ALL SELECT number + 1 FROM hidden)
+INSERT INTO exclusion_rule (id, scope, target_id, created_at)
+SELECT 'p-' || number, 'person', 'somebody-' || number, '' FROM hidden LIMIT ?
+)sql",
+                     people);
+  connection.execute(R"sql(
+INSERT INTO exclusion_rule (id, scope, target_id, created_at)
+SELECT 'm-' || id, 'interaction', id, '' FROM interaction WHERE direction = 'inbound' ORDER BY substr(id, -5) LIMIT ?
+)sql",
+                     mails);
+}
+
+PersonCost sumOf(const std::vector<PersonCost>& costs) {
+  PersonCost sum{0, 0};
+  for (const auto& cost : costs) {
+    sum.misses += cost.misses;
+    sum.steps += cost.steps;
+  }
+  return sum;
+}
+
+/// What it costs everybody else that some are hidden, and that the user settled some mails.
+void reportRestrictions(const SeededStore& store, const std::vector<std::string>& keys, Report& report) {
+  restrict(store, 0, 0);
+  const auto free = sumOf(costsByPerson(store, keys));
+  for (const auto& [people, mails] : {std::pair{20, 0}, std::pair{0, 50}, std::pair{20, 50}}) {
+    restrict(store, people, mails);
+    const auto restricted = sumOf(costsByPerson(store, keys));
+    const auto what = std::to_string(people) + " people hidden, " + std::to_string(mails) + " mails settled: ";
+    report.counted(what + "machine steps", free.steps, restricted.steps, 1.5);
+    report.counted(what + "page misses", free.misses, restricted.misses, 1.05);
+  }
+}
+
 void reportSelection(Report& report) {
   const auto thousand = selectionCosts(1000);
   const auto tenThousand = selectionCosts(10000);
@@ -251,6 +291,7 @@ int compare(std::size_t interactions) {
   reportGrowthOfTheStore(costs, costsByPerson(large, keys), report);
   reportGrowthOfAHistory(small, costs, report);
   reportSelection(report);
+  reportRestrictions(small, keys, report);
   return report.everythingHolds() ? 0 : 1;
 }
 
