@@ -73,12 +73,10 @@ HidingTarget hidingTargetCalled(const std::string& text, Session& session, Insta
     return conversationOf(text, session, asOf);
   }
   auto meant = session.readableStore().read([&](Connection& connection) { return accountsCalled(text, connection); });
-  if (const auto personKey = personCalled(text, session)) {
+  // Whoever means no account is told which people are like it.
+  if (const auto personKey = meant.empty() ? std::optional{session.personKeyOf(text)} : personCalled(text, session)) {
     const auto person = session.person(*personKey);
     meant.push_back({HiddenScope::person, *personKey, person ? person->displayName() : "", *personKey});
-  }
-  if (meant.empty()) {
-    throw Error(SessionError::personUnknown, "looking for what is to be hidden");
   }
   return onlyOne(meant, &HidingTarget::targetID);
 }
