@@ -8,12 +8,15 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "OrvanSpineCore/key_file.h"
 #include "application/cli/command_line.h"
+#include "application/store/application_store.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -130,6 +133,14 @@ TEST_F(CorrectionCommands, AskSomebodyAtATerminalBeforeWhatTheyDidNotSeeOrCannot
       << unseen.text;
   EXPECT_TRUE(read({"history"}).empty()) << "no is no";
 
+  const auto elsewhere = ApplicationStore::open(
+      path("store.db"), CredentialVault(std::make_shared<KeyFile>(path("key"))), ApplicationStore::Access::write);
+  elsewhere->write([this](Connection& /*writing*/) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(runOnATerminal("", {"catch-up"}).text.contains("Ada Marsh"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{4}) << "a list waits for nobody";
+  });
+  EXPECT_TRUE(runOnATerminal("n", {"dismiss", "Ada Marsh"}).text.contains("not shown to you yet"));
   EXPECT_EQ(runOnATerminal("", {"catch-up"}).status, 0);
   const auto seen = runOnATerminal("n", {"snooze", "Ada Marsh", "--until", "3d"});
   EXPECT_TRUE(seen.text.contains("Snoozed until Mar 13, 2026: Ada Marsh")) << seen.text;
