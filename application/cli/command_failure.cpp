@@ -10,6 +10,7 @@
 #include "OrvanStore/store_error.h"
 #include "application/backup/backup_error.h"
 #include "application/corrections/action_journal.h"
+#include "application/corrections/person_correction_error.h"
 #include "application/session/hiding_lookup.h"
 #include "application/session/item_lookup.h"
 #include "application/session/reason_in_words.h"
@@ -90,7 +91,7 @@ std::string sentenceOf(SessionError error) {
       return "Nobody has that key, name or address; 'orvan people TEXT' finds people by a part of their name or "
              "address.";
     case SessionError::personAmbiguous:
-      return "Several people go by that name; name the one you mean by key ('orvan people' lists them).";
+      return "Several people go by that name; name the one you mean by address ('orvan people' lists them).";
     case SessionError::noReasonNow:
       return "There is no reason to get in touch with that person now; 'orvan catch-up' shows the list.";
     case SessionError::reasonChanged:
@@ -134,6 +135,23 @@ std::string sentenceOf(ActionJournalError error) {
   return "That could not be taken back.";
 }
 
+std::string sentenceOf(PersonCorrectionError error) {
+  switch (error) {
+    case PersonCorrectionError::samePerson:
+      return "That is one person already; name two different people.";
+    case PersonCorrectionError::hiddenAndShown:
+      return "One of them is hidden and another is not; hide or unhide one first ('orvan hide', 'orvan unhide'), so "
+             "that it is clear what holds for both.";
+    case PersonCorrectionError::addressUnknown:
+      return "Nobody has that address; 'orvan people TEXT' finds addresses by a part of them.";
+    case PersonCorrectionError::onlyAddress:
+      return "That is the only address of the person, so there is nothing to take it away from.";
+    case PersonCorrectionError::nameEmpty:
+      return "A name needs a letter; put one with blanks in quotes.";
+  }
+  return "That could not be put right.";
+}
+
 CommandFailure commandFailureOf(const ReasonChanged& error) {
   return {ExitCode::failed,
           "The reason has changed meanwhile, so nothing was done. It is now: " + reasonInWords(error.current())};
@@ -173,6 +191,9 @@ CommandFailure commandFailureOf(const Error& error) {
   }
   if (isOf<ActionJournalError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<ActionJournalError>(code.value()))};
+  }
+  if (isOf<PersonCorrectionError>(code)) {
+    return {ExitCode::failed, sentenceOf(static_cast<PersonCorrectionError>(code.value()))};
   }
   if (isOf<SessionError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};

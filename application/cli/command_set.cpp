@@ -15,6 +15,7 @@ CLI::App& CommandSet::addTo(CLI::App& command, const CommandText& text, RunComma
   auto* added = command.add_subcommand(text.name, text.about);
   added->footer(std::string{"Example:\n  "} + text.example +
                 "\n\nEvery command also takes the options that 'orvan --help' lists.");
+  added->group("Commands");
   added->fallthrough();
   // The callbacks of a command within another one run before the other's.
   added->callback([this, added, run = std::move(run)] {

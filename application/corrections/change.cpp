@@ -179,10 +179,19 @@ void update(const Change& change, const TableShape& shape, Connection& connectio
 
 } // namespace
 
+bool ChangeRecorder::isWatched(ChangedTable table, const RowKey& key) const {
+  return std::ranges::any_of(watched_,
+                             [&](const Change& watched) { return watched.table == table && watched.key == key; });
+}
+
+void ChangeRecorder::watchNew(ChangedTable table, RowKey key) {
+  if (!isWatched(table, key)) {
+    watched_.push_back({table, std::move(key), nullptr, nullptr});
+  }
+}
+
 void ChangeRecorder::watch(ChangedTable table, RowKey key) {
-  const bool isWatched = std::ranges::any_of(
-      watched_, [&](const Change& watched) { return watched.table == table && watched.key == key; });
-  if (!isWatched) {
+  if (!isWatched(table, key)) {
     auto before = rowUnder(shapeOf(table), key, connection_);
     watched_.push_back({table, std::move(key), std::move(before), nullptr});
   }

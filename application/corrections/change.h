@@ -50,11 +50,16 @@ class ChangeRecorder {
   /// Remembers the row as it is now, or that there is none. Of several times the first counts.
   void watch(ChangedTable table, RowKey key);
 
+  /// The same for a row that the action has made, unless it is watched already.
+  void watchNew(ChangedTable table, RowKey key);
+
   /// What has become of the watched rows, in the order in which they were first watched. Rows that are as they were are
   /// left out.
   std::vector<Change> changes() const;
 
  private:
+  bool isWatched(ChangedTable table, const RowKey& key) const;
+
   Connection& connection_;
   /// With the whole row in `before`.
   std::vector<Change> watched_;

@@ -138,4 +138,20 @@ std::string personKeyCalled(const std::string& text, Connection& connection) {
   throw PersonNotFound(SessionError::personUnknown, nearest(text, people));
 }
 
+std::vector<std::string> addressesOf(const std::string& personKey, Connection& connection) {
+  std::vector<std::string> addresses;
+  auto rows = connection.query(R"sql(
+SELECT mailbox.address
+FROM identity_membership im
+JOIN source_identity mailbox ON mailbox.id = im.source_identity_id
+WHERE im.canonical_person_id = ? AND im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
+ORDER BY mailbox.address
+)sql",
+                               personKey);
+  while (rows.next()) {
+    addresses.emplace_back(rows.text(Column{0}));
+  }
+  return addresses;
+}
+
 } // namespace orvan

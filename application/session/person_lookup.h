@@ -43,4 +43,7 @@ class PersonNotFound final : public Error {
 /// Runs within the caller's read. Throws PersonNotFound and StoreError.
 std::string personKeyCalled(const std::string& text, Connection& connection);
 
+/// The addresses of a person, in their order. Runs within the caller's read; throws StoreError.
+std::vector<std::string> addressesOf(const std::string& personKey, Connection& connection);
+
 } // namespace orvan

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "OrvanPlatform/folded_text.h"
 #include "OrvanPlatform/printable_text.h"
 #include "OrvanPlatform/secret_bytes.h"
 #include "OrvanPlatform/white_space.h"
@@ -28,6 +29,14 @@ TEST(PrintableText, ShowsWhatATerminalWouldObey) {
   EXPECT_EQ(printableText("a\xff"
                           "b"),
             "a\ufffdb");
+}
+
+TEST(FoldedText, ComparesNamesOfAllScriptsWithoutCaseAndAccents) {
+  EXPECT_EQ(withoutCase(" ΠΑΠΠΆ"), withoutCase("παππά"));
+  EXPECT_EQ(withoutCase("Zoe\u0308"), withoutCase("ZO\u00cb"));
+  EXPECT_NE(withoutCase("Zoë"), withoutCase("Zoe"));
+  EXPECT_EQ(withoutAccents("Jiří ŁUKASZ Øster"), "jiri lukasz oster");
+  EXPECT_NE(withoutAccents("\u0915\u0941"), withoutAccents("\u0915")) << "a vowel sign is a letter";
 }
 
 TEST(SecretBytes, HoldsNothingAfterItWasMovedFrom) {

@@ -219,6 +219,18 @@ PersonMoves movesBetween(std::string_view fromPersonID, std::string_view toPerso
   return moves;
 }
 
+bool wasTakenFrom(std::string_view fromID, std::string_view personID, Connection& connection) {
+  return connection
+      .fetchOptionalInteger(R"sql(
+SELECT 1
+FROM identity_membership past
+JOIN identity_membership live ON live.source_identity_id = past.source_identity_id AND live.ended_at IS NULL
+WHERE past.canonical_person_id = ? AND past.ended_at IS NOT NULL AND live.canonical_person_id = ?
+)sql",
+                            fromID, personID)
+      .has_value();
+}
+
 } // namespace
 
 PersonMoves moveIdentity(std::string_view identityID, std::string_view toPersonID, std::string_view now,
@@ -257,12 +269,17 @@ void giveWhatRestsOnMails(std::string_view fromPersonID, std::string_view toPers
   giveWhatRestsOnMails(moves, connection);
 }
 
-std::string makePersonFor(std::string_view identityID, std::string_view now, Connection& connection) {
+std::string personIDForItself(std::string_view identityID, Connection& connection) {
   const auto firstID = personIDOf(identityID);
   auto personID = firstID;
   for (std::size_t number = 2; !identitiesOf(personID, connection).empty(); ++number) {
     personID = firstID + "-" + std::to_string(number);
   }
+  return personID;
+}
+
+void makePersonFor(std::string_view identityID, std::string_view personID, std::string_view now,
+                   Connection& connection) {
   connection.execute(R"sql(
 INSERT INTO person (id, display_name, created_at)
 SELECT ?1, display_name, ?3
@@ -271,7 +288,10 @@ WHERE id = ?2
 ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name
 )sql",
                      personID, identityID, now);
-  return personID;
+}
+
+bool werePartedFromEachOther(std::string_view personID, std::string_view otherID, Connection& connection) {
+  return wasTakenFrom(otherID, personID, connection) || wasTakenFrom(personID, otherID, connection);
 }
 
 std::vector<std::string> identitiesOf(std::string_view personID, Connection& connection) {

@@ -51,9 +51,16 @@ PersonMoves mergePeople(std::string_view fromPersonID, std::string_view toPerson
 /// action was taken back: what an import found out in between lies with whoever had the identity then.
 void giveWhatRestsOnMails(std::string_view fromPersonID, std::string_view toPersonID, Connection& connection);
 
-/// Makes a person whom nobody else belongs to, called as the identity is, for an identity that is to be a person of its
-/// own.
-std::string makePersonFor(std::string_view identityID, std::string_view now, Connection& connection);
+/// The key of a person whom nobody belongs to, for an identity that is to be a person of its own.
+std::string personIDForItself(std::string_view identityID, Connection& connection);
+
+/// Makes that person, called as the identity is.
+void makePersonFor(std::string_view identityID, std::string_view personID, std::string_view now,
+                   Connection& connection);
+
+/// Whether an identity of the one person was taken away from the other: they are two, whatever else tells them to be
+/// one.
+bool werePartedFromEachOther(std::string_view personID, std::string_view otherID, Connection& connection);
 
 /// The identities that belong to a person now, in the order of their ids.
 std::vector<std::string> identitiesOf(std::string_view personID, Connection& connection);

@@ -71,5 +71,20 @@ TEST_F(Outlooks, ComeInTheOrderInWhichALookIsWorthwhile) {
                                           "idle@out.example"));
 }
 
+TEST_F(Outlooks, CountTheMailsEachWayAndTheLatestOfThem) {
+  const auto counts = [this](const char* who) {
+    return store.texts(
+        "SELECT mails_to || ' ' || mails_from || ' ' || last_mail_at FROM contact_span "
+        "WHERE source_identity_id = '" +
+        identityIDOf(who) + "'");
+  };
+  write(zoe, "2026-02-25T10:00:00Z", 3);
+  // Sent with a clock that was months ahead, and answered.
+  store.import({{.id = "early", .at = "2026-09-01T10:00:00Z"}});
+  EXPECT_THAT(counts(zoe), testing::ElementsAre("3 1 2026-09-01T10:00:00Z"));
+  store.import({{.id = "answer", .at = "2026-03-02T10:00:00Z", .from = me, .to = {zoe}, .references = {"early"}}});
+  EXPECT_THAT(counts(zoe), testing::ElementsAre("4 1 2026-03-02T10:00:00Z"));
+}
+
 } // namespace
 } // namespace orvan

@@ -50,8 +50,9 @@ TEST(IdentityMoves, MakeTwoPeopleOneWithAllThatRestsOnTheirMails) {
   EXPECT_EQ(store.commitments(zoe).size(), 3U);
 
   store.queue.write([&](Connection& connection) {
-    const auto own = makePersonFor(identityIDOf(ben), now, connection);
+    const auto own = personIDForItself(identityIDOf(ben), connection);
     EXPECT_EQ(own, personOf(ben));
+    makePersonFor(identityIDOf(ben), own, now, connection);
     moveIdentity(identityIDOf(ben), own, now, connection);
     nameAfterThoseThatStayed(personOf(zoe), identityIDOf(ben), connection);
     renamePerson(personOf(ben), "Benedict", connection);
