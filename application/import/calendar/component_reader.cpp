@@ -5,6 +5,8 @@
 #include <cctype>
 #include <string_view>
 
+#include "application/import/calendar/calendar_source.h"
+
 namespace orvan {
 namespace {
 
@@ -64,7 +66,7 @@ class ComponentBuilder {
 
 } // namespace
 
-ComponentReader::ComponentReader(const std::filesystem::path& file) : lines_(file) {}
+ComponentReader::ComponentReader(const std::filesystem::path& file) : lines_(file, CalendarSourceError::cannotRead) {}
 
 std::optional<ComponentText> ComponentReader::next() {
   while (const auto line = lines_.next()) {

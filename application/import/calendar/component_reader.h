@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "application/import/calendar/content_line_reader.h"
+#include "application/import/content_lines/content_line_reader.h"
 
 namespace orvan {
 

@@ -1,4 +1,4 @@
-#include "application/import/calendar/content_line_reader.h"
+#include "application/import/content_lines/content_line_reader.h"
 
 #include <algorithm>
 #include <cctype>
@@ -6,7 +6,6 @@
 
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/white_space.h"
-#include "application/import/calendar/calendar_source.h"
 
 namespace orvan {
 namespace {
@@ -40,19 +39,20 @@ std::string ContentLine::value() const {
   return colon == text.size() ? std::string{} : std::string{trimmed(std::string_view{text}.substr(colon + 1))};
 }
 
-ContentLineReader::ContentLineReader(const std::filesystem::path& file) {
-  std::error_code unreadable;
-  if (std::filesystem::is_regular_file(file, unreadable)) {
+ContentLineReader::ContentLineReader(const std::filesystem::path& file, std::error_code unreadable)
+    : unreadable_(unreadable) {
+  std::error_code unreachable;
+  if (std::filesystem::is_regular_file(file, unreachable)) {
     stream_.open(file, std::ios::binary);
   }
   if (!stream_.is_open()) {
-    throw Error(CalendarSourceError::cannotRead, "opening the calendar file");
+    throw Error(unreadable_, "opening a file of content lines");
   }
 }
 
 /// The stream's buffer, which is read directly for speed, throws an exception of its own when the system fails.
 std::optional<ContentLine> ContentLineReader::next() try { return readLine(); } catch (const std::ios_base::failure&) {
-  throw Error(CalendarSourceError::cannotRead, "reading the calendar file");
+  throw Error(unreadable_, "reading a file of content lines");
 }
 
 std::optional<ContentLine> ContentLineReader::readLine() {
@@ -88,7 +88,7 @@ void ContentLineReader::seek(std::uint64_t offset) {
   stream_.clear();
   stream_.seekg(static_cast<std::streamoff>(offset));
   if (!stream_) {
-    throw Error(CalendarSourceError::cannotRead, "reading the calendar file again");
+    throw Error(unreadable_, "reading a file of content lines again");
   }
   position_ = offset;
 }
