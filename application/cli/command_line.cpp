@@ -62,7 +62,7 @@ void addFirstCommands(CommandSet& commands, Invocation& invocation) {
            [keyPlace](const auto& context) { runInit(context, *keyPlace); })
       .add_flag_callback(
           "--keyring", [keyPlace] { *keyPlace = KeyPlace::keyring; }, "Keep the key in the desktop's keyring");
-  auto& import = commands.add({"import", "To begin", "Bring in mail and calendars; safe to stop and to repeat",
+  auto& import = commands.add({"import", "To begin", "Bring in mail, calendars and contact cards; safe to stop and to repeat",
                                "orvan import --me you@example.org --mbox ~/mail/inbox.mbox --ics ~/calendar.ics"},
                               [&invocation](const auto& context) { runImport(context, invocation.import); });
   import.add_option("--me", invocation.import.ownAddresses, "Your own mail addresses (remembered)")
@@ -73,6 +73,9 @@ void addFirstCommands(CommandSet& commands, Invocation& invocation) {
       ->type_name("FOLDER")
       ->check(notEmpty());
   import.add_option("--ics", invocation.import.calendars, "An iCalendar file")->type_name("FILE")->check(notEmpty());
+  import.add_option("--vcard", invocation.import.cards, "A file of contact cards, or a folder of them")
+      ->type_name("PATH")
+      ->check(notEmpty());
 }
 
 void addCatchUpCommand(CommandSet& commands, Invocation& invocation) {

@@ -29,6 +29,7 @@ struct ImportArguments {
   std::vector<std::filesystem::path> mboxes;
   std::vector<std::filesystem::path> maildirs;
   std::vector<std::filesystem::path> calendars;
+  std::vector<std::filesystem::path> cards;
 };
 
 struct CatchUpArguments {

@@ -418,6 +418,23 @@ void HumanOutput::meetingReport(std::string_view source, const MeetingReport& re
   }
 }
 
+void HumanOutput::cardReport(std::string_view source, const CardReport& report) const {
+  line(bold(printableText(source)) + ": " + counted(report.cards, "contact card", "contact cards") + " read, " +
+       std::to_string(report.imported) + " new, " + std::to_string(report.known) + " known");
+  if (report.joined > 0) {
+    line("  " + counted(report.joined, "person", "people") + " joined with another one who has the same card");
+  }
+  if (report.ambiguous > 0) {
+    line("  " + counted(report.ambiguous, "address", "addresses") + " on cards of different names, left as before");
+  }
+  if (report.keptApart > 0) {
+    line("  " + counted(report.keptApart, "person", "people") + " kept apart, as you said");
+  }
+  for (const auto& [reason, count] : report.skipped) {
+    line("  " + std::to_string(count) + " skipped: " + describe(reason));
+  }
+}
+
 void HumanOutput::check(bool isFine, std::string_view name, std::string_view detail) const {
   std::cout << (isFine ? "ok       " : bold("problem  ")) << std::left << std::setw(14) << name << detail << '\n';
 }

@@ -8,6 +8,7 @@
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
+#include "application/import/ledger/card_importer.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
@@ -38,6 +39,7 @@ class HumanOutput {
   void details(const ItemDetails& details) const;
   void record(const AttentionItemDispositionRecord& record) const;
   void mailReport(std::string_view source, const MailReport& report) const;
+  void cardReport(std::string_view source, const CardReport& report) const;
   void meetingReport(std::string_view source, const MeetingReport& report) const;
   void line(std::string_view text) const;
   void check(bool isFine, std::string_view name, std::string_view detail) const;

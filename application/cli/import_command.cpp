@@ -79,10 +79,17 @@ class ImportRun {
     });
   }
 
+  void cards(const std::filesystem::path& path) {
+    take(path, cards_, [&] {
+      requireCards(path);
+      return contactCards(path);
+    });
+  }
+
   /// Throws CommandFailure when a source was not imported, or the run was interrupted.
   void finish() const {
     if (context_.output == OutputForm::json) {
-      printJson({{"mail", mail_}, {"calendars", calendars_}});
+      printJson({{"mail", mail_}, {"calendars", calendars_}, {"cards", cards_}});
     }
     const auto signal = interruption_.signal();
     auto lines = failures_;
@@ -90,7 +97,7 @@ class ImportRun {
       lines.emplace_back(isAnythingLeft_ ? "Stopped. What was read so far is in the store; import the same again for "
                                            "the rest."
                                          : "Stopped, after everything was read.");
-    } else if (!failures_.empty() && failures_.size() < mail_.size() + calendars_.size()) {
+    } else if (!failures_.empty() && failures_.size() < mail_.size() + calendars_.size() + cards_.size()) {
       lines.emplace_back("Everything else was imported.");
     }
     if (!lines.empty()) {
@@ -155,6 +162,19 @@ class ImportRun {
     return toJson(report);
   }
 
+  Json contactCards(const std::filesystem::path& path) {
+    CardSource source(path);
+    const auto report = [&] {
+      const ProgressLine progress(watch_, "contact cards");
+      return CardImporter(store_, import_).import(source);
+    }();
+    isAnythingLeft_ |= report.isStopped;
+    if (context_.output == OutputForm::human) {
+      HumanOutput{}.cardReport(path.string(), report);
+    }
+    return toJson(report);
+  }
+
   const CommandContext& context_;
   DatabaseQueue& store_;
   ImportWatch watch_;
@@ -163,6 +183,7 @@ class ImportRun {
   ImportContext import_;
   Json mail_ = Json::array();
   Json calendars_ = Json::array();
+  Json cards_ = Json::array();
   /// A sentence for each source that was not imported, behind its path.
   std::vector<std::string> failures_;
 };
@@ -170,9 +191,10 @@ class ImportRun {
 } // namespace
 
 void runImport(const CommandContext& context, const ImportArguments& arguments) {
-  if (arguments.mboxes.empty() && arguments.maildirs.empty() && arguments.calendars.empty()) {
+  if (arguments.mboxes.empty() && arguments.maildirs.empty() && arguments.calendars.empty() &&
+      arguments.cards.empty()) {
     throw CommandFailure(ExitCode::wrongCommandLine,
-                         "Say what to import: --mbox FILE, --maildir FOLDER or --ics FILE.");
+                         "Say what to import: --mbox FILE, --maildir FOLDER, --ics FILE or --vcard PATH.");
   }
   auto& store = context.session.writableStore();
   ImportRun run(context, store, ownAddressesFor(arguments, context.asOf, store));
@@ -184,6 +206,10 @@ void runImport(const CommandContext& context, const ImportArguments& arguments) 
   }
   for (const auto& path : arguments.calendars) {
     run.calendar(path);
+  }
+  // Once the mail is there: whom the user deals with most is who the others become.
+  for (const auto& path : arguments.cards) {
+    run.cards(path);
   }
   run.finish();
 }

@@ -233,6 +233,17 @@ Json toJson(const MeetingReport& report) {
           {"stopped", report.isStopped}};
 }
 
+Json toJson(const CardReport& report) {
+  return {{"read", report.cards},
+          {"new", report.imported},
+          {"known", report.known},
+          {"joined", report.joined},
+          {"ambiguous", report.ambiguous},
+          {"keptApart", report.keptApart},
+          {"skipped", countsByName(report.skipped)},
+          {"stopped", report.isStopped}};
+}
+
 std::string_view caseName(NotShownReason reason) noexcept {
   switch (reason) {
     case NotShownReason::nothingToTell:
@@ -309,6 +320,24 @@ std::string_view caseName(CalendarNotice notice) noexcept {
       return "unknownTimeZone";
     case CalendarNotice::unreadableRecurrence:
       return "unreadableRecurrence";
+  }
+  return "unknown";
+}
+
+std::string_view caseName(CardSkip reason) noexcept {
+  switch (reason) {
+    case CardSkip::noAddress:
+      return "noAddress";
+    case CardSkip::noName:
+      return "noName";
+    case CardSkip::nobody:
+      return "nobody";
+    case CardSkip::own:
+      return "own";
+    case CardSkip::unreadable:
+      return "unreadable";
+    case CardSkip::noCardFile:
+      return "noCardFile";
   }
   return "unknown";
 }

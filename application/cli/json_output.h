@@ -6,6 +6,7 @@
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
+#include "application/import/ledger/card_importer.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
@@ -31,11 +32,13 @@ Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanati
 Json toJson(const ItemDetails& details);
 Json toJson(const MailReport& report);
 Json toJson(const MeetingReport& report);
+Json toJson(const CardReport& report);
 
 std::string_view caseName(NotShownReason reason) noexcept;
 std::string_view caseName(MailSkipReason reason) noexcept;
 std::string_view caseName(CalendarSkip reason) noexcept;
 std::string_view caseName(CalendarNotice notice) noexcept;
+std::string_view caseName(CardSkip reason) noexcept;
 
 /// Writes the document and a line break to standard output. Bytes that are not UTF-8 are replaced.
 void printJson(const Json& document);

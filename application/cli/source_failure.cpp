@@ -1,6 +1,7 @@
 #include "application/cli/source_failure.h"
 
 #include "application/import/calendar/calendar_source.h"
+#include "application/import/cards/card_source.h"
 #include "application/import/mail/mail_source_error.h"
 #include "application/import/recognition/source_recognition.h"
 
@@ -22,13 +23,17 @@ std::optional<std::string> sourceFailureSentence(const std::error_code& code) {
   if (code == WrongSource::isAMailbox) {
     return "This is a mailbox; give it with --mbox.";
   }
+  if (code == WrongSource::isContactCards) {
+    return "These are contact cards; give them with --vcard.";
+  }
   if (code == MailSourceError::isAFolder) {
     return "This is a folder; give it with --maildir if it is a Maildir, or name the mbox file inside it.";
   }
   if (code == MailSourceError::isAFile) {
     return "This is a file; give it with --mbox if it is a mailbox, or name the folder that holds \"cur\" and \"new\".";
   }
-  if (isOf<WrongSource>(code) || isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code)) {
+  if (isOf<WrongSource>(code) || isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code) ||
+      isOf<CardSourceError>(code)) {
     return code.message();
   }
   return std::nullopt;

@@ -183,8 +183,28 @@ Refreshment Refresh::calendar(const RememberedSource& source) {
   return result;
 }
 
-Refreshment Refresh::cards(const RememberedSource& /*source*/) {
-  return {};
+Refreshment Refresh::cards(const RememberedSource& source) {
+  requireFileOrFolder(source.path, SourceFault::gone);
+  const auto files = CalendarFiles::at(source.path, systemNow_, ".vcf");
+  const auto positions =
+      store_.write([&](Connection& connection) { return keptPositions(source.number, readFor_, connection); });
+  const auto known = positions.find("");
+  if (files.paths.empty()) {
+    throw Error(known == positions.end() ? SourceFault::holdsNothing : SourceFault::emptied, "looking for cards");
+  }
+  if (known != positions.end() && !files.digest.empty() && known->second.digest == files.digest) {
+    return {};
+  }
+  CardSource cards(files.paths);
+  Refreshment result;
+  result.cards = CardImporter(store_, contextFor(source)).import(cards);
+  result.outcome = result.cards->isStopped ? Outcome::stopped : Outcome::read;
+  if (result.outcome == Outcome::read) {
+    store_.write([&](Connection& connection) {
+      keepPosition(source.number, "", {{}, secondsOf(context_.now), files.digest}, connection);
+    });
+  }
+  return result;
 }
 
 } // namespace orvan

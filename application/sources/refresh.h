@@ -6,6 +6,7 @@
 
 #include "OrvanPlatform/instant.h"
 #include "OrvanStore/database_queue.h"
+#include "application/import/ledger/card_importer.h"
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/sources/changed_mail.h"
@@ -29,6 +30,7 @@ struct Refreshment {
   /// Of what was read.
   std::optional<MailReport> mail = std::nullopt;
   std::optional<MeetingReport> meetings = std::nullopt;
+  std::optional<CardReport> cards = std::nullopt;
   std::vector<SourceTrouble> troubles = {};
   /// Folders of mail that was thrown away or not sent yet.
   std::vector<std::string> leftOut = {};

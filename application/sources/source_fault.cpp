@@ -1,6 +1,7 @@
 #include "application/sources/source_fault.h"
 
 #include "application/import/calendar/calendar_source.h"
+#include "application/import/cards/card_source.h"
 #include "application/import/mail/mail_source_error.h"
 #include "application/import/recognition/source_recognition.h"
 
@@ -75,10 +76,10 @@ std::optional<std::string> sentenceOnSource(const std::error_code& code) {
   if (isOf<MailSourceError>(code)) {
     return make_error_code(faultOfMail(static_cast<MailSourceError>(code.value()))).message();
   }
-  if (isOf<WrongSource>(code) || code == CalendarSourceError::notACalendar) {
+  if (isOf<WrongSource>(code) || code == CalendarSourceError::notACalendar || code == CardSourceError::holdsNoCard) {
     return make_error_code(SourceFault::becameSomethingElse).message();
   }
-  if (code == CalendarSourceError::cannotRead) {
+  if (code == CalendarSourceError::cannotRead || code == CardSourceError::cannotRead) {
     return make_error_code(SourceFault::cannotRead).message();
   }
   return std::nullopt;

@@ -9,11 +9,13 @@
 namespace orvan {
 namespace {
 
+/// Cards (name_rank 3) are kept up to date by the user; of mail the first name told stays.
 constexpr const char* upsertIdentity = R"sql(
 INSERT INTO source_identity (id, address, display_name, name_rank)
 VALUES (?, ?, ?, ?)
 ON CONFLICT(id) DO UPDATE SET display_name = excluded.display_name, name_rank = excluded.name_rank
 WHERE excluded.name_rank > name_rank
+   OR (excluded.name_rank = name_rank AND name_rank = 3 AND excluded.display_name <> display_name)
 )sql";
 
 /// That a header names a list is more than its address or its use tells.

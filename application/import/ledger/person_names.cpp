@@ -31,14 +31,16 @@ bool isNamedByUser(std::string_view personID, Connection& connection) {
 void takeNameOfIdentity(std::string_view identityID, std::string_view name, NameSource source, Connection& connection) {
   connection.execute(R"sql(
 UPDATE person SET display_name = ?2
-WHERE id = (SELECT canonical_person_id FROM identity_membership
+WHERE display_name <> ?2
+  AND id = (SELECT canonical_person_id FROM identity_membership
             WHERE source_identity_id = ?1 AND ended_at IS NULL AND state IN ('high_conf', 'confirmed'))
   AND NOT EXISTS (SELECT 1 FROM person_naming naming WHERE naming.person_id = person.id)
   AND NOT EXISTS (
     SELECT 1
     FROM identity_membership im
     JOIN source_identity other ON other.id = im.source_identity_id
-    WHERE im.canonical_person_id = person.id AND im.ended_at IS NULL AND other.id <> ?1 AND other.name_rank >= ?3)
+    WHERE im.canonical_person_id = person.id AND im.ended_at IS NULL AND other.id <> ?1 AND other.name_rank >= ?3
+      AND other.display_name <> ?2)
 )sql",
                      identityID, name, std::to_underlying(source));
 }
@@ -53,6 +55,12 @@ void takeNameOfMerged(std::string_view survivorID, std::string_view otherID, Con
     renamePerson(survivorID, *others, connection);
   } else {
     setName(survivorID, *others, connection);
+  }
+}
+
+void takeUsersNameOf(std::string_view otherID, std::string_view survivorID, Connection& connection) {
+  if (isNamedByUser(otherID, connection) && !isNamedByUser(survivorID, connection)) {
+    renamePerson(survivorID, nameOf(otherID, connection).value_or(""), connection);
   }
 }
 

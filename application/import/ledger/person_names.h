@@ -19,6 +19,10 @@ void takeNameOfIdentity(std::string_view identityID, std::string_view name, Name
 /// only an address and the other has a better one.
 void takeNameOfMerged(std::string_view survivorID, std::string_view otherID, Connection& connection);
 
+/// The same for who was joined by no word of the user's: the name that the user gave the other is the survivor's now,
+/// unless the survivor has one from the user, too.
+void takeUsersNameOf(std::string_view otherID, std::string_view survivorID, Connection& connection);
+
 /// An identity left a person. If they were called after it alone, they are called as the best of those that stayed.
 void nameAfterThoseThatStayed(std::string_view personID, std::string_view leftIdentityID, Connection& connection);
 

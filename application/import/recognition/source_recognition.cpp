@@ -21,14 +21,17 @@ class WrongSourceCategory final : public std::error_category {
   std::string message(int value) const override {
     switch (static_cast<WrongSource>(value)) {
       case WrongSource::isACalendar:
-        return "This is a calendar, not a mailbox; import it as a calendar.";
+        return "This is a calendar; import it as a calendar.";
       case WrongSource::isAMailbox:
-        return "This is a mailbox, not a calendar; import it as a mailbox.";
+        return "This is a mailbox; import it as a mailbox.";
+      case WrongSource::isContactCards:
+        return "These are contact cards; import them as contact cards.";
       case WrongSource::isADatabase:
         return "This is a database; export mail as mbox and calendars as .ics from the program that keeps it, and "
                "import those.";
       case WrongSource::isNotText:
-        return "This is neither mail nor a calendar; if it is packed, unpack it and import what is inside.";
+        return "This is neither mail nor a calendar nor contact cards; if it is packed, unpack it and import what is "
+               "inside.";
       case WrongSource::isAFolder:
         return "This is a folder, not a calendar; name the .ics files inside it.";
       case WrongSource::holdsNoMail:
@@ -54,11 +57,10 @@ std::optional<std::string> headOf(const std::filesystem::path& file) {
   return head;
 }
 
-enum class Kind { calendar, mailbox, database, notText, otherText };
+enum class Kind { calendar, cards, mailbox, database, notText, otherText };
 
-/// In any case of its letters, as calendars are read.
-bool startsCalendar(std::string_view text) {
-  constexpr std::string_view beginning = "BEGIN:VCALENDAR";
+/// In any case of its letters, as calendars and cards are read.
+bool starts(std::string_view text, std::string_view beginning) {
   return text.size() >= beginning.size() &&
          std::ranges::equal(text.substr(0, beginning.size()), beginning, {},
                             [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
@@ -79,8 +81,11 @@ Kind kindOf(std::string_view head) {
     return Kind::database;
   }
   const auto text = withoutMarkAndBlankLines(head);
-  if (startsCalendar(text)) {
+  if (starts(text, "BEGIN:VCALENDAR")) {
     return Kind::calendar;
+  }
+  if (starts(text, "BEGIN:VCARD")) {
+    return Kind::cards;
   }
   // A mail may hold any bytes further on.
   if (text.starts_with("From ")) {
@@ -119,6 +124,8 @@ void requireMbox(const std::filesystem::path& file) {
   switch (kindOf(*head)) {
     case Kind::calendar:
       refuse(WrongSource::isACalendar);
+    case Kind::cards:
+      refuse(WrongSource::isContactCards);
     case Kind::database:
       refuse(WrongSource::isADatabase);
     case Kind::notText:
@@ -145,11 +152,33 @@ void requireCalendar(const std::filesystem::path& file) {
   switch (kindOf(*head)) {
     case Kind::mailbox:
       refuse(WrongSource::isAMailbox);
+    case Kind::cards:
+      refuse(WrongSource::isContactCards);
     case Kind::database:
       refuse(WrongSource::isADatabase);
     case Kind::notText:
       refuse(WrongSource::isNotText);
     case Kind::calendar:
+    case Kind::otherText:
+      break;
+  }
+}
+
+void requireCards(const std::filesystem::path& file) {
+  const auto head = headOf(file);
+  if (!head) {
+    return;
+  }
+  switch (kindOf(*head)) {
+    case Kind::calendar:
+      refuse(WrongSource::isACalendar);
+    case Kind::mailbox:
+      refuse(WrongSource::isAMailbox);
+    case Kind::database:
+      refuse(WrongSource::isADatabase);
+    case Kind::notText:
+      refuse(WrongSource::isNotText);
+    case Kind::cards:
     case Kind::otherText:
       break;
   }

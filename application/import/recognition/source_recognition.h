@@ -5,12 +5,14 @@
 
 namespace orvan {
 
-/// What a file is instead of the mailbox or calendar it was given as. The message of each is a sentence for the user.
+/// What a file is instead of the mailbox, calendar or contact cards it was given as. The message of each is a sentence
+/// for the user.
 enum class WrongSource {
   isACalendar = 1,
   isAMailbox,
+  isContactCards,
   isADatabase,
-  /// Neither mail nor calendar in any form we read: a store, an archive, a picture.
+  /// Neither mail, calendar nor cards in any form we read: a store, an archive, a picture.
   isNotText,
   /// A folder, given as a calendar file.
   isAFolder,
@@ -29,6 +31,9 @@ void requireMbox(const std::filesystem::path& file);
 
 /// Passes what is or may be an iCalendar file.
 void requireCalendar(const std::filesystem::path& file);
+
+/// Passes what is or may be a file of contact cards, and folders.
+void requireCards(const std::filesystem::path& file);
 
 } // namespace orvan
 
