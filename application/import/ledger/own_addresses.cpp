@@ -12,9 +12,10 @@ bool wasReadWith(const std::string& address, Connection& connection) {
              .value_or(0) != 0;
 }
 
-/// The next reading of every source begins at its beginning.
+/// The next reading of every source begins at its beginning: what was read was read for other addresses. That of one
+/// that is being read just now does, too.
 void forgetHowFarSourcesWereRead(Connection& connection) {
-  connection.execute("DELETE FROM source_position");
+  connection.execute("UPDATE remembered_source SET read_for = NULL");
 }
 
 /// Which mails were from or to the address is not known of each, so all are read again. Until then they stay, and what
