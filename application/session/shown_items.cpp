@@ -1,23 +1,28 @@
 #include "application/session/shown_items.h"
 
 #include <exception>
+#include <nlohmann/json.hpp>
 
 #include "OrvanPlatform/internet_date_time.h"
-#include "OrvanStore/transaction.h"
 
 namespace orvan {
 namespace {
 
+/// One statement, and so a transaction by itself: a Transaction would wait for its turn.
 void write(std::span<const AttentionCatchUpItem> items, Instant asOf, Connection& connection) {
+  auto shown = nlohmann::json::array();
   for (const auto& item : items) {
-    connection.execute(R"sql(
+    shown.push_back({item.personKey(), item.itemKey()});
+  }
+  connection.execute(R"sql(
 INSERT INTO shown_item (person_id, item_key, shown_at)
-VALUES (?, ?, ?)
+SELECT json_extract(value, '$[0]'), json_extract(value, '$[1]'), ?2
+FROM json_each(?1)
+WHERE TRUE
 ON CONFLICT DO UPDATE SET item_key = excluded.item_key, shown_at = excluded.shown_at
 WHERE item_key <> excluded.item_key
 )sql",
-                       item.personKey(), item.itemKey(), formatInternetDateTime(asOf));
-  }
+                     shown.dump(), formatInternetDateTime(asOf));
 }
 
 /// Has the connection wait for nobody until the end of a scope.
@@ -43,7 +48,7 @@ void rememberShown(std::span<const AttentionCatchUpItem> items, Instant asOf, Se
   try {
     session.writableStore().withoutTransaction([&](Connection& connection) {
       const WithoutWaiting inHaste(connection);
-      inTransaction(connection, TransactionKind::write, [&](Connection& store) { write(items, asOf, store); });
+      write(items, asOf, connection);
     });
   } catch (const std::exception&) { // The user is asked once more than needed.
   }
