@@ -17,7 +17,9 @@
 #include "application/cli/hiding_commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/own_address_commands.h"
+#include "application/cli/own_address_option.h"
 #include "application/cli/people_commands.h"
+#include "application/cli/sources_commands.h"
 #include "application/session/person_lookup.h"
 
 namespace orvan {
@@ -65,9 +67,7 @@ void addFirstCommands(CommandSet& commands, Invocation& invocation) {
   auto& import = commands.add({"import", "To begin", "Bring in mail, calendars and contact cards; safe to stop and to repeat",
                                "orvan import --me you@example.org --mbox ~/mail/inbox.mbox --ics ~/calendar.ics"},
                               [&invocation](const auto& context) { runImport(context, invocation.import); });
-  import.add_option("--me", invocation.import.ownAddresses, "Your own mail addresses (remembered)")
-      ->type_name("ADDRESS")
-      ->check(notEmpty());
+  takeOwnAddresses(import, invocation.import.ownAddresses);
   import.add_option("--mbox", invocation.import.mboxes, "An mbox file")->type_name("FILE")->check(notEmpty());
   import.add_option("--maildir", invocation.import.maildirs, "A Maildir folder")
       ->type_name("FOLDER")
@@ -228,6 +228,8 @@ bool parse(CLI::App& program, std::span<const char* const> words) {
 
 void addCommands(CommandSet& commands, Invocation& invocation) {
   addFirstCommands(commands, invocation);
+  addSourcesCommands(commands);
+  addRefreshCommand(commands);
   addReadingCommands(commands, invocation);
   addDecidingCommands(commands, invocation);
   addHidingCommands(commands);

@@ -1,54 +1,23 @@
-#include <signal.h>
-
 #include <set>
 #include <string>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/printable_text.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/interruption.h"
 #include "application/cli/json_output.h"
+#include "application/cli/own_address_option.h"
 #include "application/cli/progress_line.h"
 #include "application/cli/source_failure.h"
-#include "application/import/address/normal_address.h"
-#include "application/import/ledger/own_addresses.h"
 #include "application/import/mail/maildir_source.h"
 #include "application/import/mail/mbox_source.h"
 #include "application/import/recognition/source_recognition.h"
 
 namespace orvan {
 namespace {
-
-std::string ownAddress(const std::string& written) {
-  if (auto address = normalAddress(written)) {
-    return *std::move(address);
-  }
-  throw CommandFailure(ExitCode::wrongCommandLine, "--me takes mail addresses, such as robin@example.org.");
-}
-
-/// Those given and those that earlier imports were told, whichever calendar or mailbox they were told with.
-std::vector<std::string> ownAddressesFor(const ImportArguments& arguments, Instant now, DatabaseQueue& store) {
-  std::vector<std::string> given;
-  given.reserve(arguments.ownAddresses.size());
-  for (const auto& written : arguments.ownAddresses) {
-    given.push_back(ownAddress(written));
-  }
-  const auto all = store.write(
-      [&](Connection& connection) { return rememberOwnAddresses(given, formatInternetDateTime(now), connection); });
-  if (all.empty()) {
-    throw CommandFailure(ExitCode::wrongCommandLine, "Say which addresses are yours: --me ADDRESS...");
-  }
-  return {all.begin(), all.end()};
-}
-
-/// Those of shells for what a signal ended.
-ExitCode codeFor(int signal) {
-  return signal == SIGTERM ? ExitCode::terminated : ExitCode::interrupted;
-}
 
 /// Imports one source after the other and tells of each. One that cannot be read does not keep the others away. A
 /// signal ends the run, after what was read so far is in the store.
@@ -101,7 +70,7 @@ class ImportRun {
       lines.emplace_back("Everything else was imported.");
     }
     if (!lines.empty()) {
-      throw CommandFailure(signal ? codeFor(*signal) : ExitCode::failed, joined(lines));
+      throw CommandFailure(signal ? exitCodeFor(*signal) : ExitCode::failed, joined(lines));
     }
   }
 
@@ -197,7 +166,7 @@ void runImport(const CommandContext& context, const ImportArguments& arguments) 
                          "Say what to import: --mbox FILE, --maildir FOLDER, --ics FILE or --vcard PATH.");
   }
   auto& store = context.session.writableStore();
-  ImportRun run(context, store, ownAddressesFor(arguments, context.asOf, store));
+  ImportRun run(context, store, ownAddressesWith(arguments.ownAddresses, context.asOf, store));
   for (const auto& path : arguments.mboxes) {
     run.mbox(path);
   }

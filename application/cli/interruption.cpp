@@ -47,6 +47,10 @@ Interruption::~Interruption() {
   watched = nullptr;
 }
 
+ExitCode exitCodeFor(int signal) noexcept {
+  return signal == SIGTERM ? ExitCode::terminated : ExitCode::interrupted;
+}
+
 std::optional<int> Interruption::signal() const noexcept {
   const int number = received;
   return number == 0 ? std::nullopt : std::optional{number};

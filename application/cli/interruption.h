@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "application/cli/command_failure.h"
 #include "application/import/ledger/import_watch.h"
 
 namespace orvan {
@@ -28,5 +29,8 @@ class Interruption {
   struct sigaction formerInterrupt_ = {};
   struct sigaction formerTerminate_ = {};
 };
+
+/// How a program ends that a signal has stopped, as shells have it.
+ExitCode exitCodeFor(int signal) noexcept;
 
 } // namespace orvan

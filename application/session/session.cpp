@@ -9,10 +9,29 @@
 #include "OrvanPlatform/error.h"
 #include "application/corrections/hiding.h"
 #include "application/session/person_lookup.h"
+#include "application/session/source_freshness.h"
 #include "application/session/true_resumption.h"
 #include "application/store/key_change.h"
 
 namespace orvan {
+
+namespace {
+
+/// For as long as it lives, the connection does not wait for the locks of others.
+class NoWaiting {
+ public:
+  explicit NoWaiting(Connection& connection) : connection_(connection) {
+    sqlite3_busy_timeout(connection_.handle(), 0);
+  }
+  ~NoWaiting() { sqlite3_busy_timeout(connection_.handle(), static_cast<int>(connection_.busyTimeout().count())); }
+  NoWaiting(const NoWaiting&) = delete;
+  NoWaiting& operator=(const NoWaiting&) = delete;
+
+ private:
+  Connection& connection_;
+};
+
+} // namespace
 
 /// The people as they were read last. The compiler is given those whom anything can bring onto a list, as many as its
 /// cap lets through: it would cut by their keys.
@@ -146,8 +165,24 @@ std::string Session::personKeyOf(const std::string& text) {
   return store().read([&text](Connection& connection) { return personKeyCalled(text, connection); });
 }
 
+void Session::bringSourceFreshnessUpToDate(Instant asOf) {
+  if (!store().read([asOf](Connection& connection) { return isFreshnessOutdated(asOf, connection); })) {
+    return;
+  }
+  try {
+    const auto writable =
+        isWritable() ? store_ : ApplicationStore::open(settings_.store, vault_, ApplicationStore::Access::write);
+    writable->withoutTransaction([asOf](Connection& connection) {
+      const NoWaiting noWaiting(connection);
+      bringFreshnessUpToDate(asOf, connection);
+    });
+  } catch (const Error&) { // NOLINT(bugprone-empty-catch): whoever opens the store next does it.
+  }
+}
+
 std::vector<AttentionEvidenceBundle> Session::bundles(Instant asOf) {
   openForReading();
+  bringSourceFreshnessUpToDate(asOf);
   outlooks(asOf);
   auto bundles = waitFor(compiler_->executor(), compiler_->compileAll(asOf));
   store().read([&](Connection& connection) {
@@ -161,6 +196,7 @@ std::vector<AttentionEvidenceBundle> Session::bundles(Instant asOf) {
 
 AttentionEvidenceBundle Session::bundle(const std::string& personKey, Instant asOf) {
   openForReading();
+  bringSourceFreshnessUpToDate(asOf);
   auto bundle = waitFor(compiler_->executor(), compiler_->compile(personKey, asOf));
   return store().read([&](Connection& connection) { return withTrueResumption(std::move(bundle), asOf, connection); });
 }

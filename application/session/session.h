@@ -64,6 +64,10 @@ class Session {
   /// PersonNotFound.
   std::string personKeyOf(const std::string& text);
 
+  /// Writes down how fresh the sources are at `asOf`, where that is not what the store says: see source_freshness.h. A
+  /// store that cannot be written now is left as it is. The calls below do it first.
+  void bringSourceFreshnessUpToDate(Instant asOf);
+
   /// What stands at `asOf`: of everyone who is looked at and has some evidence, in key order, or of one person.
   std::vector<AttentionEvidenceBundle> bundles(Instant asOf);
   AttentionEvidenceBundle bundle(const std::string& personKey, Instant asOf);

@@ -205,6 +205,7 @@ Refreshment Refresh::cards(const RememberedSource& source) {
     });
   }
   return result;
+  throw Error(SourceFault::cardsNotRead, "reading contact cards");
 }
 
 } // namespace orvan
