@@ -205,7 +205,6 @@ Refreshment Refresh::cards(const RememberedSource& source) {
     });
   }
   return result;
-  throw Error(SourceFault::cardsNotRead, "reading contact cards");
 }
 
 } // namespace orvan

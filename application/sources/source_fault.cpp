@@ -34,8 +34,6 @@ class SourceFaultCategory final : public std::error_category {
                "is there now.";
       case SourceFault::tooLarge:
         return "There is too much in this folder to look through; name the folder within it that holds the mail.";
-      case SourceFault::cardsNotRead:
-        return "This version of orvan does not read contact cards yet; a later one will bring them in.";
       case SourceFault::cannotRead:
         return "It cannot be read, or changed while it was; try again, and check the disk if that does not help.";
     }

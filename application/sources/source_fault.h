@@ -25,8 +25,6 @@ enum class SourceFault {
   /// A folder with so much in it that it is hardly one of mail.
   tooLarge,
   cannotRead,
-  /// Contact cards are remembered for a version that reads them.
-  cardsNotRead,
 };
 
 std::error_code make_error_code(SourceFault fault) noexcept;
