@@ -117,30 +117,36 @@ std::optional<StoreSummary> lookAtTarget(const StoreAndKey& target) {
   }
 }
 
-std::string stampOf(Instant now) {
+/// A name beside the store that tells what the file is and from when, and that nothing has yet.
+std::filesystem::path nameBeside(const std::filesystem::path& store, const char* ending, Instant now) {
   auto stamp = formatInternetDateTime(now);
   std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
-  return stamp;
+  const auto name = store.native() + ending + stamp;
+  auto free = name;
+  for (int number = 2; std::filesystem::exists(free); ++number) {
+    free = name + "-" + std::to_string(number);
+  }
+  return free;
 }
 
 /// The store goes first: a log that stays behind without it is found by the next restoring, while a store without its
 /// log would be taken for whole.
 std::optional<std::filesystem::path> giveWay(const std::filesystem::path& store, Instant now) {
-  const auto aside = store.native() + setAside + stampOf(now);
+  const auto aside = nameBeside(store, setAside, now);
   bool wasThere = false;
   for (const char* ending : {"", "-wal", "-shm", "-journal"}) {
     std::error_code failure;
-    std::filesystem::rename(store.native() + ending, aside + ending, failure);
+    std::filesystem::rename(store.native() + ending, aside.native() + ending, failure);
     if (failure && failure != std::errc::no_such_file_or_directory) {
       throw Error(ApplicationStoreError::cannotReachStore, restoring);
     }
     wasThere = wasThere || !failure;
   }
-  return wasThere ? std::optional<std::filesystem::path>{aside} : std::nullopt;
+  return wasThere ? std::optional{aside} : std::nullopt;
 }
 
 std::filesystem::path keepFormer(const StoreAndKey& target, Instant now) {
-  const std::filesystem::path copy = target.encrypted().file().native() + beforeRestore + stampOf(now);
+  const auto copy = nameBeside(target.encrypted().file(), beforeRestore, now);
   target.encrypted().copyTo(EncryptedStore(copy, target.vault()), CopyForm::singleFile, approveCopy, nullptr);
   return copy;
 }

@@ -1,5 +1,6 @@
 #include "application/cli/backup_commands.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -181,12 +182,17 @@ void runRestore(const CommandContext& context, const RestoreArguments& arguments
   report(plan, done);
 }
 
+/// A file that has this key already is one from an attempt that went no further.
 void keepKey(const StoreKey& key, const path& file) {
   const auto bytes = key.loadLocalStoreKey();
   if (!bytes) {
     throw Error(CredentialVaultError::keyMissing, "keeping the former key");
   }
-  KeyFile(file).keep(bytes->bytes());
+  const KeyFile kept(file);
+  const auto found = kept.loadLocalStoreKey();
+  if (!found || !std::ranges::equal(found->bytes(), bytes->bytes())) {
+    kept.keep(bytes->bytes());
+  }
 }
 
 void runRekey(const CommandContext& context, const RekeyArguments& arguments) {

@@ -130,7 +130,7 @@ std::string lookAtCopies(const SessionSettings& settings) {
     throw CommandFailure(
         ExitCode::failed,
         "A copy of the store from before it was brought to a newer version was left by an interruption; "
-        "remove it when the store opens, put it in the store's place when it does not: " +
+        "remove it when the store opens, and take it with 'orvan restore' when it does not: " +
             printableText(copies.front().string()));
   }
   return "none was left behind";

@@ -111,11 +111,12 @@ ORDER BY identity.address, membership.canonical_person_id, membership.id
 
 Json hidden(Connection& connection) {
   return rowsOf(connection, R"sql(
-SELECT scope, target_id AS targetID, created_at AS hiddenAt, ended_at AS shownAgainAt
+SELECT scope, target_id AS targetID, words.subject AS subject, created_at AS hiddenAt, ended_at AS shownAgainAt
 FROM exclusion_rule
+LEFT JOIN thread_text words ON scope = 'thread' AND words.thread_id = target_id
 ORDER BY created_at, scope, target_id, id
 )sql",
-                {"scope", "targetID", "hiddenAt", "shownAgainAt"});
+                {"scope", "targetID", "subject", "hiddenAt", "shownAgainAt"});
 }
 
 /// What was forgotten has no name any more; how many of each kind there are is all that can be said.
