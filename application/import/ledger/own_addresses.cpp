@@ -16,8 +16,6 @@ bool wasReadWith(const std::string& address, Connection& connection) {
 /// that is being read just now does, too.
 void forgetHowFarSourcesWereRead(Connection& connection) {
   connection.execute("UPDATE remembered_source SET read_for = NULL");
-  connection.execute("DELETE FROM source_position");
-  connection.execute("DELETE FROM source_mail_file");
 }
 
 /// Which mails were from or to the address is not known of each, so all are read again. Until then they stay, and what
