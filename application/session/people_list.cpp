@@ -100,7 +100,9 @@ WHERE present.source_identity_id = ? AND i.occurred_at <= ?
   }
 
   static void keepLatest(std::optional<std::string>& latest, std::optional<std::string> at) {
-    latest = std::max(std::move(latest), std::move(at));
+    if (latest < at) {
+      latest = std::move(at);
+    }
   }
 
   void readHidden() {

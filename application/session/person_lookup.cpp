@@ -53,7 +53,7 @@ WHERE past.canonical_person_id = ?1 AND past.ended_at IS NOT NULL
   if (!rows.next()) {
     return personKey;
   }
-  std::string now{rows.text(Column{0})};
+  const std::string now{rows.text(Column{0})};
   return rows.next() ? personKey : now;
 }
 

@@ -105,11 +105,13 @@ std::vector<std::string> peopleOf(std::span<const std::string> identityIDs, Conn
     }
   }
   std::vector<std::tuple<std::int64_t, std::string>> order;
+  order.reserve(people.size());
   for (const auto& personID : people) {
     order.emplace_back(-mailsWith(personID, connection), personID);
   }
   std::ranges::sort(order);
   std::vector<std::string> sorted;
+  sorted.reserve(order.size());
   for (auto& [mails, personID] : order) {
     sorted.push_back(std::move(personID));
   }
