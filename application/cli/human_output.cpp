@@ -325,7 +325,9 @@ void HumanOutput::details(const ItemDetails& details) const {
 }
 
 void HumanOutput::notShown(const NotShown& person) const {
-  line(printableText(person.displayName) + faint("  " + printableText(person.personKey)) + "  " + sentenceFor(person));
+  const auto address = person.address ? " <" + printableText(*person.address) + ">" : std::string{};
+  line(printableText(person.displayName) + address + faint("  " + printableText(person.personKey)) + "  " +
+       sentenceFor(person));
 }
 
 void HumanOutput::catchUpList(const CatchUpList& list, std::size_t shown, Explanation explanation, Instant asOf) const {

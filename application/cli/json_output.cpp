@@ -62,11 +62,9 @@ Json toJson(const AttentionWhyNowEvidenceReference& reference) {
 }
 
 Json toJson(const NotShown& person) {
-  return {{"personKey", person.personKey},
-          {"displayName", person.displayName},
-          {"reason", caseName(person.reason)},
-          {"itemKey", nullable(person.itemKey)},
-          {"until", nullable(person.until)}};
+  return {{"personKey", person.personKey},     {"displayName", person.displayName},
+          {"reason", caseName(person.reason)}, {"itemKey", nullable(person.itemKey)},
+          {"until", nullable(person.until)},   {"address", nullable(person.address)}};
 }
 
 Json toJson(const About& about) {

@@ -44,6 +44,7 @@ Json toJson(const RememberedSource& source, const Refreshment& result) {
           {"isInUse", result.isInUse},
           {"mail", result.mail ? orvan::toJson(*result.mail) : Json(nullptr)},
           {"meetings", result.meetings ? orvan::toJson(*result.meetings) : Json(nullptr)},
+          {"cards", result.cards ? orvan::toJson(*result.cards) : Json(nullptr)},
           {"troubles", troubles},
           {"leftOut", result.leftOut},
           {"readAnew", result.readAnew}};
@@ -120,6 +121,8 @@ class RefreshRun {
       output.mailReport(path, *result.mail);
     } else if (result.meetings) {
       output.meetingReport(path, *result.meetings);
+    } else if (result.cards) {
+      output.cardReport(path, *result.cards);
     } else if (result.outcome == Refreshment::Outcome::unchanged) {
       output.line(printableText(path) + ": nothing new");
     }

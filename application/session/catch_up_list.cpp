@@ -111,9 +111,12 @@ std::vector<NotShown> explainOthers(const std::vector<AttentionCatchUpItem>& ite
 }
 
 /// Adds what the rows themselves do not tell.
-void complete(std::vector<CatchUpRow>& rows, std::span<const ContactOutlook> outlooks, Connection& connection) {
+void complete(CatchUpList& list, std::span<const ContactOutlook> outlooks, Connection& connection) {
   const SharedNames shared(outlooks);
-  for (auto& row : rows) {
+  for (auto& person : list.notShown) {
+    person.address = shared.addressToTell(person.displayName, person.personKey, connection);
+  }
+  for (auto& row : list.rows) {
     row.about = aboutOf(row.item.personKey(), row.item.whyNow().evidenceReferences(), connection);
     row.address = shared.addressToTell(row.item.displayName(), row.item.personKey(), connection);
   }
@@ -192,7 +195,7 @@ CatchUpList makeCatchUpList(Session& session, Instant asOf, Explanation explanat
     list.notShown = explainOthers(items, outlooks, lookedAt, bundleOf, records, asOf);
   }
   list.rows = placed(std::move(items), outlooks, bundleOf, asOf);
-  session.readableStore().read([&](Connection& connection) { complete(list.rows, outlooks, connection); });
+  session.readableStore().read([&](Connection& connection) { complete(list, outlooks, connection); });
   list.older = static_cast<std::size_t>(
       std::ranges::count(list.rows, ListPart::older, [](const CatchUpRow& row) { return row.place.part; }));
   list.notLookedAt = static_cast<std::size_t>(

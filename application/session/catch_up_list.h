@@ -36,6 +36,8 @@ struct NotShown {
   std::optional<std::string> itemKey;
   /// When a snooze ends.
   std::optional<Instant> until;
+  /// What tells the person from others of the name.
+  std::optional<std::string> address = std::nullopt;
 };
 
 /// One person on the list.
