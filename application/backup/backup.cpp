@@ -90,9 +90,9 @@ CredentialVault StoreAndKey::vault() const {
 }
 
 void approveCopy(Connection& copy) {
-  const bool isWhole = ApplicationStore::damage(copy) == StoreDamage::none &&
-                       SchemaIdentity::of(copy) == SchemaIdentity::newest() &&
-                       ApplicationStore::missingSchemaParts(copy).empty();
+  // What the store itself may lack is no reason to have no backup of it.
+  const bool isWhole =
+      ApplicationStore::damage(copy) == StoreDamage::none && SchemaIdentity::of(copy) == SchemaIdentity::newest();
   if (!isWhole) {
     throw Error(BackupError::copyDamaged, "reading a copy of the store");
   }

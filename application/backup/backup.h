@@ -35,7 +35,7 @@ BackupReport backUp(const StoreAndKey& source, const std::filesystem::path& file
 /// store, because where backups are kept is nobody's business.
 std::optional<Instant> latestBackup(const std::filesystem::path& store);
 
-/// Throws BackupError::copyDamaged unless the store that is open here is whole and has this version's tables.
+/// Throws BackupError::copyDamaged unless the store that is open here is whole and of this version.
 void approveCopy(Connection& copy);
 
 } // namespace orvan
