@@ -10,6 +10,7 @@
 
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanStore/database_queue.h"
+#include "application/import/ledger/own_addresses.h"
 #include "application/session/source_freshness.h"
 #include "application/sources/source_recognizer.h"
 #include "tests/support/test_store.h"
@@ -37,6 +38,10 @@ class Refreshing : public testing::Test {
     deriveKeysQuickly();
     createStore(path("store.db"));
     store_.emplace(path("store.db"), keyedConfiguration(OpenMode::readWrite));
+    // As whoever refreshes does first: an address that is told later has everything read again.
+    store_->write([](Connection& connection) {
+      rememberOwnAddresses(std::vector<std::string>{"mira@home.example"}, "2026-03-01T00:00:00Z", connection);
+    });
   }
 
   fs::path path(const std::string& name) const { return folder_.path() / name; }
