@@ -64,9 +64,10 @@ void addFirstCommands(CommandSet& commands, Invocation& invocation) {
            [keyPlace](const auto& context) { runInit(context, *keyPlace); })
       .add_flag_callback(
           "--keyring", [keyPlace] { *keyPlace = KeyPlace::keyring; }, "Keep the key in the desktop's keyring");
-  auto& import = commands.add({"import", "To begin", "Bring in mail, calendars and contact cards; safe to stop and to repeat",
-                               "orvan import --me you@example.org --mbox ~/mail/inbox.mbox --ics ~/calendar.ics"},
-                              [&invocation](const auto& context) { runImport(context, invocation.import); });
+  auto& import =
+      commands.add({"import", "To begin", "Bring in mail, calendars and contact cards; safe to stop and to repeat",
+                    "orvan import --me you@example.org --mbox ~/mail/inbox.mbox --ics ~/calendar.ics"},
+                   [&invocation](const auto& context) { runImport(context, invocation.import); });
   takeOwnAddresses(import, invocation.import.ownAddresses);
   import.add_option("--mbox", invocation.import.mboxes, "An mbox file")->type_name("FILE")->check(notEmpty());
   import.add_option("--maildir", invocation.import.maildirs, "A Maildir folder")

@@ -130,6 +130,13 @@ Json toJson(const AddedAddress& added) {
           {"takenFrom", added.takenFrom ? Json(added.takenFrom->personKey) : Json(nullptr)}};
 }
 
+bool isAnythingRead(DatabaseQueue& store) {
+  return store.read([](Connection& connection) {
+    return connection.fetchOptionalInteger(
+               "SELECT EXISTS (SELECT 1 FROM mail_reference) OR EXISTS (SELECT 1 FROM calendar_entry)") != 0;
+  });
+}
+
 void runAdd(const CommandContext& context, const std::vector<std::string>& written) {
   std::vector<std::string> addresses;
   std::ranges::transform(written, std::back_inserter(addresses), addressIn);
@@ -145,7 +152,11 @@ void runAdd(const CommandContext& context, const std::vector<std::string>& writt
   for (const auto& one : added) {
     output.line(inWords(one));
   }
-  output.line(added.empty() ? "That is known; nothing was changed." : readAgain);
+  if (added.empty()) {
+    output.line("That is known; nothing was changed.");
+  } else if (isAnythingRead(context.session.writableStore())) {
+    output.line(readAgain);
+  }
 }
 
 // Removing

@@ -27,16 +27,31 @@ struct PeopleArguments {
   bool isAll = false;
 };
 
+[[noreturn]] void failWithTheNearest(const CommandContext& context, const std::string& text) {
+  try {
+    context.session.personKeyOf(text);
+  } catch (const PersonNotFound& error) {
+    if (context.output == OutputForm::human) {
+      HumanOutput{}.choice(error.people());
+    }
+  }
+  throw CommandFailure(ExitCode::failed, "Nobody you deal with has that in their name or address.");
+}
+
 void runPeople(const CommandContext& context, const PeopleArguments& arguments) {
   auto people = peopleList(context.session, arguments.text, context.asOf);
   if (context.output == OutputForm::json) {
     printJson(toJson(people));
+  }
+  if (people.empty() && !arguments.text.empty()) {
+    failWithTheNearest(context, arguments.text);
+  }
+  if (context.output == OutputForm::json) {
     return;
   }
   const HumanOutput output;
   if (people.empty()) {
-    output.line(arguments.text.empty() ? "Nobody yet: 'orvan import' brings in mail and calendars."
-                                       : "Nobody you deal with has that in their name or address.");
+    output.line("Nobody yet: 'orvan refresh' and 'orvan import' bring in mail, calendars and contacts.");
     return;
   }
   sortByExchange(people, context.session, context.asOf);

@@ -71,15 +71,19 @@ std::string counted(std::int64_t count, const char* unit) {
   return std::to_string(count) + " " + unit + (count == 1 ? "" : "s");
 }
 
-/// In the largest unit that leaves no rest.
-std::string exactly(seconds interval) {
+/// What follows "every", in the largest unit that leaves no rest: "12 hours", and "day" for a single one.
+std::string intervalInWords(seconds interval) {
+  const auto inUnits = [interval](seconds unit, const char* name) {
+    const auto count = interval / unit;
+    return count == 1 ? std::string{name} : counted(count, name);
+  };
   if (interval % std::chrono::days{1} == seconds{0}) {
-    return counted(interval / std::chrono::days{1}, "day");
+    return inUnits(std::chrono::days{1}, "day");
   }
   if (interval % std::chrono::hours{1} == seconds{0}) {
-    return counted(interval / std::chrono::hours{1}, "hour");
+    return inUnits(std::chrono::hours{1}, "hour");
   }
-  return counted(interval / std::chrono::minutes{1}, "minute");
+  return inUnits(std::chrono::minutes{1}, "minute");
 }
 
 std::string ago(Instant then, Instant now) {
@@ -146,7 +150,7 @@ void runList(const CommandContext& context) {
     const auto kind = std::string{nameOf(source.kind)};
     output.line(std::to_string(source.number) + "  " + kind + std::string(10 - kind.size(), ' ') +
                 printableText(source.path.string()));
-    output.line("   " + inWords(source, context.asOf) + "; usually every " + exactly(source.usualInterval));
+    output.line("   " + inWords(source, context.asOf) + "; usually every " + intervalInWords(source.usualInterval));
     if (source.lastFault) {
       output.line("   " + printableText(*source.lastFault));
     }
@@ -255,7 +259,7 @@ class AddingRun {
     auto sentence = "remembered already as source " + std::to_string(known.number);
     if (interval_ && *interval_ != known.usualInterval) {
       setUsualInterval(known.number, *interval_, connection);
-      sentence += "; from now on usually read every " + exactly(*interval_);
+      sentence += "; from now on usually read every " + intervalInWords(*interval_);
     }
     return {known.number, false, std::move(sentence), std::nullopt};
   }

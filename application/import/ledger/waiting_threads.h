@@ -15,7 +15,8 @@ struct WaitingMail {
 };
 
 /// Has the store say of each of these threads whether its latest interaction is a mail to the user alone, which then
-/// waits unless the user said that it does not, and gives those that do. Within the caller's transaction, once the interactions are written.
+/// waits unless the user said that it does not, and gives those that do. Within the caller's transaction, once the
+/// interactions are written.
 std::vector<WaitingMail> refreshWaitingThreads(std::span<const std::string> threadIDs, Connection& connection);
 
 } // namespace orvan
