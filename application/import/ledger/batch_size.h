@@ -11,14 +11,15 @@ namespace orvan {
 enum class ImportPace {
   /// As fast as it goes: others may wait for seconds.
   swift,
-  /// Others hardly notice it, and it takes about half as long again.
+  /// Others wait for a second or so now and then, and it takes up to twice as long.
   considerate,
 };
 
 /// How many mails go into the next batch. One thread asks, another one tells how long the last took.
 ///
 /// Programs wait for each other's writing five seconds at most. At a considerate pace a batch keeps the store for about
-/// half a second, whatever the machine. It never gets very small: every batch writes pages that the next writes again.
+/// a second, whatever the machine. It never gets very small, because what a batch writes is mostly pages that the next
+/// one writes again: half as many mails take far more than half the time.
 class BatchSize {
  public:
   BatchSize(std::size_t most, ImportPace pace)
@@ -33,13 +34,13 @@ class BatchSize {
     }
     const double scale = wanted / std::max(took, wanted / growth);
     const auto fitting = static_cast<std::size_t>(static_cast<double>(mails) * scale);
-    size_ = std::min(std::clamp(fitting, fewest, first * 2), most_);
+    size_ = std::min(std::max(fitting, fewest), most_);
   }
 
  private:
-  static constexpr std::size_t first = 8 * std::size_t{1024};
-  static constexpr std::size_t fewest = 2 * std::size_t{1024};
-  static constexpr std::chrono::duration<double> wanted{0.5};
+  static constexpr std::size_t first = 16 * std::size_t{1024};
+  static constexpr std::size_t fewest = 8 * std::size_t{1024};
+  static constexpr std::chrono::duration<double> wanted{1};
   static constexpr double growth = 1.5;
 
   ImportPace pace_;
