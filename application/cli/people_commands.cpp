@@ -102,6 +102,7 @@ struct Merge {
 /// The first is who they all become.
 Merge merge(const std::vector<std::string>& personKeys, Instant now, Connection& connection) {
   std::vector<Told> before;
+  before.reserve(personKeys.size());
   for (const auto& personKey : personKeys) {
     before.push_back(tellOf(personKey, connection));
   }
@@ -111,6 +112,7 @@ Merge merge(const std::vector<std::string>& personKeys, Instant now, Connection&
 
 void print(const Merge& merged) {
   std::vector<std::string> before;
+  before.reserve(merged.before.size());
   for (const auto& person : merged.before) {
     before.push_back(inWords(person));
   }
@@ -120,6 +122,7 @@ void print(const Merge& merged) {
 void runMerge(const CommandContext& context, const std::vector<std::string>& people) {
   const auto merged = context.session.writableStore().write([&](Connection& connection) {
     std::vector<std::string> personKeys;
+    personKeys.reserve(people.size());
     for (const auto& person : people) {
       personKeys.push_back(personKeyCalled(person, connection));
     }
@@ -196,6 +199,7 @@ void print(const std::vector<MergeSuggestion>& suggestions) {
   std::size_t number = 0;
   for (const auto& suggestion : suggestions) {
     std::vector<std::string> people;
+    people.reserve(suggestion.people.size());
     for (const auto& person : suggestion.people) {
       people.push_back(inWords(Told{person.personID, person.displayName, person.addresses}));
     }

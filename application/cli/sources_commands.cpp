@@ -102,7 +102,7 @@ std::string ago(Instant then, Instant now) {
 }
 
 std::string inWords(const RememberedSource& source, Instant asOf) {
-  const auto last = source.lastSucceededAt ? "read " + ago(*source.lastSucceededAt, asOf) : "never read";
+  auto last = source.lastSucceededAt ? "read " + ago(*source.lastSucceededAt, asOf) : "never read";
   switch (stateOf(source, asOf)) {
     case SourceState::current:
       return "fresh, " + last;
@@ -244,9 +244,9 @@ class AddingRun {
         return {other.number, false, "", "It lies inside source " + number + ", which brings it in already."};
       }
       if (other.kind == source.kind && isInside(other.path, source.path)) {
-        return {other.number, false, "",
-                "Source " + number + " lies inside it; take that off the list first ('orvan sources remove " + number +
-                    "')."};
+        auto refusal = "Source " + number + " lies inside it; take that off the list first ('orvan sources remove ";
+        refusal += number + "').";
+        return {other.number, false, "", std::move(refusal)};
       }
     }
     rememberSource(source.kind, source.path, interval_.value_or(usualUsualInterval), context_.asOf, connection);

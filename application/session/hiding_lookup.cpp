@@ -74,9 +74,10 @@ HidingTarget hidingTargetCalled(const std::string& text, Session& session, Insta
   }
   auto meant = session.readableStore().read([&](Connection& connection) { return accountsCalled(text, connection); });
   // Whoever means no account is told which people are like it.
-  if (const auto personKey = meant.empty() ? std::optional{session.personKeyOf(text)} : personCalled(text, session)) {
+  const auto personKey = meant.empty() ? std::optional{session.personKeyOf(text)} : personCalled(text, session);
+  if (personKey) {
     const auto person = session.person(*personKey);
-    meant.push_back({HiddenScope::person, *personKey, person ? person->displayName() : "", *personKey});
+    meant.push_back({HiddenScope::person, *personKey, person ? person->displayName() : "", personKey});
   }
   return onlyOne(meant, &HidingTarget::targetID);
 }
@@ -86,7 +87,7 @@ HiddenThing hiddenThingCalled(const std::string& text, Session& session) {
   std::vector<std::string> targets{text};
   try {
     targets.push_back(hidingTargetCalled(text, session, {}).targetID);
-  } catch (const Error&) { // Of several namesakes one may be hidden, and an account's source may be gone.
+  } catch (const Error&) { // NOLINT(bugprone-empty-catch): one of several namesakes may be hidden, a source gone.
   }
   const auto isMeant = [&](const HiddenThing& thing) {
     return thing.key == text || thing.name == text || isAmong(targets, thing.targetID);

@@ -50,7 +50,7 @@ void rememberShown(std::span<const AttentionCatchUpItem> items, Instant asOf, Se
       const WithoutWaiting inHaste(connection);
       write(items, asOf, connection);
     });
-  } catch (const std::exception&) { // The user is asked once more than needed.
+  } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): the user is asked once more than needed.
   }
 }
 

@@ -124,7 +124,7 @@ class Walk {
     const bool isMaildir = isFolder(folder / "cur") || (isFolder(folder / "new") && isFolder(folder / "tmp"));
     for (const auto& entry : *entries) {
       if (!isProfile || entry == "Mail" || entry == "ImapMail") {
-        look(folder / entry, name.empty() ? entry : name + "/" + entry, isMaildir, depth);
+        look(folder / entry, (fs::path{name} / entry).native(), isMaildir, depth);
       }
     }
   }
