@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "application/cli/command_line.h"
@@ -41,9 +43,7 @@ class PeopleCommands : public testing::Test {
       words.push_back(word);
     }
     std::vector<const char*> arguments;
-    for (const auto& word : words) {
-      arguments.push_back(word.c_str());
-    }
+    std::ranges::transform(words, std::back_inserter(arguments), &std::string::c_str);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     const int status = runCommandLine(static_cast<int>(arguments.size()), arguments.data());
