@@ -9,7 +9,6 @@
 namespace orvan {
 namespace {
 
-using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 constexpr const char* mill = "zoe@mill.example";
