@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "OrvanSpineCore/internal/users_say_schema.h"
+#include "OrvanSpineCore/internal/user_tables.h"
 
 namespace orvan {
 namespace {

@@ -5,6 +5,7 @@
 #include "application/cli/backup_commands.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/json_output.h"
+#include "application/session/person_lookup.h"
 
 namespace orvan {
 namespace {
@@ -160,22 +161,6 @@ FROM remembered_source
 ORDER BY path
 )sql",
                 {"kind", "path", "usualIntervalSeconds", "addedAt"});
-}
-
-Json addressesOf(const std::string& personKey, Connection& connection) {
-  Json addresses = Json::array();
-  auto rows = connection.query(R"sql(
-SELECT identity.address
-FROM identity_membership membership
-JOIN source_identity identity ON identity.id = membership.source_identity_id
-WHERE membership.canonical_person_id = ? AND membership.ended_at IS NULL
-ORDER BY identity.address
-)sql",
-                               personKey);
-  while (rows.next()) {
-    addresses.push_back(rows.text(Column{0}));
-  }
-  return addresses;
 }
 
 /// Those whom the rest of the document names by key.

@@ -1,6 +1,7 @@
 #include "application/sources/refresh.h"
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 #include <utility>
 
@@ -8,7 +9,6 @@
 #include "application/import/calendar/calendar_source.h"
 #include "application/import/ledger/stable_id.h"
 #include "application/import/recognition/source_recognition.h"
-#include "application/sources/calendar_files.h"
 #include "application/sources/mail_folders.h"
 #include "application/sources/source_fault.h"
 #include "application/sources/source_position.h"
@@ -40,9 +40,11 @@ std::vector<std::string> namesGone(const SourcePositions& positions, const std::
 
 /// Repeating events reach only so far ahead when they are read, so that even an unchanged calendar is read now and
 /// then.
-bool isDue(const SourcePosition& position, Instant now) {
+constexpr std::chrono::days calendarLasts{30};
+
+bool isOutlived(const SourcePosition& position, std::chrono::days lasts, Instant now) {
   const Instant readAt{std::chrono::seconds{position.readUpTo}};
-  return now < readAt || now - readAt > std::chrono::days{30};
+  return now < readAt || now - readAt > lasts;
 }
 
 std::int64_t secondsOf(Instant instant) {
@@ -155,54 +157,58 @@ Refreshment Refresh::mail(const RememberedSource& source) {
   return result;
 }
 
-Refreshment Refresh::calendar(const RememberedSource& source) {
+std::optional<CollectionFiles> Refresh::filesToRead(const RememberedSource& source, std::string_view ending,
+                                                    std::optional<std::chrono::days> lasts) {
   requireFileOrFolder(source.path, SourceFault::gone);
-  const auto files = CalendarFiles::at(source.path, systemNow_);
+  auto files = CollectionFiles::at(source.path, systemNow_, ending);
   const auto positions =
       store_.write([&](Connection& connection) { return keptPositions(source.number, readFor_, connection); });
   const auto known = positions.find("");
   if (files.paths.empty()) {
-    throw Error(known == positions.end() ? SourceFault::holdsNothing : SourceFault::emptied, "looking for calendars");
+    throw Error(known == positions.end() ? SourceFault::holdsNothing : SourceFault::emptied, "looking for files");
   }
-  if (known != positions.end() && !files.digest.empty() && known->second.digest == files.digest &&
-      !isDue(known->second, context_.now)) {
+  const bool isUnchanged = known != positions.end() && !files.digest.empty() && known->second.digest == files.digest;
+  if (isUnchanged && !(lasts && isOutlived(known->second, *lasts, context_.now))) {
+    return std::nullopt;
+  }
+  return files;
+}
+
+void Refresh::keepRead(const RememberedSource& source, const CollectionFiles& files) {
+  store_.write([&](Connection& connection) {
+    keepPosition(source.number, "", {{}, secondsOf(context_.now), files.digest}, connection);
+  });
+}
+
+Refreshment Refresh::calendar(const RememberedSource& source) {
+  const auto files = filesToRead(source, ".ics", calendarLasts);
+  if (!files) {
     return {};
   }
-  if (files.paths.size() == 1) {
-    requireCalendar(files.paths.front());
+  if (files->paths.size() == 1) {
+    requireCalendar(files->paths.front());
   }
-  CalendarSource meetings(files.paths, importWindow(context_.now), ownAddresses());
+  CalendarSource meetings(files->paths, importWindow(context_.now), ownAddresses());
   Refreshment result;
   result.meetings = MeetingImporter(store_, contextFor(source), source.path).import(meetings);
   result.outcome = result.meetings->isStopped ? Outcome::stopped : Outcome::read;
   if (result.outcome == Outcome::read) {
-    store_.write([&](Connection& connection) {
-      keepPosition(source.number, "", {{}, secondsOf(context_.now), files.digest}, connection);
-    });
+    keepRead(source, *files);
   }
   return result;
 }
 
 Refreshment Refresh::cards(const RememberedSource& source) {
-  requireFileOrFolder(source.path, SourceFault::gone);
-  const auto files = CalendarFiles::at(source.path, systemNow_, ".vcf");
-  const auto positions =
-      store_.write([&](Connection& connection) { return keptPositions(source.number, readFor_, connection); });
-  const auto known = positions.find("");
-  if (files.paths.empty()) {
-    throw Error(known == positions.end() ? SourceFault::holdsNothing : SourceFault::emptied, "looking for cards");
-  }
-  if (known != positions.end() && !files.digest.empty() && known->second.digest == files.digest) {
+  const auto files = filesToRead(source, ".vcf", std::nullopt);
+  if (!files) {
     return {};
   }
-  CardSource cards(files.paths);
+  CardSource cards(files->paths);
   Refreshment result;
   result.cards = CardImporter(store_, contextFor(source)).import(cards);
   result.outcome = result.cards->isStopped ? Outcome::stopped : Outcome::read;
   if (result.outcome == Outcome::read) {
-    store_.write([&](Connection& connection) {
-      keepPosition(source.number, "", {{}, secondsOf(context_.now), files.digest}, connection);
-    });
+    keepRead(source, *files);
   }
   return result;
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "OrvanPlatform/instant.h"
@@ -10,6 +13,7 @@
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/ledger/meeting_importer.h"
 #include "application/sources/changed_mail.h"
+#include "application/sources/collection_files.h"
 #include "application/sources/remembered_source.h"
 
 namespace orvan {
@@ -56,6 +60,11 @@ class Refresh {
   Refreshment mail(const RememberedSource& source);
   Refreshment calendar(const RememberedSource& source);
   Refreshment cards(const RememberedSource& source);
+  /// The files of a calendar, or of contact cards; nothing while they are as they were read, and as long as that lasts.
+  std::optional<CollectionFiles> filesToRead(const RememberedSource& source, std::string_view ending,
+                                             std::optional<std::chrono::days> lasts);
+  /// Notes that the files were read to their end.
+  void keepRead(const RememberedSource& source, const CollectionFiles& files);
   void record(const RememberedSource& source, const Refreshment& result);
   ImportContext contextFor(const RememberedSource& source) const;
   std::set<std::string> ownAddresses() const;

@@ -11,7 +11,7 @@
 
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/white_space.h"
-#include "application/sources/calendar_files.h"
+#include "application/sources/collection_files.h"
 #include "application/sources/mail_folders.h"
 #include "application/sources/source_fault.h"
 
@@ -155,7 +155,7 @@ class Search {
 
   void files(SourceKind kind, const fs::path& path, const char* keeper) {
     look(path, [&](const fs::path& whole) {
-      const auto paths = CalendarFiles::at(whole, Instant{}, kind == SourceKind::calendar ? ".ics" : ".vcf").paths;
+      const auto paths = CollectionFiles::at(whole, Instant{}, kind == SourceKind::calendar ? ".ics" : ".vcf").paths;
       std::uintmax_t bytes = 0;
       for (const auto& file : paths) {
         std::error_code unknown;

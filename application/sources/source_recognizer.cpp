@@ -10,7 +10,7 @@
 
 #include "OrvanPlatform/error.h"
 #include "application/import/recognition/source_recognition.h"
-#include "application/sources/calendar_files.h"
+#include "application/sources/collection_files.h"
 #include "application/sources/mail_folders.h"
 #include "application/sources/source_fault.h"
 
@@ -48,7 +48,7 @@ SourceKind kindOfFile(const fs::path& file) {
 /// What the files right in a folder make it.
 std::optional<SourceKind> kindOfFilesIn(const fs::path& folder) {
   const auto holds = [&folder](std::string_view ending) {
-    return !CalendarFiles::at(folder, Instant{}, ending).paths.empty();
+    return !CollectionFiles::at(folder, Instant{}, ending).paths.empty();
   };
   if (holds(".ics")) {
     return SourceKind::calendar;

@@ -109,6 +109,27 @@ bool holdsTextButNoMail(const std::filesystem::path& file) {
   return isTextWithoutMail(source.next()) && !source.next();
 }
 
+/// Refuses what is clearly something else than the wanted kind. Other text may be anything.
+void requireKindOrText(Kind found, Kind wanted) {
+  if (found == wanted) {
+    return;
+  }
+  switch (found) {
+    case Kind::calendar:
+      refuse(WrongSource::isACalendar);
+    case Kind::cards:
+      refuse(WrongSource::isContactCards);
+    case Kind::mailbox:
+      refuse(WrongSource::isAMailbox);
+    case Kind::database:
+      refuse(WrongSource::isADatabase);
+    case Kind::notText:
+      refuse(WrongSource::isNotText);
+    case Kind::otherText:
+      break;
+  }
+}
+
 } // namespace
 
 std::error_code make_error_code(WrongSource fault) noexcept {
@@ -121,22 +142,10 @@ void requireMbox(const std::filesystem::path& file) {
   if (!head) {
     return;
   }
-  switch (kindOf(*head)) {
-    case Kind::calendar:
-      refuse(WrongSource::isACalendar);
-    case Kind::cards:
-      refuse(WrongSource::isContactCards);
-    case Kind::database:
-      refuse(WrongSource::isADatabase);
-    case Kind::notText:
-      refuse(WrongSource::isNotText);
-    case Kind::otherText:
-      if (holdsTextButNoMail(file)) {
-        refuse(WrongSource::holdsNoMail);
-      }
-      break;
-    case Kind::mailbox:
-      break;
+  const auto found = kindOf(*head);
+  requireKindOrText(found, Kind::mailbox);
+  if (found == Kind::otherText && holdsTextButNoMail(file)) {
+    refuse(WrongSource::holdsNoMail);
   }
 }
 
@@ -145,42 +154,14 @@ void requireCalendar(const std::filesystem::path& file) {
   if (std::filesystem::is_directory(file, unreachable)) {
     refuse(WrongSource::isAFolder);
   }
-  const auto head = headOf(file);
-  if (!head) {
-    return;
-  }
-  switch (kindOf(*head)) {
-    case Kind::mailbox:
-      refuse(WrongSource::isAMailbox);
-    case Kind::cards:
-      refuse(WrongSource::isContactCards);
-    case Kind::database:
-      refuse(WrongSource::isADatabase);
-    case Kind::notText:
-      refuse(WrongSource::isNotText);
-    case Kind::calendar:
-    case Kind::otherText:
-      break;
+  if (const auto head = headOf(file)) {
+    requireKindOrText(kindOf(*head), Kind::calendar);
   }
 }
 
 void requireCards(const std::filesystem::path& file) {
-  const auto head = headOf(file);
-  if (!head) {
-    return;
-  }
-  switch (kindOf(*head)) {
-    case Kind::calendar:
-      refuse(WrongSource::isACalendar);
-    case Kind::mailbox:
-      refuse(WrongSource::isAMailbox);
-    case Kind::database:
-      refuse(WrongSource::isADatabase);
-    case Kind::notText:
-      refuse(WrongSource::isNotText);
-    case Kind::cards:
-    case Kind::otherText:
-      break;
+  if (const auto head = headOf(file)) {
+    requireKindOrText(kindOf(*head), Kind::cards);
   }
 }
 

@@ -1,4 +1,4 @@
-#include "application/sources/calendar_files.h"
+#include "application/sources/collection_files.h"
 
 #include <algorithm>
 #include <system_error>
@@ -35,10 +35,10 @@ bool hasEnding(const std::filesystem::path& file, std::string_view ending) {
                             [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
 }
 
-CalendarFiles CalendarFiles::at(const std::filesystem::path& path, Instant systemNow, std::string_view ending) {
+CollectionFiles CollectionFiles::at(const std::filesystem::path& path, Instant systemNow, std::string_view ending) {
   std::error_code unreachable;
   const bool isFolder = std::filesystem::is_directory(path, unreachable);
-  CalendarFiles files{isFolder ? filesIn(path, ending) : std::vector{path}, {}};
+  CollectionFiles files{isFolder ? filesIn(path, ending) : std::vector{path}, {}};
   const std::int64_t now = systemNow.time_since_epoch() / std::chrono::nanoseconds{1};
   std::string text;
   for (const auto& file : files.paths) {

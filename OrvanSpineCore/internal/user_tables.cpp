@@ -1,4 +1,4 @@
-#include "OrvanSpineCore/internal/users_say_schema.h"
+#include "OrvanSpineCore/internal/user_tables.h"
 
 namespace orvan::internal {
 namespace {
