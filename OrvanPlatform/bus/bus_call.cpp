@@ -46,6 +46,8 @@ struct BusCall::Question {
 BusCall::BusCall(BusMessage message, std::function<void()> sent)
     : question_(std::make_unique<Question>(std::move(message), std::move(sent))) {}
 
+BusCall::BusCall(BusCall&& other) noexcept = default;
+
 BusCall& BusCall::operator=(BusCall&& other) noexcept {
   std::swap(question_, other.question_);
   return *this;

@@ -16,7 +16,7 @@ class BusCall {
  public:
   /// `sent` is called when an answer has been handed to the bus's queue.
   BusCall(BusMessage message, std::function<void()> sent);
-  BusCall(BusCall&&) noexcept = default;
+  BusCall(BusCall&& other) noexcept;
   BusCall& operator=(BusCall&& other) noexcept;
   ~BusCall();
 
