@@ -67,7 +67,7 @@ class PopupListener {
                                   const std::string& activationToken) = 0;
   /// The popup is not there any more: the user closed it, it expired, or it was withdrawn.
   virtual void popupClosed(const ShownPopup& popup) = 0;
-  /// A service came, went, or was replaced by another one.
+  /// A service came and it is known what it can do, or it went, or another one took its place.
   virtual void popupServiceChanged() = 0;
 };
 
@@ -79,11 +79,11 @@ class PopupPresenter {
   /// Null ends the listening. The listener must be there until then.
   virtual void setListener(PopupListener* listener) = 0;
 
-  /// Whether there is a service now. One that the bus would start first counts as there.
+  /// Whether there is a service, and it is known what it can do.
   virtual bool isThere() const = 0;
-  /// The unique name of the service's connection; empty when none is running.
+  /// The unique name of the service's connection; empty when there is none.
   virtual std::string service() const = 0;
-  /// Whether the service of now replaces popups by their tag.
+  /// Whether it replaces popups by their tag.
   virtual bool replacesByTag() const = 0;
 
   /// Shows `popup` and calls `completion` once, on the executor, never within this call, and before the listener is

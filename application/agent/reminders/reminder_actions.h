@@ -7,8 +7,8 @@
 
 namespace orvan {
 
-/// What the user's word on one of the agent's own reminders does beyond the reminders themselves. Used from the
-/// reminders' executor alone; neither call blocks it.
+/// What the user's word on the reminders of the agent's own application does beyond the reminders themselves. Used from
+/// the reminders' executor alone; neither call blocks it.
 class ReminderActions {
  public:
   enum class DoneOutcome {
@@ -25,6 +25,8 @@ class ReminderActions {
 
   /// Shows the user what the reminder is about. `activationToken` is empty when the desktop gave none.
   virtual void open(const NotificationRequest& reminder, const std::string& activationToken) = 0;
+  /// The same for the popup that stands for many at once: shows the list.
+  virtual void openAll(const std::string& activationToken) = 0;
 };
 
 } // namespace orvan
