@@ -193,8 +193,12 @@ EncryptedStore::EncryptedStore(const std::filesystem::path& file, CredentialVaul
     : file_(fileBehind(file)), vault_(std::move(vault)) {}
 
 void EncryptedStore::create() const {
+  create(createCanonicalSchema);
+}
+
+void EncryptedStore::create(const std::function<void(Connection&)>& makeTables) const {
   try {
-    makeStore(file_, vault_, [](DatabaseQueue& store) { store.write(createCanonicalSchema); }, approveUnseen);
+    makeStore(file_, vault_, [&makeTables](DatabaseQueue& store) { store.write(makeTables); }, approveUnseen);
   } catch (const Error& error) {
     if (error.code() == std::errc::file_exists) {
       throw Error(EncryptedStoreError::storeExists, "creating the store");

@@ -76,6 +76,9 @@ class EncryptedStore {
   /// or not at all, whatever interrupts it; what is left of an interruption goes with the next call. Of two calls at
   /// once one waits for the other and fails with storeExists, as with anything that has the name already.
   void create() const;
+  /// The same with what `makeTables` makes in one transaction instead: for a file that is encrypted and kept as a store
+  /// is, and is none. It opens as `programWriter`.
+  void create(const std::function<void(Connection&)>& makeTables) const;
 
   /// Writes what the store holds at this moment into a new file, encrypted with the same key, as create() does; others
   /// may use the store meanwhile.
