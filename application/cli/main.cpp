@@ -1,5 +1,5 @@
 #include "application/cli/command_line.h"
-#include "application/cli/process_privacy.h"
+#include "application/process/process_privacy.h"
 
 int main(int argc, char** argv) {
   orvan::keepMemoryOutOfCrashDumps();

@@ -1,4 +1,4 @@
-#include "application/cli/process_privacy.h"
+#include "application/process/process_privacy.h"
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
