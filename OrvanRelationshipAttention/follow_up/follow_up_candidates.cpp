@@ -2,10 +2,12 @@
 
 #include <vector>
 
+#include "OrvanPlatform/human_date.h"
 #include "OrvanRelationshipAttention/catch_up/internal/attention_catch_up_item_maker.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
 #include "OrvanRelationshipAttention/follow_up/internal/follow_up_rows.h"
 #include "OrvanRelationshipAttention/why_now/internal/attention_why_now_item_maker.h"
+#include "OrvanSpineCore/action_effect_store.h"
 
 namespace orvan {
 namespace internal {
@@ -59,15 +61,16 @@ std::vector<ScheduledRow> scheduledRows(Connection& connection, const std::strin
 
 } // namespace
 
-AttentionWhyNowItem followUpWhyNow(const std::string& openLoopID, const std::string& detectedAt) {
+AttentionWhyNowItem followUpWhyNow(const std::string& openLoopID, const std::string& detectedAt,
+                                   const std::string& noticed) {
   return AttentionWhyNowItemMaker::make(AttentionWhyNowItem::Kind::commitment, detectedAt,
-                                        "A follow-up with them is coming due.", {"Noticed " + detectedAt + "."},
+                                        "A follow-up with them is coming due.", {"Noticed " + noticed + "."},
                                         {AttentionWhyNowEvidenceReference::openLoop(openLoopID)});
 }
 
 void projectCandidate(Connection& connection, const CandidateSource& source) {
-  const auto key =
-      AttentionCatchUpItemMaker::itemKey(source.personID, followUpWhyNow(source.openLoopID, source.detectedAt));
+  const auto key = AttentionCatchUpItemMaker::itemKey(
+      source.personID, followUpWhyNow(source.openLoopID, source.detectedAt, source.detectedAt));
   if (key.has_value()) {
     insertCandidate(connection, *key, source);
     insertEvidence(connection, *key, source.openLoopID);
@@ -80,7 +83,17 @@ std::optional<AttentionCatchUpItem> FollowUpScheduler::attentionItem(const std::
                                                                      const std::string& openLoopID,
                                                                      const std::string& detectedAt) {
   return internal::AttentionCatchUpItemMaker::make(personID, personID,
-                                                   internal::followUpWhyNow(openLoopID, detectedAt));
+                                                   internal::followUpWhyNow(openLoopID, detectedAt, detectedAt));
+}
+
+std::optional<AttentionCatchUpItem> FollowUpScheduler::attentionItem(const std::string& personID,
+                                                                     const std::string& displayName,
+                                                                     const std::string& openLoopID,
+                                                                     const std::string& detectedAt) {
+  const auto noticedAt = ActionEffectStore::parse(detectedAt);
+  return internal::AttentionCatchUpItemMaker::make(
+      personID, displayName,
+      internal::followUpWhyNow(openLoopID, detectedAt, noticedAt ? humanDateText(*noticedAt) : detectedAt));
 }
 
 void FollowUpScheduler::retractCandidate(Connection& connection, const std::string& openLoopID) {

@@ -1,4 +1,4 @@
-// The operations of FollowUpScheduler that read and change follow-ups in the caller's transaction.
+#include "OrvanRelationshipAttention/follow_up/follow_up_records.h"
 
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
 #include "OrvanRelationshipAttention/follow_up/internal/follow_up_candidates.h"
@@ -102,15 +102,18 @@ void restoreTo(Connection& connection, const std::string& followUpID, const Pers
 
 } // namespace
 
+std::optional<PersistedFollowUp> FollowUpRecords::load(Connection& connection, const std::string& followUpID) {
+  return loadFollowUp(connection, followUpID);
+}
+
 std::vector<PersistedFollowUp> FollowUpScheduler::rows(Connection& connection,
                                                        const std::string& sourceObjectID) const {
   return internal::scheduledFollowUps(connection, sourceObjectID);
 }
 
-std::optional<PersistedFollowUp> FollowUpScheduler::upsert(Connection& connection, const std::string& followUpID,
-                                                           const std::string& sourceObjectID,
-                                                           const std::string& personID, Instant dueAt,
-                                                           const Uuid& operationID, Instant now) const {
+std::optional<PersistedFollowUp> FollowUpRecords::upsert(Connection& connection, const std::string& followUpID,
+                                                         const std::string& sourceObjectID, const std::string& personID,
+                                                         Instant dueAt, const Uuid& operationID, Instant now) {
   auto prior = loadFollowUp(connection, followUpID);
   if (prior.has_value()) {
     requireScope(*prior, sourceObjectID, personID);
@@ -142,8 +145,8 @@ std::optional<PersistedFollowUp> FollowUpScheduler::upsert(Connection& connectio
   return existing;
 }
 
-std::optional<PersistedFollowUp> FollowUpScheduler::complete(Connection& connection, const std::string& followUpID,
-                                                             Instant now) const {
+std::optional<PersistedFollowUp> FollowUpRecords::complete(Connection& connection, const std::string& followUpID,
+                                                           Instant now) {
   auto prior = ifScheduled(loadFollowUp(connection, followUpID));
   if (prior.has_value()) {
     connection.execute("UPDATE follow_up SET state = 'completed', completed_at = ? WHERE id = ?",
@@ -159,8 +162,7 @@ std::optional<PersistedFollowUp> FollowUpScheduler::complete(Connection& connect
   return row.has_value() ? complete(connection, row->id(), now) : std::nullopt;
 }
 
-std::optional<PersistedFollowUp> FollowUpScheduler::cancel(Connection& connection,
-                                                           const std::string& followUpID) const {
+std::optional<PersistedFollowUp> FollowUpRecords::cancel(Connection& connection, const std::string& followUpID) {
   auto prior = ifScheduled(loadFollowUp(connection, followUpID));
   if (prior.has_value()) {
     retire(connection, followUpID);
@@ -168,15 +170,36 @@ std::optional<PersistedFollowUp> FollowUpScheduler::cancel(Connection& connectio
   return prior;
 }
 
-bool FollowUpScheduler::reopen(Connection& connection, const std::string& followUpID) const {
+bool FollowUpRecords::reopen(Connection& connection, const std::string& followUpID) {
   const auto row = loadFollowUp(connection, followUpID);
   if (!row.has_value() || row->state() != completed) {
     return false;
   }
   connection.execute("UPDATE follow_up SET state = 'scheduled', completed_at = NULL WHERE id = ?", followUpID);
   connection.execute("UPDATE open_loop SET state = 'open' WHERE id = ?", storedOpenLoopID(connection, followUpID));
-  reprojectCandidatesCore(connection, row->personID());
+  FollowUpScheduler::reprojectCandidatesCore(connection, row->personID());
   return true;
+}
+
+std::optional<PersistedFollowUp> FollowUpScheduler::upsert(Connection& connection, const std::string& followUpID,
+                                                           const std::string& sourceObjectID,
+                                                           const std::string& personID, Instant dueAt,
+                                                           const Uuid& operationID, Instant now) const {
+  return FollowUpRecords::upsert(connection, followUpID, sourceObjectID, personID, dueAt, operationID, now);
+}
+
+std::optional<PersistedFollowUp> FollowUpScheduler::complete(Connection& connection, const std::string& followUpID,
+                                                             Instant now) const {
+  return FollowUpRecords::complete(connection, followUpID, now);
+}
+
+std::optional<PersistedFollowUp> FollowUpScheduler::cancel(Connection& connection,
+                                                           const std::string& followUpID) const {
+  return FollowUpRecords::cancel(connection, followUpID);
+}
+
+bool FollowUpScheduler::reopen(Connection& connection, const std::string& followUpID) const {
+  return FollowUpRecords::reopen(connection, followUpID);
 }
 
 void FollowUpScheduler::restore(Connection& connection, const std::string& followUpID,

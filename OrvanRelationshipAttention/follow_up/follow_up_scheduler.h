@@ -66,6 +66,11 @@ class FollowUpScheduler final : public FollowUpEffecting {
   /// or an identifier is unusable.
   static std::optional<AttentionCatchUpItem> attentionItem(const std::string& personID, const std::string& openLoopID,
                                                            const std::string& detectedAt);
+  /// The same item, under the same key, as a list shows it: with the person's name, and its date in the form of the
+  /// user's locale, as other reasons have theirs.
+  static std::optional<AttentionCatchUpItem> attentionItem(const std::string& personID, const std::string& displayName,
+                                                           const std::string& openLoopID,
+                                                           const std::string& detectedAt);
   static std::optional<FollowUpRefusal> followUpRefusal(std::string_view title, Instant dueAt, Instant now);
 
   /// Deletes the candidates that rest on an open loop, except those the user has decided about.

@@ -8,8 +8,9 @@
 /// How follow-ups surface as attention candidates.
 namespace orvan::internal {
 
-/// The reason that an open follow-up gives.
-AttentionWhyNowItem followUpWhyNow(const std::string& openLoopID, const std::string& detectedAt);
+/// The reason that an open follow-up gives; `noticed` is how its line of evidence writes the detected-at text.
+AttentionWhyNowItem followUpWhyNow(const std::string& openLoopID, const std::string& detectedAt,
+                                   const std::string& noticed);
 
 /// Which follow-up a candidate is of, and the times that it is written with.
 struct CandidateSource {
