@@ -14,9 +14,19 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::array kinds{UserActionKind::snooze, UserActionKind::dismiss, UserActionKind::resolve,
-                           UserActionKind::merge,  UserActionKind::split,   UserActionKind::rename,
-                           UserActionKind::hide,   UserActionKind::unhide,  UserActionKind::wrong};
+constexpr std::array kinds{UserActionKind::snooze,
+                           UserActionKind::dismiss,
+                           UserActionKind::resolve,
+                           UserActionKind::merge,
+                           UserActionKind::split,
+                           UserActionKind::rename,
+                           UserActionKind::hide,
+                           UserActionKind::unhide,
+                           UserActionKind::wrong,
+                           UserActionKind::followUpAdd,
+                           UserActionKind::followUpComplete,
+                           UserActionKind::followUpCancel,
+                           UserActionKind::followUpReopen};
 
 constexpr const char* selectAction = R"sql(
 SELECT a.number, a.kind, a.person_id, p.display_name, a.happened_at, a.undone_at, a.detail
@@ -171,6 +181,14 @@ std::string_view caseName(UserActionKind kind) noexcept {
       return "unhide";
     case UserActionKind::wrong:
       return "wrong";
+    case UserActionKind::followUpAdd:
+      return "followUpAdd";
+    case UserActionKind::followUpComplete:
+      return "followUpComplete";
+    case UserActionKind::followUpCancel:
+      return "followUpCancel";
+    case UserActionKind::followUpReopen:
+      return "followUpReopen";
   }
   return "unknown";
 }

@@ -17,7 +17,21 @@ namespace orvan {
 /// What the user did, in order, each action with what it changed, so that it can be taken back. Everything here runs
 /// within the caller's transaction and throws StoreError.
 
-enum class UserActionKind { snooze, dismiss, resolve, merge, split, rename, hide, unhide, wrong };
+enum class UserActionKind {
+  snooze,
+  dismiss,
+  resolve,
+  merge,
+  split,
+  rename,
+  hide,
+  unhide,
+  wrong,
+  followUpAdd,
+  followUpComplete,
+  followUpCancel,
+  followUpReopen,
+};
 
 /// The name of the case.
 std::string_view caseName(UserActionKind kind) noexcept;

@@ -38,6 +38,8 @@ constexpr std::string_view disposition[]{"candidate_key", "person_id",  "state",
                                          "snoozed_until", "created_at", "updated_at"};
 constexpr std::string_view followUp[]{"id",         "source_object_id", "person_id",           "due_at",      "state",
                                       "created_at", "completed_at",     "origin_operation_id", "open_loop_id"};
+constexpr std::string_view sourceObject[]{"id", "kind", "created_at", "tombstoned_at"};
+constexpr std::string_view captureArtifact[]{"id", "source_object_id", "user_context"};
 constexpr std::string_view waitingThread[]{"thread_id", "source_identity_id", "since"};
 
 constexpr auto shapes = std::to_array<TableShape>({
@@ -54,6 +56,8 @@ constexpr auto shapes = std::to_array<TableShape>({
     {ChangedTable::candidateEvidence, "relationship_attention_candidate_evidence", 3, candidateEvidence},
     {ChangedTable::disposition, "relationship_attention_disposition", 1, disposition},
     {ChangedTable::followUp, "follow_up", 1, followUp},
+    {ChangedTable::sourceObject, "source_object", 1, sourceObject},
+    {ChangedTable::captureArtifact, "capture_artifact", 1, captureArtifact},
     {ChangedTable::waitingThread, "waiting_thread", 1, waitingThread},
 });
 

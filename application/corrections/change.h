@@ -23,6 +23,8 @@ enum class ChangedTable {
   candidateEvidence,
   disposition,
   followUp,
+  sourceObject,
+  captureArtifact,
   waitingThread,
 };
 

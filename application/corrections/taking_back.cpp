@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "OrvanRelationshipAttention/follow_up/follow_up_records.h"
+#include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
 #include "application/corrections/waiting_again.h"
 #include "application/import/ledger/identity_moves.h"
 
@@ -26,6 +28,22 @@ WHERE id = ?1 AND kind = 'unanswered_question' AND state IN ('open', 'surfaced')
     WHERE proof.id = open_loop.evidence_ref)
 )sql",
                          change.key.front());
+    }
+  }
+}
+
+/// A follow-up that is scheduled again has its candidate again, with its due time; one that was never made leaves none,
+/// unless the user decided about it.
+void projectFollowUpsAgain(std::span<const Change> changes, Connection& connection) {
+  for (const auto& change : changes) {
+    if (change.table != ChangedTable::followUp) {
+      continue;
+    }
+    const auto followUp = FollowUpRecords::load(connection, change.key.front());
+    if (!followUp) {
+      FollowUpScheduler::retractCandidate(connection, FollowUpScheduler::openLoopID(change.key.front()));
+    } else if (followUp->state() == "scheduled") {
+      FollowUpScheduler::reprojectCandidatesCore(connection, followUp->personID());
     }
   }
 }
@@ -71,6 +89,7 @@ JournalEntry undoAction(std::optional<std::int64_t> number, Instant now, Connect
   waitAgainAsRulesSay(taken.changes, connection);
   closeAnsweredQuestions(taken.changes, connection);
   giveBackWhatCameBetween(taken.changes, connection);
+  projectFollowUpsAgain(taken.changes, connection);
   return std::move(taken.entry);
 }
 
