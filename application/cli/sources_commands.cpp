@@ -22,6 +22,7 @@
 #include "application/sources/source_discovery.h"
 #include "application/sources/source_fault.h"
 #include "application/sources/source_recognizer.h"
+#include "application/sources/watched_folders.h"
 
 namespace orvan {
 namespace {
@@ -154,6 +155,39 @@ void runList(const CommandContext& context) {
     if (source.lastFault) {
       output.line("   " + printableText(*source.lastFault));
     }
+  }
+}
+
+Json toJson(const WatchedFolder& folder) {
+  return {{"path", folder.path.string()}, {"names", folder.names ? Json(*folder.names) : Json(nullptr)}};
+}
+
+void tell(const WatchedFolder& folder, const HumanOutput& output) {
+  output.line(printableText(folder.path.string()));
+  if (folder.names) {
+    for (const auto& name : *folder.names) {
+      output.line("   " + printableText(name));
+    }
+  }
+}
+
+void runFolders(const CommandContext& context) {
+  const auto sources = context.session.readableStore().read(rememberedSources);
+  const auto folders = watchedFoldersOf(sources);
+  if (context.output == OutputForm::json) {
+    Json rows = Json::array();
+    for (const auto& folder : folders) {
+      rows.push_back(toJson(folder));
+    }
+    printJson({{"remembered", sources.size()}, {"folders", rows}});
+    return;
+  }
+  const HumanOutput output;
+  if (folders.empty()) {
+    output.line("There is no folder to look at; 'orvan sources list' shows what is remembered.");
+  }
+  for (const auto& folder : folders) {
+    tell(folder, output);
   }
 }
 
@@ -448,6 +482,10 @@ void addSourcesCommands(CommandSet& commands) {
 
   commands.addTo(sources, {"list", nullptr, "Show what is remembered and how fresh it is", "orvan sources list"},
                  runList);
+
+  commands.addTo(sources,
+                 {"folders", nullptr, "Show in which folders something new shows", "orvan sources folders --json"},
+                 runFolders);
 
   const auto removed = std::make_shared<std::string>();
   commands

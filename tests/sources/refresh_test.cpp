@@ -13,6 +13,7 @@
 #include "application/import/ledger/own_addresses.h"
 #include "application/session/source_freshness.h"
 #include "application/sources/source_recognizer.h"
+#include "application/sources/watched_folders.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -200,6 +201,29 @@ TEST_F(Refreshing, DoesTheRestWhenOneIsGoneAndTellsHowFreshEachIs) {
   EXPECT_THAT(outcomes(), ElementsAre(Outcome::failed, Outcome::failed, Outcome::failed));
   EXPECT_EQ(number("SELECT count(*) FROM interaction WHERE kind = 'meeting'"), 1)
       << "an empty folder withdraws nothing";
+}
+
+TEST_F(Refreshing, SaysInWhichFoldersSomethingNewShowsAndWhichFilesCountThere) {
+  for (const char* name : {"profile/prefs.js", "profile/cookies.sqlite", "profile/Mail/Inbox", "profile/Mail/Inbox.msf",
+                           "profile/Mail/Trash", "dir/cur/1", "tasks.ics"}) {
+    write(name, mail("a"));
+  }
+  fs::create_directory(path("gone"));
+  store_->write([this](Connection& connection) {
+    for (const char* name : {"profile", "dir", "gone"}) {
+      rememberSource(SourceKind::mail, path(name), std::chrono::hours{12}, asOf_, connection);
+    }
+    rememberSource(SourceKind::calendar, path("tasks.ics"), std::chrono::hours{12}, asOf_, connection);
+  });
+  fs::remove(path("gone"));
+  std::vector<std::string> shown;
+  for (const auto& folder : watchedFoldersOf(store_->read(rememberedSources))) {
+    shown.push_back(fs::relative(folder.path, folder_.path()).string() + ":");
+    for (const auto& name : folder.names.value_or(std::set<std::string>{"*"})) {
+      shown.back() += " " + name;
+    }
+  }
+  EXPECT_THAT(shown, ElementsAre(".: tasks.ics", "dir/cur: *", "profile/Mail: Inbox"));
 }
 
 } // namespace
