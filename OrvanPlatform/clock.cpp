@@ -1,7 +1,11 @@
 #include "OrvanPlatform/clock.h"
 
+#include <sys/timerfd.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <boost/asio/basic_waitable_timer.hpp>
+#include <boost/asio/posix/stream_descriptor.hpp>
 #include <ctime>
 
 #include "OrvanPlatform/mutex.h"
@@ -42,6 +46,44 @@ class SystemTimer final : public Timer, public std::enable_shared_from_this<Syst
   boost::asio::basic_waitable_timer<MonotonicClock, ShortWaits> timer_ ORVAN_GUARDED_BY(mutex_);
 };
 
+/// A descriptor that can be read once the clock has reached `due`; negative when the system gives none.
+int descriptorReadyAt(MonotonicInstant due) noexcept {
+  const int descriptor = timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK);
+  const auto whole = std::chrono::floor<std::chrono::seconds>(due.time_since_epoch());
+  itimerspec once{};
+  once.it_value.tv_sec = whole.count();
+  once.it_value.tv_nsec = (due.time_since_epoch() - whole).count();
+  if (descriptor >= 0 && timerfd_settime(descriptor, TFD_TIMER_ABSTIME, &once, nullptr) != 0) {
+    close(descriptor);
+    return -1;
+  }
+  return descriptor;
+}
+
+/// Leaves the counting to the kernel, suspension included, so that nothing wakes before it is time. It costs a
+/// descriptor, and a process has few of them.
+class LongTimer final : public Timer, public std::enable_shared_from_this<LongTimer> {
+ public:
+  LongTimer(const Executor& executor, int descriptor) : timer_(executor, descriptor) {}
+
+  void start(std::move_only_function<void(SleepEnd)> wake) {
+    const MutexLock lock{mutex_};
+    timer_.async_wait(boost::asio::posix::stream_descriptor::wait_read,
+                      [self = shared_from_this(), wake = std::move(wake)](boost::system::error_code error) mutable {
+                        wake(error ? SleepEnd::cancelled : SleepEnd::elapsed);
+                      });
+  }
+
+  void cancel() override {
+    const MutexLock lock{mutex_};
+    timer_.cancel();
+  }
+
+ private:
+  Mutex mutex_;
+  boost::asio::posix::stream_descriptor timer_ ORVAN_GUARDED_BY(mutex_);
+};
+
 } // namespace
 
 MonotonicClock::time_point MonotonicClock::now() noexcept {
@@ -65,6 +107,13 @@ MonotonicInstant SystemClock::monotonicNow() const {
 
 std::shared_ptr<Timer> SystemClock::startTimer(MonotonicInstant due, Executor executor,
                                                std::move_only_function<void(SleepEnd)> wake) const {
+  constexpr std::chrono::minutes longSleep{1};
+  const bool isLong = due > monotonicInstantAfter(monotonicNow(), longSleep);
+  if (const int descriptor = isLong ? descriptorReadyAt(due) : -1; descriptor >= 0) {
+    auto timer = std::make_shared<LongTimer>(executor, descriptor);
+    timer->start(std::move(wake));
+    return timer;
+  }
   auto timer = std::make_shared<SystemTimer>(std::move(executor), due);
   timer->start(std::move(wake));
   return timer;

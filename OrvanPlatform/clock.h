@@ -54,7 +54,7 @@ class Clock {
 };
 
 /// The machine's own clocks. A timer does not wake a machine that is suspended: one that came due meanwhile elapses
-/// within a second of the machine's return.
+/// within a second of the machine's return. One that sleeps for minutes costs nothing until its time has come.
 class SystemClock final : public Clock {
  public:
   Instant now() const override;
