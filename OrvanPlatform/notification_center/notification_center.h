@@ -27,11 +27,17 @@ class NotificationCenterDelegate {
 /// What shows an application's notifications: a service of the desktop, or one in memory for tests.
 ///
 /// The operations in the first group are what a centre implements. Each takes a completion handler that the centre
-/// calls once, from any thread, and each may throw instead of taking the question. When its service or the connection
-/// to it goes, a centre drops the handlers it has kept, so that nobody waits for an answer that cannot come. The second
-/// group is what callers use: the same operations as awaitables, which resume on the awaiting coroutine's executor and
-/// hold their caller harmless when a centre answers twice (the first answer counts), throws, or drops a handler
-/// (NotificationCenterError::unanswered). A centre that never answers is waited for.
+/// calls once, from any thread, and each may throw instead of taking the question. The second group is what callers
+/// use: the same operations as awaitables, which resume on the awaiting coroutine's executor and hold their caller
+/// harmless when a centre answers twice (the first answer counts), throws, or drops a handler
+/// (NotificationCenterError::unanswered). They know no time limit of their own.
+///
+/// A centre whose service is another process therefore owes its callers that
+/// - each question is answered, or its handler dropped, within a bound of the centre's own, also when the service is
+///   silent, slow or gone; only the question to the user may take as long as the user does, while the service is there;
+/// - a service that cannot be reached is not a user who has decided against notifications: the status is the last that
+///   was learned, or notDetermined;
+/// - removals, for which nobody waits, have been handed over before the program ends.
 ///
 /// All operations may be called from any thread. What is pending or delivered belongs to the centre and may survive the
 /// process.

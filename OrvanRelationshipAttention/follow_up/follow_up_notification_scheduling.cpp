@@ -14,4 +14,9 @@ Task<void> FollowUpNotificationScheduling::removeDelivered(std::string /*key*/) 
   co_return;
 }
 
+Task<std::optional<NotificationKeys>> FollowUpNotificationScheduling::readPendingRequestKeys() {
+  NotificationKeys keys = co_await pendingRequestKeys();
+  co_return keys;
+}
+
 } // namespace orvan

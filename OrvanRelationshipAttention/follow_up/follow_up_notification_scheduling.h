@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_set>
 
@@ -38,6 +39,10 @@ class FollowUpNotificationScheduling {
   virtual Task<NotificationKeys> deliveredRequestKeys();
   /// Takes a shown reminder away. Does nothing unless overridden.
   virtual Task<void> removeDelivered(std::string key);
+
+  /// pendingRequestKeys(), or nothing when what is pending cannot be told: from that nobody may conclude that nothing
+  /// is. Always tells unless overridden.
+  virtual Task<std::optional<NotificationKeys>> readPendingRequestKeys();
 };
 
 } // namespace orvan

@@ -194,14 +194,21 @@ Task<void> settleUndoneUnlinks(Parts parts, const MayContinue& mayContinue) {
   if (!mayContinue()) {
     co_return;
   }
-  const NotificationKeys pendingNow = co_await parts->notifications->pendingRequestKeys();
+  const auto pendingNow = co_await parts->notifications->readPendingRequestKeys();
+  if (!pendingNow.has_value()) {
+    co_return;
+  }
   wrote(parts, [&](Connection& connection) {
-    ActionEffectStore::settleUndoneUnlinkObligations(connection, pendingNow, parts->clock->now());
+    ActionEffectStore::settleUndoneUnlinkObligations(connection, *pendingNow, parts->clock->now());
   });
 }
 
 Task<void> runSteps(Parts parts, const MayContinue& mayContinue, Counts& counts) {
-  const NotificationKeys pending = co_await parts->notifications->pendingRequestKeys();
+  const auto pending = co_await parts->notifications->readPendingRequestKeys();
+  if (!pending.has_value()) {
+    // Taken for none, all of them would be registered anew, and what was to be withdrawn would count as withdrawn.
+    co_return;
+  }
   const NotificationKeys delivered = co_await parts->notifications->deliveredRequestKeys();
   if (!mayContinue()) {
     co_return;
@@ -211,12 +218,12 @@ Task<void> runSteps(Parts parts, const MayContinue& mayContinue, Counts& counts)
     co_return;
   }
   const auto liveIDs = idsOf(*rows);
-  bool goesOn = co_await withdrawStale(parts, mayContinue, pending, liveIDs, counts);
+  bool goesOn = co_await withdrawStale(parts, mayContinue, *pending, liveIDs, counts);
   if (goesOn) {
     goesOn = co_await removeOrphaned(parts, mayContinue, delivered, liveIDs, counts);
   }
   if (goesOn) {
-    goesOn = co_await registerMissing(parts, mayContinue, pending, *rows, counts);
+    goesOn = co_await registerMissing(parts, mayContinue, *pending, *rows, counts);
   }
   if (goesOn) {
     co_await settleUndoneUnlinks(parts, mayContinue);
@@ -293,14 +300,14 @@ Task<void> reconcileWhenGranted(Parts parts) {
 }
 
 Task<bool> liveReminderObligationRemains(Parts parts) {
-  const NotificationKeys pending = co_await parts->notifications->pendingRequestKeys();
+  const auto pending = co_await parts->notifications->readPendingRequestKeys();
   const auto rows = readLiveFollowUps(parts);
-  if (!rows.has_value()) {
+  if (!pending.has_value() || !rows.has_value()) {
     co_return true;
   }
   const Instant now = parts->clock->now();
   co_return std::ranges::any_of(
-      *rows, [&](const PersistedFollowUp& row) { return liesAhead(row, now) && !hasReminder(pending, row.id()); });
+      *rows, [&](const PersistedFollowUp& row) { return liesAhead(row, now) && !hasReminder(*pending, row.id()); });
 }
 
 Task<void> cancelPairReminder(Parts parts, std::string sourceObjectID, std::string personID) {

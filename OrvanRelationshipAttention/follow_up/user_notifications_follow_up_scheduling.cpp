@@ -137,16 +137,22 @@ Task<void> UserNotificationsFollowUpScheduling::registerRequest(std::string key,
   logger_.write("follow-up register", {{"key_hash", hash}, {"due_minute", minute}, {"outcome", "added"}});
 }
 
-Task<NotificationKeys> UserNotificationsFollowUpScheduling::pendingRequestKeys() {
-  NotificationKeys keys;
+Task<std::optional<NotificationKeys>> UserNotificationsFollowUpScheduling::readPendingRequestKeys() {
   try {
+    NotificationKeys keys;
     const auto requests = co_await NotificationCenter::current()->pendingNotificationRequests();
     for (const auto& request : requests) {
       insertOwned(keys, request);
     }
-  } catch (...) { // NOLINT(bugprone-empty-catch): a centre that cannot say what it holds is taken to hold nothing.
+    co_return keys;
+  } catch (...) {
+    co_return std::nullopt;
   }
-  co_return keys;
+}
+
+Task<NotificationKeys> UserNotificationsFollowUpScheduling::pendingRequestKeys() {
+  auto keys = co_await readPendingRequestKeys();
+  co_return std::move(keys).value_or(NotificationKeys{});
 }
 
 Task<NotificationKeys> UserNotificationsFollowUpScheduling::deliveredRequestKeys() {

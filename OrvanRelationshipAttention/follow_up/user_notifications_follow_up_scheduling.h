@@ -12,8 +12,7 @@ namespace orvan {
 ///
 /// A reminder's request has the key as its identifier, the title, a mark by which it is known as ours, and a trigger at
 /// the due second in the user's calendar and time zone. Errors of the centre read as not granted, as settled, or as
-/// nothing held; registerRequest() alone throws them. What a pass settles because nothing is held is safe all the same:
-/// each pass withdraws what belongs to no live follow-up anew, whether settled or not.
+/// nothing held; registerRequest() alone throws them, and readPendingRequestKeys() alone tells them from nothing held.
 class UserNotificationsFollowUpScheduling final : public FollowUpNotificationScheduling {
  public:
   explicit UserNotificationsFollowUpScheduling(std::shared_ptr<LogSink> log = systemLogSink());
@@ -26,6 +25,7 @@ class UserNotificationsFollowUpScheduling final : public FollowUpNotificationSch
   Task<void> cancel(std::string key) override;
   Task<NotificationKeys> deliveredRequestKeys() override;
   Task<void> removeDelivered(std::string key) override;
+  Task<std::optional<NotificationKeys>> readPendingRequestKeys() override;
 
  private:
   LogChannel logger_;

@@ -79,7 +79,7 @@ TEST_F(AuthorizationWatcher, ASleepThatIsCutShortWithoutStoppingEndsItAsItsWindo
   EXPECT_EQ(lastLine(), ended("window"));
 }
 
-TEST_F(AuthorizationWatcher, GoesOnWhileRemindersAreOwedOrTheStoreCannotSay) {
+TEST_F(AuthorizationWatcher, GoesOnWhileRemindersAreOwedOrTheStoreOrTheCenterCannotSay) {
   startByFailedRegistration();
   center->script(Operation::add, CenterBehaviour::fail());
   advance(5s);
@@ -90,6 +90,11 @@ TEST_F(AuthorizationWatcher, GoesOnWhileRemindersAreOwedOrTheStoreCannotSay) {
   advance(5s);
   EXPECT_EQ(lastLine(), passLine(0, 0, 0, 0, 0));
   execute("ALTER TABLE hidden RENAME TO follow_up");
+  center->script(Operation::pendingRequests, CenterBehaviour::throwError());
+  log->clear();
+  advance(5s);
+  EXPECT_EQ(lastLine(), passLine(0, 0, 0, 0, 0));
+  center->script(Operation::pendingRequests, CenterBehaviour::answer());
   advance(5s);
   EXPECT_EQ(lastLine(), ended("reconciled"));
 }

@@ -100,6 +100,21 @@ TEST_F(ReminderReconciliation, WhatHasPassedOrCannotBeReadIsNotRegisteredAndWhat
   EXPECT_EQ(reconcile(), passLine(0, 1, 1, 2, 0));
 }
 
+TEST_F(ReminderReconciliation, ACenterThatCannotSayWhatIsPendingHasNothingRegisteredAnewAndNothingSettled) {
+  schedule("f-1", inOneHour());
+  holdPending("unknown");
+  owe("undone_unlink", "unknown");
+  center->script(Operation::pendingRequests, CenterBehaviour::throwError());
+  EXPECT_EQ(reconcile(), passLine(0, 0, 0, 0, 0));
+
+  center->script(Operation::pendingRequests, CenterBehaviour::answer());
+  center->scriptCall(Operation::pendingRequests, 2, CenterBehaviour::fail());
+  EXPECT_EQ(reconcile(), passLine(1, 1, 1, 0, 0));
+  EXPECT_EQ(settledAt("undone_unlink"), "(null)");
+  reconcile();
+  EXPECT_EQ(settledAt("undone_unlink"), "2026-03-04T09:15:00Z");
+}
+
 TEST_F(ReminderReconciliation, AnOriginThatIsNoOperationSettlesNothingAndStillCounts) {
   schedule("f-1", inOneHour());
   schedule("f-2", inOneHour());

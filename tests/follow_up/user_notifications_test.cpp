@@ -89,6 +89,7 @@ TEST_F(UserNotifications, OfACenterThatFailsOnlyRegisteringThrowsAndErrorsAreLog
   EXPECT_FALSE(resultOf(notifications->authorizationGranted()));
   EXPECT_FALSE(resultOf(notifications->authorizationIsUndetermined()));
   EXPECT_TRUE(resultOf(notifications->pendingRequestKeys()).empty());
+  EXPECT_EQ(resultOf(notifications->readPendingRequestKeys()), std::nullopt);
   EXPECT_TRUE(resultOf(notifications->deliveredRequestKeys()).empty());
 }
 

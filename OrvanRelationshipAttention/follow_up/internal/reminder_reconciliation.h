@@ -13,7 +13,7 @@ Task<void> reconcileGuarded(Parts parts);
 /// The same for the watcher, which has seen authorization granted: asks once more with the slot held.
 Task<void> reconcileWhenGranted(Parts parts);
 
-/// Whether a live follow-up that is yet to come due lacks its reminder. True when the store cannot say.
+/// Whether a live follow-up that is yet to come due lacks its reminder. True when the store or the centre cannot say.
 Task<bool> liveReminderObligationRemains(Parts parts);
 
 Task<void> cancelPairReminder(Parts parts, std::string sourceObjectID, std::string personID);
