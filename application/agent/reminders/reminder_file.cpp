@@ -121,6 +121,17 @@ std::optional<Presentation> presentationNumbered(Connection& connection, std::in
                       .reminders = remindersOf(connection, number)};
 }
 
+std::int64_t insertPresentation(Connection& connection, std::int64_t application, PresentationKind kind, Instant now) {
+  return connection
+      .fetchOptionalInteger(R"sql(
+INSERT INTO presentation (application, kind, state, at)
+VALUES (?, ?, 'presenting', ?)
+RETURNING number
+)sql",
+                            application, wordFor(kind), microsecondsOf(now))
+      .value_or(0);
+}
+
 void deletePresentation(Connection& connection, std::int64_t number) {
   connection.execute("DELETE FROM presentation WHERE number = ?", number);
 }
@@ -325,6 +336,16 @@ VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)
   return {.number = number, .replaced = replaced};
 }
 
+bool ReminderFile::isPending(std::int64_t application, const std::string& identifier) {
+  return opened_.queue().read([&](Connection& connection) {
+    return connection
+        .fetchOptionalInteger(
+            "SELECT 1 FROM reminder WHERE application = ? AND identifier = ? AND presentation IS NULL", application,
+            identifier)
+        .has_value();
+  });
+}
+
 std::optional<NotificationRequest> ReminderFile::pendingRequest(std::int64_t number) {
   return opened_.queue().read([&](Connection& connection) {
     auto requests = requestsIn(connection.query(R"sql(
@@ -414,20 +435,17 @@ BegunPresentation ReminderFile::beginPresenting(std::int64_t application, Presen
                                                 std::span<const std::int64_t> numbers, Instant now) {
   return opened_.queue().write([&](Connection& connection) {
     BegunPresentation begun;
-    begun.number = connection
-                       .fetchOptionalInteger(R"sql(
-INSERT INTO presentation (application, kind, state, at)
-VALUES (?, ?, 'presenting', ?)
-RETURNING number
-)sql",
-                                             application, wordFor(kind), microsecondsOf(now))
-                       .value_or(0);
-    const auto former = moveInto(connection, begun.number, numbers);
-    begun.left = leftOf(connection, former);
+    const auto number = insertPresentation(connection, application, kind, now);
+    begun.left = leftOf(connection, moveInto(connection, number, numbers));
     if (kind == PresentationKind::single && !begun.left.toWithdraw.empty()) {
       begun.takesPlaceOf = std::move(begun.left.toWithdraw.front());
       begun.left.toWithdraw.clear();
     }
+    begun.presentation = Presentation{.number = number,
+                                      .application = application,
+                                      .kind = kind,
+                                      .popup = std::nullopt,
+                                      .reminders = remindersOf(connection, number)};
     return begun;
   });
 }
@@ -453,14 +471,16 @@ std::optional<Presentation> ReminderFile::presentationOf(const ShownPopup& popup
   });
 }
 
-bool ReminderFile::deliver(std::int64_t presentation, const std::optional<ShownPopup>& popup) {
+std::size_t ReminderFile::deliver(std::int64_t presentation, const std::optional<ShownPopup>& popup) {
   return opened_.queue().write([&](Connection& connection) {
-    if (isEmpty(connection, presentation)) {
+    const auto left =
+        connection.fetchOptionalInteger("SELECT count(*) FROM reminder WHERE presentation = ?", presentation);
+    if (left.value_or(0) == 0) {
       deletePresentation(connection, presentation);
-      return false;
+      return std::size_t{0};
     }
     givePopup(connection, presentation, popup);
-    return true;
+    return static_cast<std::size_t>(*left);
   });
 }
 

@@ -58,7 +58,7 @@ struct LeftPopups {
 /// A presentation as it begins, and what its reminders leave behind: those that were shown before leave their former
 /// popup.
 struct BegunPresentation {
-  std::int64_t number = 0;
+  Presentation presentation;
   /// The popup that a single reminder had, whose place it takes.
   std::optional<ShownPopup> takesPlaceOf;
   LeftPopups left;
@@ -100,6 +100,7 @@ class ReminderFile {
     std::optional<std::int64_t> replaced;
   };
   Added add(std::int64_t application, const NotificationRequest& request);
+  bool isPending(std::int64_t application, const std::string& identifier);
   /// Nothing when it is pending no more.
   std::optional<NotificationRequest> pendingRequest(std::int64_t number);
   /// What is pending or on its way to be shown, in the order of the identifiers.
@@ -122,9 +123,9 @@ class ReminderFile {
   std::optional<Presentation> presentation(std::int64_t number);
   /// What the popup stands for, when it is one of these.
   std::optional<Presentation> presentationOf(const ShownPopup& popup);
-  /// Makes it delivered, and says which popup it has, or that none is known. False when none of its reminders is left:
-  /// then it is gone.
-  bool deliver(std::int64_t presentation, const std::optional<ShownPopup>& popup);
+  /// Makes it delivered, with the popup that it has, or none that is known. Returns how many of its reminders are left;
+  /// with none, it is gone.
+  std::size_t deliver(std::int64_t presentation, const std::optional<ShownPopup>& popup);
   /// Its reminders are pending again, unless one with the identifier was added meanwhile; it is gone.
   std::vector<PendingTime> giveBack(std::int64_t presentation);
   /// The same with another time.
