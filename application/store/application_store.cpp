@@ -56,16 +56,10 @@ std::shared_ptr<DatabaseQueue> openWithTables(const EncryptedStore& store, Store
   return opened;
 }
 
-/// Nothing when the store's tables are older than this program's.
-std::shared_ptr<DatabaseQueue> openUnlessOlder(const EncryptedStore& store, StoreRole role) {
-  try {
-    return openWithTables(store, role);
-  } catch (const Error& error) {
-    if (error.code() != EncryptedStoreError::schemaOlder) {
-      throw;
-    }
-    return nullptr;
-  }
+std::shared_ptr<DatabasePool> openPoolWithTables(const EncryptedStore& store) {
+  std::shared_ptr<DatabasePool> opened = store.openPool(StoreRole::applicationWriter);
+  opened->readOnWriter(requireTables);
+  return opened;
 }
 
 constexpr const char* copyInfix = ".before-version-";
@@ -105,6 +99,24 @@ void moveForward(const EncryptedStore& store) {
   });
 }
 
+/// What `open` gives, once the store's tables are not older than this program's.
+template <typename Open>
+auto openMovedForward(const EncryptedStore& store, Open open) {
+  try {
+    return open(store);
+  } catch (const Error& error) {
+    if (error.code() != EncryptedStoreError::schemaOlder) {
+      throw;
+    }
+  }
+  moveForward(store);
+  return open(store);
+}
+
+void checkpointAtOnce(Connection& connection) {
+  connection.executeScript("PRAGMA busy_timeout = 0; PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
 } // namespace
 
 void ApplicationStore::create(const std::filesystem::path& file, const CredentialVault& vault) {
@@ -126,13 +138,15 @@ void ApplicationStore::requireUsableFile(const std::filesystem::path& file) {
 std::shared_ptr<DatabaseQueue> ApplicationStore::open(const std::filesystem::path& file, const CredentialVault& vault,
                                                       Access access) {
   return inApplicationWords("opening the store", [&] {
-    const EncryptedStore store(file, vault);
-    if (auto opened = openUnlessOlder(store, roleFor(access))) {
-      return opened;
-    }
-    moveForward(store);
-    return openWithTables(store, roleFor(access));
+    return openMovedForward(EncryptedStore(file, vault),
+                            [access](const EncryptedStore& store) { return openWithTables(store, roleFor(access)); });
   });
+}
+
+std::shared_ptr<DatabasePool> ApplicationStore::openPool(const std::filesystem::path& file,
+                                                         const CredentialVault& vault) {
+  return inApplicationWords("opening the store",
+                            [&] { return openMovedForward(EncryptedStore(file, vault), openPoolWithTables); });
 }
 
 bool ApplicationStore::checkpoint(DatabaseQueue& store) {
@@ -144,8 +158,14 @@ bool ApplicationStore::checkpoint(DatabaseQueue& store) {
 
 void ApplicationStore::checkpointWithoutWaiting(DatabaseQueue& store) noexcept {
   try {
-    store.withoutTransaction([](Connection& connection) { connection.executeScript("PRAGMA busy_timeout = 0"); });
-    checkpoint(store);
+    store.withoutTransaction(checkpointAtOnce);
+  } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): all that was written is safe in the log.
+  }
+}
+
+void ApplicationStore::checkpointWithoutWaiting(DatabasePool& store) noexcept {
+  try {
+    store.withoutTransaction(checkpointAtOnce);
   } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): all that was written is safe in the log.
   }
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "OrvanSpineCore/credential_vault.h"
+#include "OrvanStore/database_pool.h"
 #include "OrvanStore/database_queue.h"
 #include "application/store/application_store_error.h"
 
@@ -39,6 +40,9 @@ class ApplicationStore {
   static std::shared_ptr<DatabaseQueue> open(const std::filesystem::path& file, const CredentialVault& vault,
                                              Access access);
 
+  /// The same with a writer and readers, for what reads while another thread writes: reminders.
+  static std::shared_ptr<DatabasePool> openPool(const std::filesystem::path& file, const CredentialVault& vault);
+
   /// Moves what the write-ahead log holds into the store file and empties the log; the library's connections never do
   /// that by themselves. Waits for readers and writers for as long as the connection's busy timeout says. Whether the
   /// log was emptied: when others kept the store busy, what they still need stays in it.
@@ -47,6 +51,7 @@ class ApplicationStore {
   /// The same as far as it goes without waiting, for the end of a program: a log that could not be emptied is emptied
   /// another time.
   static void checkpointWithoutWaiting(DatabaseQueue& store) noexcept;
+  static void checkpointWithoutWaiting(DatabasePool& store) noexcept;
 
   /// The canonical tables, columns and indices that the store lacks, in their creation's words.
   static std::vector<std::string> missingSchemaParts(Connection& connection);
