@@ -7,6 +7,7 @@
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
 #include "application/cli/showing.h"
+#include "application/session/item_lookup.h"
 
 namespace orvan {
 namespace {
@@ -74,10 +75,16 @@ void runBundles(const CommandContext& context) {
 
 void runWhy(const CommandContext& context, const std::string& person) {
   openToShow(context);
-  const auto bundle = context.session.bundle(context.session.personKeyOf(person), context.asOf);
-  const auto item = AttentionWhyNowSelector::select(bundle);
+  const auto personKey = context.session.personKeyOf(person);
+  const auto bundle = context.session.bundle(personKey, context.asOf);
+  const auto fromEvidence = AttentionWhyNowSelector::select(bundle);
+  const auto followUp = followUpThatStands(personKey, context.session, context.asOf);
+  const auto item = followUp ? std::optional{followUp->item->whyNow()} : fromEvidence;
   if (context.output == OutputForm::json) {
     printJson(item ? toJson(*item) : Json(nullptr));
+  } else if (followUp) {
+    HumanOutput{}.why(*followUp, fromEvidence);
+    noteShown(context, std::span{&*followUp->item, 1});
   } else if (item) {
     HumanOutput{}.whyNow(*item);
     noteShown(context, bundle);

@@ -12,6 +12,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanPlatform/printable_text.h"
 #include "application/cli/terminal_text.h"
+#include "application/session/reason_in_words.h"
 
 namespace orvan {
 namespace {
@@ -65,6 +66,23 @@ std::vector<std::string> linesFor(const About& about) {
   if (about.startsAt) {
     const auto what = titleAndPlace(about);
     lines.push_back(meetingTime(*about.startsAt, about.isAllDay) + (what.empty() ? "" : ": ") + what);
+  }
+  return lines;
+}
+
+/// "Due Mar 4, 2026, 9:15 AM: Call about the lease"
+std::string sentenceFor(const ListedFollowUp& followUp) {
+  return "Due " + humanMomentText(followUp.dueAt) + (followUp.said ? ": " + printableText(*followUp.said) : "");
+}
+
+/// What stands behind the row's follow-up, a line for each.
+std::vector<std::string> linesForOthers(const CatchUpRow& row) {
+  std::vector<std::string> lines;
+  for (const auto& followUp : row.furtherFollowUps) {
+    lines.push_back("Also: " + sentenceFor(followUp));
+  }
+  if (row.otherReason) {
+    lines.push_back("Also: " + printableText(reasonInWords(*row.otherReason)));
   }
   return lines;
 }
@@ -145,6 +163,8 @@ std::string exchangeInWords(double exchange) {
 /// Why a row stands where it stands.
 std::string sentenceFor(const ListPlace& place) {
   switch (place.part) {
+    case ListPart::followUp:
+      return "First, because you asked to be reminded of it.";
     case ListPart::near:
       return "Among the first, because it is near; " + exchangeInWords(place.exchange) + ".";
     case ListPart::current:
@@ -279,6 +299,14 @@ void HumanOutput::whyNow(const AttentionWhyNowItem& item) const {
   }
 }
 
+void HumanOutput::why(const ListedFollowUp& followUp, const std::optional<AttentionWhyNowItem>& other) const {
+  whyNow(followUp.item.value().whyNow());
+  line("  " + sentenceFor(followUp));
+  if (other) {
+    line(faint("  Also: " + printableText(reasonInWords(*other))));
+  }
+}
+
 void HumanOutput::item(const AttentionCatchUpItem& item, const std::optional<std::string>& address) const {
   std::cout << '\n' << bold(printableText(item.displayName()));
   if (address) {
@@ -303,14 +331,20 @@ void HumanOutput::conversation(const Conversation& conversation) const {
 
 void HumanOutput::details(const ItemDetails& details) const {
   item(details.item, details.address);
+  if (details.followUp) {
+    line("  " + sentenceFor(*details.followUp));
+  }
   for (const auto& about : linesFor(details.about)) {
     line(faint("  " + about));
   }
   if (!details.conversation.exchanges.empty()) {
     conversation(details.conversation);
   }
-  if (!details.others.empty()) {
+  if (!details.others.empty() || !details.furtherFollowUps.empty()) {
     line("\n" + bold("There is also"));
+  }
+  for (const auto& followUp : details.furtherFollowUps) {
+    line("  A follow-up: " + sentenceFor(followUp));
   }
   for (const auto& matter : details.others) {
     line("  " + sentenceFor(matter));
@@ -340,8 +374,14 @@ void HumanOutput::catchUpList(const CatchUpList& list, std::size_t shown, Explan
   }
   for (const auto& row : std::span{list.rows}.first(shown)) {
     item(row.item, row.address);
+    if (row.followUp) {
+      line(fitted("  " + sentenceFor(*row.followUp)));
+    }
     for (const auto& about : linesFor(row.about)) {
       line(faint(fitted("  " + about)));
+    }
+    for (const auto& other : linesForOthers(row)) {
+      line(faint(fitted("  " + other)));
     }
     if (explanation == Explanation::everyone) {
       line(faint("  " + sentenceFor(row.place)));

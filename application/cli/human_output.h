@@ -34,6 +34,8 @@ class HumanOutput {
   void bundle(const AttentionEvidenceBundle& bundle, std::string_view displayName,
               const std::vector<Matter>& matters) const;
   void whyNow(const AttentionWhyNowItem& item) const;
+  /// A follow-up that is due, and what else there is.
+  void why(const ListedFollowUp& followUp, const std::optional<AttentionWhyNowItem>& other) const;
   /// The first `shown` rows, and how many more there are.
   void catchUpList(const CatchUpList& list, std::size_t shown, Explanation explanation, Instant asOf) const;
   void details(const ItemDetails& details) const;

@@ -12,9 +12,13 @@
 namespace orvan {
 namespace {
 
-std::string messageAddressIn(const About& about) {
+std::string messageAddressIn(const About& about, bool isFollowUp) {
   if (about.messageID) {
     return messageAddressOf(*about.messageID);
+  }
+  if (isFollowUp && !about.threadID) {
+    throw CommandFailure(ExitCode::failed,
+                         "That follow-up is about no message; 'orvan show' tells what there is with the person.");
   }
   throw CommandFailure(ExitCode::failed,
                        about.startsAt
@@ -57,16 +61,15 @@ void runShow(const CommandContext& context, const std::string& item) {
 
 void runOpen(const CommandContext& context, const OpenArguments& arguments) {
   context.session.openForReading();
-  const auto item = itemCalled(arguments.item, context.session, context.asOf).item;
-  const auto about = context.session.readableStore().read([&](Connection& connection) {
-    return aboutOf(item.personKey(), item.whyNow().evidenceReferences(), connection);
-  });
-  const auto address = messageAddressIn(about);
+  const auto found = itemCalled(arguments.item, context.session, context.asOf);
+  const auto about =
+      context.session.readableStore().read([&](Connection& connection) { return aboutOf(found, connection); });
+  const auto address = messageAddressIn(about, found.followUp.has_value());
   if (!arguments.isPrinted) {
     requireHandedOver(handToMailProgram(address));
   }
   if (context.output == OutputForm::json) {
-    printJson({{"itemKey", item.itemKey()}, {"address", arguments.isPrinted ? Json(address) : Json(nullptr)}});
+    printJson({{"itemKey", found.item.itemKey()}, {"address", arguments.isPrinted ? Json(address) : Json(nullptr)}});
   } else {
     HumanOutput{}.line(arguments.isPrinted ? address : "Handed to your mail program.");
   }

@@ -186,8 +186,29 @@ Json toJson(const AttentionCatchUpItem& item, const About& about, const std::opt
   return json;
 }
 
+Json toJson(const ListedFollowUp& followUp) {
+  return {{"id", followUp.id},
+          {"personKey", followUp.personKey},
+          {"displayName", followUp.displayName},
+          {"dueAt", formatInternetDateTime(followUp.dueAt)},
+          {"state", caseName(followUp.state)},
+          {"completedAt", nullable(followUp.completedAt)},
+          {"said", nullable(followUp.said)},
+          {"itemKey", followUp.item ? Json(followUp.item->itemKey()) : Json(nullptr)}};
+}
+
+/// Only what is about a follow-up has these fields.
+void addFollowUps(const ListedFollowUp& followUp, const std::vector<ListedFollowUp>& further, Json& json) {
+  json["followUp"] = toJson(followUp);
+  json["furtherFollowUps"] = arrayOf(further);
+}
+
 Json toJson(const CatchUpRow& row) {
   auto json = toJson(row.item, row.about, row.address);
+  if (row.followUp) {
+    addFollowUps(*row.followUp, row.furtherFollowUps, json);
+    json["otherReason"] = row.otherReason ? toJson(*row.otherReason) : Json(nullptr);
+  }
   json["place"] = {{"part", caseName(row.place.part)},
                    {"exchange", row.place.exchange},
                    {"ageDays", std::chrono::duration<double, std::chrono::days::period>{row.place.age}.count()}};
@@ -200,6 +221,11 @@ Json toJson(const ItemDetails& details) {
                           {"exchanges", arrayOf(details.conversation.exchanges)}};
   json["others"] = arrayOf(details.others);
   json["records"] = arrayOf(details.records);
+  if (details.followUp) {
+    addFollowUps(*details.followUp, details.furtherFollowUps, json);
+  } else if (!details.furtherFollowUps.empty()) {
+    json["furtherFollowUps"] = arrayOf(details.furtherFollowUps);
+  }
   return json;
 }
 

@@ -11,6 +11,7 @@
 #include "application/import/ledger/meeting_importer.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/item_details.h"
+#include "application/session/listed_follow_up.h"
 #include "application/session/people_list.h"
 
 namespace orvan {
@@ -30,6 +31,7 @@ Json toJson(const std::vector<ListedPerson>& people);
 /// All rows, or the first `limit`.
 Json toJson(const CatchUpList& list, std::optional<std::size_t> limit, Explanation explanation);
 Json toJson(const ItemDetails& details);
+Json toJson(const ListedFollowUp& followUp);
 Json toJson(const MailReport& report);
 Json toJson(const MeetingReport& report);
 Json toJson(const CardReport& report);

@@ -167,6 +167,14 @@ About aboutOf(const std::string& personKey, std::span<const Reference> reference
   return AboutReader(personKey, connection).read(references);
 }
 
+About aboutOf(const ListedFollowUp& followUp, Connection& connection) {
+  if (!followUp.interactionID) {
+    return {};
+  }
+  const std::vector references{Reference::interaction(*followUp.interactionID)};
+  return aboutOf(followUp.personKey, references, connection);
+}
+
 Kind kindOf(const Matter& matter) noexcept {
   constexpr Kind kinds[] = {Kind::openThread, Kind::upcomingInteraction, Kind::changedContext, Kind::commitment};
   return kinds[matter.evidence.index()];

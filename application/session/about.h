@@ -10,6 +10,7 @@
 #include "OrvanRelationshipAttention/evidence/values/attention_evidence_bundle.h"
 #include "OrvanRelationshipAttention/why_now/attention_why_now_item.h"
 #include "OrvanStore/connection.h"
+#include "application/session/listed_follow_up.h"
 
 namespace orvan {
 
@@ -37,6 +38,9 @@ struct About {
 /// StoreError.
 About aboutOf(const std::string& personKey, std::span<const AttentionWhyNowEvidenceReference> references,
               Connection& connection);
+
+/// The same of the mail or meeting that a follow-up is about.
+About aboutOf(const ListedFollowUp& followUp, Connection& connection);
 
 /// One piece of the evidence on a person, and what it is about.
 struct Matter {

@@ -7,6 +7,7 @@
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "application/session/about.h"
 #include "application/session/list_order.h"
+#include "application/session/listed_follow_up.h"
 #include "application/session/session.h"
 
 namespace orvan {
@@ -40,13 +41,19 @@ struct NotShown {
   std::optional<std::string> address = std::nullopt;
 };
 
-/// One person on the list.
+/// One person on the list. A follow-up that is due comes before any other reason.
 struct CatchUpRow {
   AttentionCatchUpItem item;
   ListPlace place;
   About about = {};
   /// One of their addresses, when somebody else whom the user deals with goes by the same name.
   std::optional<std::string> address = {};
+  /// The follow-up that the row stands for, when it is one; the item is its item then.
+  std::optional<ListedFollowUp> followUp = {};
+  /// What the row does not stand for, and would without that follow-up: the person's further follow-ups that are due,
+  /// and the reason that they would be on the list for otherwise.
+  std::vector<ListedFollowUp> furtherFollowUps = {};
+  std::optional<AttentionWhyNowItem> otherReason = {};
 };
 
 /// The list at one moment, and on demand everyone who is not on it.

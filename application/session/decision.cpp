@@ -2,6 +2,7 @@
 
 #include "OrvanPlatform/human_date.h"
 #include "application/corrections/action_journal.h"
+#include "application/corrections/follow_up_actions.h"
 #include "application/session/item_lookup.h"
 #include "application/session/reason_in_words.h"
 #include "application/session/shown_items.h"
@@ -46,6 +47,18 @@ UserAction actionFor(const Proposal& proposal, const ChangeRecorder& recorder) {
           recorder.changes()};
 }
 
+/// What was decided for good ends the follow-up that the item is of.
+void endFollowUp(const Proposal& proposal, Instant asOf, ChangeRecorder& recorder, Connection& connection) {
+  if (!proposal.followUpID) {
+    return;
+  }
+  if (proposal.action.kind() == AttentionItemAction::Kind::resolve) {
+    completeFollowUp(*proposal.followUpID, asOf, recorder, connection);
+  } else if (proposal.action.kind() == AttentionItemAction::Kind::dismiss) {
+    cancelFollowUp(*proposal.followUpID, recorder, connection);
+  }
+}
+
 } // namespace
 
 Proposal propose(Session& session, const std::string& item, const AttentionItemAction& action, Instant asOf) {
@@ -53,9 +66,10 @@ Proposal propose(Session& session, const std::string& item, const AttentionItemA
     throw Error(SessionError::snoozeEndPast, "deciding about an item");
   }
   session.openForDeciding();
-  auto found = itemCalled(item, session, asOf).item;
-  const auto sight = found.itemKey() == item ? Proposal::Sight::named : sightOf(found, session);
-  return {std::move(found), action, sight};
+  auto found = itemCalled(item, session, asOf);
+  const auto sight = found.item.itemKey() == item ? Proposal::Sight::named : sightOf(found.item, session);
+  auto followUpID = found.followUp ? std::optional{std::move(found.followUp->id)} : std::nullopt;
+  return {std::move(found.item), action, sight, std::move(followUpID)};
 }
 
 Decision decide(Session& session, const Proposal& proposal, Instant asOf) {
@@ -67,6 +81,7 @@ Decision decide(Session& session, const Proposal& proposal, Instant asOf) {
     auto record = AttentionDispositionStore::apply(proposal.item, proposal.action, asOf, connection);
     const bool isAsAsked = record.state().kind() == stateAfter(proposal.action.kind());
     if (isAsAsked) {
+      endFollowUp(proposal, asOf, recorder, connection);
       recordAction(actionFor(proposal, recorder), asOf, connection);
     }
     return Decision{std::move(record), isAsAsked};

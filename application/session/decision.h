@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
@@ -23,6 +24,8 @@ struct Proposal {
   AttentionCatchUpItem item;
   AttentionItemAction action;
   Sight sight;
+  /// The follow-up that the item is of.
+  std::optional<std::string> followUpID = {};
 };
 
 /// What holds after a decision.
@@ -38,8 +41,9 @@ struct Decision {
 Proposal propose(Session& session, const std::string& item, const AttentionItemAction& action, Instant asOf);
 
 /// Does as proposed, and writes down that the user did; both are on disk afterwards. An item that was proposed some
-/// time ago may not stand any more: propose by its key again first. Throws what the session throws; the store is as it
-/// was then.
+/// time ago may not stand any more: propose by its key again first. With a follow-up's item the follow-up is completed
+/// when it is resolved, and cancelled when it is dismissed; its reminder is the caller's to withdraw. Throws what the
+/// session throws; the store is as it was then.
 Decision decide(Session& session, const Proposal& proposal, Instant asOf);
 
 } // namespace orvan

@@ -13,15 +13,14 @@ namespace {
 
 HidingTarget conversationOf(const std::string& itemKey, Session& session, Instant asOf) {
   session.openForDeciding();
-  const auto item = itemCalled(itemKey, session, asOf).item;
-  const auto about = session.readableStore().read([&item](Connection& connection) {
-    return aboutOf(item.personKey(), item.whyNow().evidenceReferences(), connection);
-  });
+  const auto found = itemCalled(itemKey, session, asOf);
+  const auto about =
+      session.readableStore().read([&found](Connection& connection) { return aboutOf(found, connection); });
   if (!about.threadID) {
     throw Error(SessionError::conversationUnknown, "looking for an item's conversation");
   }
   return {HiddenScope::conversation, *about.threadID, about.subject.value_or(about.title.value_or("")),
-          item.personKey()};
+          found.item.personKey()};
 }
 
 std::vector<HidingTarget> accountsCalled(const std::string& text, Connection& connection) {

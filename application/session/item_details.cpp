@@ -54,9 +54,13 @@ WHERE i.thread_id = ? AND i.occurred_at <= ? AND )sql";
   return conversation;
 }
 
-/// The item rests on the first of its kind. That its own conversation waits for a reply is told by the conversation.
+/// The item rests on the first of its kind. That its own conversation waits for a reply is told by the conversation. A
+/// follow-up rests on none of them.
 std::vector<Matter> mattersBeside(const FoundItem& found, const About& about, Connection& connection) {
   auto matters = mattersOf(found.bundle, connection);
+  if (found.followUp) {
+    return matters;
+  }
   const auto kind = found.item.whyNow().kind();
   const auto own = std::ranges::find_if(matters, [&](const Matter& matter) { return orvan::kindOf(matter) == kind; });
   if (own != matters.end()) {
@@ -67,6 +71,34 @@ std::vector<Matter> mattersBeside(const FoundItem& found, const About& about, Co
     return thread != nullptr && thread->threadID() == about.threadID;
   });
   return matters;
+}
+
+/// The person's scheduled follow-ups without the one that the item is of.
+std::vector<ListedFollowUp> furtherFollowUps(const FoundItem& found, Connection& connection) {
+  auto followUps = followUpsOf(found.item.personKey(), FollowUpChoice::scheduled, connection);
+  std::erase_if(followUps, [&](const ListedFollowUp& each) { return found.followUp && each.id == found.followUp->id; });
+  return followUps;
+}
+
+/// The next follow-up of the person whom the user names; nothing when there is none to show.
+std::optional<std::string> keyOfNextFollowUp(const std::string& text, Session& session) {
+  const auto personKey = session.personKeyOf(text);
+  const auto followUps = session.readableStore().read(
+      [&](Connection& connection) { return followUpsOf(personKey, FollowUpChoice::scheduled, connection); });
+  return followUps.empty() || !followUps.front().item ? std::nullopt : std::optional{followUps.front().item->itemKey()};
+}
+
+FoundItem itemToShow(const std::string& text, Session& session, Instant asOf) {
+  try {
+    return itemCalled(text, session, asOf);
+  } catch (const Error& error) {
+    const auto next =
+        error.code() == SessionError::noReasonNow && !isItemKey(text) ? keyOfNextFollowUp(text, session) : std::nullopt;
+    if (!next) {
+      throw;
+    }
+    return itemCalled(*next, session, asOf);
+  }
 }
 
 } // namespace
@@ -85,17 +117,18 @@ std::string_view caseName(Exchange::Kind kind) noexcept {
 
 ItemDetails itemDetails(const std::string& text, Session& session, Instant asOf) {
   session.openForReading();
-  auto found = itemCalled(text, session, asOf);
+  auto found = itemToShow(text, session, asOf);
   const auto& personKey = found.item.personKey();
   auto records = session.records(personKey);
   const SharedNames shared(session.outlooks(asOf));
   return session.readableStore().read([&](Connection& connection) {
-    auto about = aboutOf(personKey, found.item.whyNow().evidenceReferences(), connection);
+    auto about = aboutOf(found, connection);
     auto conversation = about.threadID ? conversationIn(*about.threadID, asOf, connection) : Conversation{};
     auto address = shared.addressToTell(found.item.displayName(), personKey, connection);
     auto others = mattersBeside(found, about, connection);
+    auto further = furtherFollowUps(found, connection);
     return ItemDetails{found.item,        std::move(address), std::move(about), std::move(conversation),
-                       std::move(others), std::move(records)};
+                       std::move(others), std::move(records), found.followUp,   std::move(further)};
   });
 }
 

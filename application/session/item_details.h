@@ -8,6 +8,7 @@
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "application/session/about.h"
+#include "application/session/listed_follow_up.h"
 #include "application/session/session.h"
 
 namespace orvan {
@@ -46,9 +47,13 @@ struct ItemDetails {
   std::vector<Matter> others;
   /// What was decided about the person.
   std::vector<AttentionItemDispositionRecord> records;
+  /// The follow-up that the item is of, and the person's others that are scheduled.
+  std::optional<ListedFollowUp> followUp = {};
+  std::vector<ListedFollowUp> furtherFollowUps = {};
 };
 
-/// The details of what itemCalled() finds, as they stand at `asOf`. Throws what itemCalled() and the session throw.
+/// The details of what itemCalled() finds, as they stand at `asOf`; of a person without a reason now, those of the
+/// follow-up that comes due next. Throws what itemCalled() and the session throw.
 ItemDetails itemDetails(const std::string& text, Session& session, Instant asOf);
 
 } // namespace orvan

@@ -56,8 +56,14 @@ ListPlace placeOf(const AttentionCatchUpItem& item, const AttentionEvidenceBundl
   return {part, outlook.exchange, age};
 }
 
+ListPlace placeOfFollowUp(Instant dueAt, double exchange, Instant asOf) {
+  return {ListPart::followUp, exchange, asOf - dueAt};
+}
+
 std::string_view caseName(ListPart part) noexcept {
   switch (part) {
+    case ListPart::followUp:
+      return "followUp";
     case ListPart::near:
       return "near";
     case ListPart::current:

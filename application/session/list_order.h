@@ -11,6 +11,8 @@ namespace orvan {
 
 /// The parts of the list, in their order.
 enum class ListPart {
+  /// What the user asked to be reminded of, from its due time on.
+  followUp,
   /// Questions of the last two weeks, and meetings of the coming one.
   near,
   /// Mail that waits, contacts renewed, and what else is open with people the user has written to or met.
@@ -26,7 +28,8 @@ struct ListPlace {
   ListPart part;
   /// See ContactOutlook::exchange.
   double exchange;
-  /// From the event behind the reason to the moment of the list; negative for what is to come.
+  /// From the event behind the reason, or a follow-up's due time, to the moment of the list; negative for what is to
+  /// come.
   std::chrono::duration<double> age;
 
   /// Whether a row with this place comes before one with `other`.
@@ -36,6 +39,9 @@ struct ListPlace {
 /// A pure function of what is told of the item's person.
 ListPlace placeOf(const AttentionCatchUpItem& item, const AttentionEvidenceBundle& bundle,
                   const ContactOutlook& outlook, Instant asOf);
+
+/// The place of a follow-up that was due at `dueAt`; `exchange` is told of its person.
+ListPlace placeOfFollowUp(Instant dueAt, double exchange, Instant asOf);
 
 /// The name of the case.
 std::string_view caseName(ListPart part) noexcept;
