@@ -30,9 +30,7 @@ class DesktopNotificationsTest : public BusLoopTest, public PopupListener {
   void start(std::chrono::milliseconds callTimeout = DesktopNotifications::usualCallTimeout) {
     notifications.emplace(*connection, loop.get_executor(), std::make_shared<SystemClock>(), callTimeout);
     notifications->setListener(this);
-    bool isKnown = false;
-    notifications->start([&] { isKnown = true; });
-    ASSERT_TRUE(runUntil([&] { return isKnown; }));
+    notifications->start();
   }
 
   static Popup popup(std::string summary, std::string body = {}) {
@@ -69,7 +67,9 @@ TEST_F(DesktopNotificationsTest, ShowsTextAsItIsAndTellsWhatTheUserDoes) {
   RecordedDesktop desktop(loop.get_executor(), bus.address(), all);
   ASSERT_TRUE(runUntil([&] { return desktop.isThere; }));
   start();
+  ASSERT_TRUE(runUntil([&] { return notifications->isThere(); }));
   EXPECT_TRUE(notifications->replacesByTag());
+  log.clear();
   // Pressed before the service has answered.
   desktop.onShow = [&](const RecordedDesktop::Shown& shown) { desktop.press(shown.number, "done"); };
   const auto first = outcomeOf(popup("Tom & <Ada>", "a < b & c"));
@@ -125,7 +125,7 @@ TEST_F(DesktopNotificationsTest, CountsAServiceThatTheBusCannotStartAsNone) {
       std::chrono::seconds{5}, [&](const BusAnswer& answer) { isReloaded = answer.has_value(); });
   ASSERT_TRUE(runUntil([&] { return isReloaded.has_value(); }));
   start();
-  EXPECT_TRUE(notifications->isThere());
+  ASSERT_TRUE(runUntil([&] { return notifications->isThere(); }));
   EXPECT_EQ(outcomeOf(popup("none")), std::unexpected{PresenterError::noService});
   EXPECT_FALSE(notifications->isThere());
 }

@@ -80,11 +80,26 @@ DesktopNotifications::DesktopNotifications(BusConnection& bus, Executor executor
 
 DesktopNotifications::~DesktopNotifications() = default;
 
-void DesktopNotifications::start(std::move_only_function<void()> known) {
-  known_ = std::move(known);
+void DesktopNotifications::start() {
   matchSignals();
-  subscriptions_.push_back(bus_.watchName(wellKnownName, [this](const std::string& owner) { ownerChanged(owner); }));
-  askWhetherItCanBeStarted();
+  subscriptions_.push_back(bus_.watchName(wellKnownName, [this](const std::string& owner) {
+    ownerChanged(owner);
+    // Not before: one that runs already is not to be taken for one that could be started.
+    if (!std::exchange(isOwnerKnown_, true)) {
+      askWhetherItCanBeStarted();
+    }
+  }));
+}
+
+bool DesktopNotifications::isThere() const {
+  return owner_.empty() ? canBeStarted_ && !failedToStart_ : abilities_ != Abilities::unknown;
+}
+
+std::string DesktopNotifications::serviceName() const {
+  if (!isThere()) {
+    return {};
+  }
+  return name_.empty() ? wellKnownName : name_;
 }
 
 bool DesktopNotifications::replacesByTag() const {
@@ -98,24 +113,22 @@ std::string DesktopNotifications::recipient() const {
 void DesktopNotifications::askWhetherItCanBeStarted() {
   bus_.call(theBus(), "ListActivatableNames", nothing, callTimeout_,
             whileAlive([](DesktopNotifications& self, const BusAnswer& answer) {
-              self.isActivationKnown_ = true;
               self.canBeStarted_ = answer && contains(answer->reader().texts(), wellKnownName);
-              self.settled();
+              self.tellOfChange();
             }));
 }
 
 void DesktopNotifications::ownerChanged(const std::string& owner) {
-  if (owner == owner_ && isOwnerKnown_) {
+  if (owner == owner_) {
     return;
   }
   owner_ = owner;
-  isOwnerKnown_ = true;
-  areAbilitiesKnown_ = false;
+  abilities_ = Abilities::unknown;
   shown_.clear();
   tokens_.clear();
   std::erase_if(held_, [&](const Event& event) { return event.popup.service != owner; });
   if (owner_.empty()) {
-    settled();
+    tellOfChange();
     return;
   }
   name_.clear();
@@ -140,6 +153,9 @@ void DesktopNotifications::abilitiesLearnt(BusAnswer answer) {
     ownerChanged(answer->sender()); // It was started for this.
     return;
   }
+  if (!owner_.empty()) {
+    abilities_ = Abilities::assumed;
+  }
   if (answer && answer->sender() == owner_) {
     try {
       for (auto& ability : answer->reader().texts()) {
@@ -147,17 +163,18 @@ void DesktopNotifications::abilitiesLearnt(BusAnswer answer) {
       }
     } catch (const Error&) { // NOLINT(bugprone-empty-catch): what it can do beyond the least is not known then.
     }
-    areAbilitiesKnown_ = true;
+    abilities_ = Abilities::told;
   } else if (!answer && owner_.empty() && answer.error().error() != BusError::timedOut) {
     startFailed();
   } else if (!owner_.empty() && (answer || isGone(answer.error().error()))) {
+    abilities_ = Abilities::unknown;
     learnAbilities(); // It was another service that answered, or left.
     return;
   }
   for (auto& popup : std::exchange(waiting_, {})) {
     notify(std::move(popup));
   }
-  settled();
+  tellOfChange();
 }
 
 /// Nothing waits for it: it is told to the user's own tools alone.
@@ -170,13 +187,8 @@ void DesktopNotifications::learnName() {
             }));
 }
 
-/// It is known again what there is.
-void DesktopNotifications::settled() {
-  if (known_) {
-    if (isOwnerKnown_ && isActivationKnown_ && !isLearning_) {
-      std::exchange(known_, nullptr)();
-    }
-  } else if (listener_ != nullptr) {
+void DesktopNotifications::tellOfChange() {
+  if (listener_ != nullptr) {
     listener_->popupServiceChanged();
   }
 }
@@ -186,7 +198,7 @@ void DesktopNotifications::startFailed() {
   clock_->startTimer(monotonicInstantAfter(clock_->monotonicNow(), pauseBeforeStart_), executor_,
                      whileAlive([](DesktopNotifications& self, SleepEnd /*end*/) {
                        self.failedToStart_ = false;
-                       self.settled();
+                       self.tellOfChange();
                      }));
   pauseBeforeStart_ = std::min(pauseBeforeStart_ * 2, longestPause);
 }
@@ -199,7 +211,7 @@ void DesktopNotifications::show(Popup popup, Completion completion) {
     return;
   }
   Waiting waiting{.popup = std::move(popup), .completion = std::move(completion)};
-  if (areAbilitiesKnown_) {
+  if (abilities_ == Abilities::told) {
     notify(std::move(waiting));
     return;
   }

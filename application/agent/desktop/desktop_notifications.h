@@ -29,19 +29,18 @@ class DesktopNotifications final : public PopupPresenter {
                        std::chrono::milliseconds callTimeout = usualCallTimeout);
   ~DesktopNotifications() override;
 
-  /// Calls `known` once, as soon as it is known whether there is a service, and of a running one what it can do. Until
-  /// then there is none.
-  void start(std::move_only_function<void()> known);
+  /// Until it is known whether there is a service, and what a running one can do, there is none.
+  void start();
 
-  /// The name that the service gives itself; empty when none has been running or it did not say.
-  const std::string& serviceName() const noexcept { return name_; }
+  /// The name that the service gives itself, or that it has on the bus where it did not say; empty when there is none.
+  std::string serviceName() const;
   /// What it says it can do, in its words.
   std::vector<std::string> capabilities() const { return {capabilities_.begin(), capabilities_.end()}; }
 
   void setListener(PopupListener* listener) override { listener_ = listener; }
   /// Also when the bus can start one: it does so for the first popup, whose answer then names it. What it can do is not
   /// known before, unless it ran already: such services end when they are idle and are the same when they come back.
-  bool isThere() const override { return !owner_.empty() || (canBeStarted_ && !failedToStart_); }
+  bool isThere() const override;
   std::string service() const override { return owner_; }
   bool replacesByTag() const override;
   void show(Popup popup, std::move_only_function<void(PopupOutcome)> completion) override;
@@ -52,6 +51,12 @@ class DesktopNotifications final : public PopupPresenter {
   struct Waiting {
     Popup popup;
     Completion completion;
+  };
+  enum class Abilities {
+    unknown,
+    /// The least there is, because the service did not say.
+    assumed,
+    told,
   };
   struct Event {
     ShownPopup popup;
@@ -76,7 +81,7 @@ class DesktopNotifications final : public PopupPresenter {
   void learnAbilities();
   void abilitiesLearnt(BusAnswer answer);
   void learnName();
-  void settled();
+  void tellOfChange();
   void startFailed();
 
   void notify(Waiting waiting);
@@ -100,17 +105,15 @@ class DesktopNotifications final : public PopupPresenter {
   std::shared_ptr<DesktopNotifications*> self_;
   PopupListener* listener_ = nullptr;
   std::vector<BusSubscription> subscriptions_;
-  std::move_only_function<void()> known_;
-  bool isOwnerKnown_ = false;
-  bool isActivationKnown_ = false;
 
+  bool isOwnerKnown_ = false;
   std::string owner_;
   bool canBeStarted_ = false;
   bool failedToStart_ = false;
   std::chrono::minutes pauseBeforeStart_{1};
   std::string name_;
   std::set<std::string, std::less<>> capabilities_;
-  bool areAbilitiesKnown_ = false;
+  Abilities abilities_ = Abilities::unknown;
   bool isLearning_ = false;
 
   /// Popups that wait until it is known how they are to be written.
