@@ -182,6 +182,10 @@ TEST_F(SourceRefreshingTest, SwitchedOffRunsNothingAndEndsWhatRuns) {
   refreshing->setEnabled(true);
   settle();
   EXPECT_THAT(started, ElementsAre("folders"));
+  end(Kind::succeeded, twoSources);
+  end(Kind::succeeded, nothingNew);
+  refreshing->setEnabled(false);
+  EXPECT_EQ(clock->timerCount(), 0U);
 }
 
 TEST_F(SourceRefreshingTest, WhatFailsIsTriedAtTheNextIntervalAndWhatHangsIsKilled) {
