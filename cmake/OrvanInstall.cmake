@@ -7,18 +7,25 @@ set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/OrvanRelationshipAttention"
 
 # The headers that lie right in a library's folder are its users'. Of the folders within, internal/ is for the library's
 # own sources, and any other is a library of its own.
-function(orvan_install_headers folder)
+function(orvan_install_headers folder component)
   # Read when the package is installed: listing the folder while configuring would have every build look for new files.
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}"
-    COMPONENT library FILES_MATCHING PATTERN "*.h" REGEX "/${folder}/[^/.]+$" EXCLUDE)
+    COMPONENT ${component} FILES_MATCHING PATTERN "*.h" REGEX "/${folder}/[^/.]+$" EXCLUDE)
 endfunction()
 
 get_property(libraries GLOBAL PROPERTY ORVAN_LIBRARIES)
 foreach(library IN LISTS libraries)
   get_property(folder TARGET ${library} PROPERTY ORVAN_FOLDER)
-  if(NOT folder MATCHES "^(application|bench|tests)(/|$)")
+  if(library STREQUAL "orvan_ui")
+    # Needs Qt: a program asks for it by name, find_package(OrvanRelationshipAttention COMPONENTS Ui).
+    get_property(resource_targets GLOBAL PROPERTY ORVAN_UI_RESOURCE_TARGETS)
+    install(TARGETS ${library} ${resource_targets} EXPORT OrvanRelationshipAttentionUiTargets COMPONENT ui
+      OBJECTS DESTINATION "${CMAKE_INSTALL_LIBDIR}/OrvanRelationshipAttention")
+    orvan_install_headers(${folder} ui)
+    install(EXPORT OrvanRelationshipAttentionUiTargets NAMESPACE Orvan:: DESTINATION "${package_directory}" COMPONENT ui)
+  elseif(NOT folder MATCHES "^(application|bench|tests)(/|$)")
     install(TARGETS ${library} EXPORT OrvanRelationshipAttentionTargets COMPONENT library)
-    orvan_install_headers(${folder})
+    orvan_install_headers(${folder} library)
   endif()
 endforeach()
 install(TARGETS orvan_relationship_attention EXPORT OrvanRelationshipAttentionTargets COMPONENT library)
