@@ -16,7 +16,6 @@ using namespace agent_protocol;
 constexpr std::chrono::hours probeTimeout{24};
 
 const BusTarget theCenter{serviceName, objectPath, centerInterface};
-const BusTarget theProbe{serviceName, objectPath, "org.freedesktop.DBus.Peer"};
 
 constexpr PresentationOptions shown = PresentationOptions::banner | PresentationOptions::sound;
 
@@ -120,15 +119,18 @@ void AgentLink::becomeMute() {
   if (std::exchange(mute_, true)) {
     return;
   }
-  bus_->call(
-      theProbe, "Ping", [](BusWriter& /*nothing*/) {}, probeTimeout,
-      [this](const BusAnswer& answer) { endSilence(answer); });
+  // A real question: who answers those has not only a loop that runs.
+  bus_->call(theCenter, "GetSettings", applicationOnly(), probeTimeout,
+             [this](const BusAnswer& answer) { endSilence(answer); });
 }
 
 /// Any word of the service's own ends its silence; so does its end, after which the bus may start another.
 void AgentLink::endSilence(const BusAnswer& answer) {
   if (!std::exchange(mute_, false)) {
     return;
+  }
+  if (const auto status = statusIn(answer)) {
+    learn(*status);
   }
   if (answer.has_value() || answer.error().error() == BusError::answeredWithError) {
     agentIsBack();
