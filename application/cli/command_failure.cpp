@@ -109,6 +109,13 @@ std::string sentenceOf(SessionError error) {
     case SessionError::reasonStands:
       return "Only a question and a conversation that waits can be wrong; 'orvan dismiss' takes any other reason off "
              "the list for good.";
+    case SessionError::followUpUnknown:
+      return "There is no such follow-up; 'orvan follow-up list --all' lists them with their ids.";
+    case SessionError::followUpAmbiguous:
+      return "Several follow-ups go by that; name the one you mean by its id.";
+    case SessionError::followUpElsewhere:
+      return "That follow-up is not in a state for this; 'orvan follow-up list --all' tells how each stands, 'orvan "
+             "follow-up reopen' schedules a completed one again.";
     case SessionError::cannotMakeFolder:
       return "The folder for the store could not be made; choose another with --store.";
   }

@@ -31,6 +31,12 @@ class Category final : public std::error_category {
         return "severalMeant";
       case SessionError::reasonStands:
         return "reasonStands";
+      case SessionError::followUpUnknown:
+        return "followUpUnknown";
+      case SessionError::followUpAmbiguous:
+        return "followUpAmbiguous";
+      case SessionError::followUpElsewhere:
+        return "followUpElsewhere";
       case SessionError::cannotMakeFolder:
         return "cannotMakeFolder";
     }

@@ -27,6 +27,12 @@ enum class SessionError {
   severalMeant,
   /// The item's reason is none that could be wrong.
   reasonStands,
+  /// There is no follow-up of that name, or the person has none of the state that is asked for.
+  followUpUnknown,
+  /// Several follow-ups go by that. Thrown as a SeveralFollowUps.
+  followUpAmbiguous,
+  /// The follow-up was completed or cancelled, or for reopening: it was not completed.
+  followUpElsewhere,
   /// The folder for a new store or its key cannot be made.
   cannotMakeFolder,
 };
