@@ -51,6 +51,11 @@ class FakeAgent {
     bus_->requestName(serviceName, [this](auto result) { named = result.has_value(); });
   }
 
+  /// Leaves without a word.
+  ~FakeAgent() { bus_.reset(); }
+  FakeAgent(const FakeAgent&) = delete;
+  FakeAgent& operator=(const FakeAgent&) = delete;
+
   BusConnection& bus() { return *bus_; }
 
   void exportAgentInterface(BusInterface interface) {
