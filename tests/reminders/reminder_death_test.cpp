@@ -19,6 +19,7 @@ class Day : public ReminderWorld {
   /// Whether it came to its end.
   bool live() {
     try {
+      addConfirmed("Before leave is given", minutes{1});
       allow();
       for (const char* title : {"One", "Two", "Replaced"}) {
         addConfirmed(title, minutes{10});
@@ -45,6 +46,14 @@ class Day : public ReminderWorld {
     advance(hours{3});
   }
 
+  /// The same day of a program that outlives a fault of its file.
+  void outlive() {
+    isMortal_ = false;
+    live();
+    allow();
+    go(hours{3});
+  }
+
   void expectNothingLostOrRepeated() const {
     EXPECT_THAT(pending(), testing::IsEmpty());
     EXPECT_THAT(delivered(), testing::IsSupersetOf(confirmed_));
@@ -61,12 +70,19 @@ class Day : public ReminderWorld {
   }
 
  private:
-  bool hasEnded() const { return fileFailed || agent->presenter->isDead; }
+  bool hasEnded() const { return isMortal_ && (fileFailed || agent->presenter->isDead); }
 
   void addConfirmed(const std::string& title, std::chrono::seconds delay) {
-    if (!hasEnded()) {
+    if (hasEnded()) {
+      return;
+    }
+    try {
       addDueIn(title, delay);
       confirmed_.insert(title);
+    } catch (const Error&) {
+      if (isMortal_) {
+        throw;
+      }
     }
   }
   void go(std::chrono::seconds duration) {
@@ -75,6 +91,7 @@ class Day : public ReminderWorld {
     }
   }
 
+  bool isMortal_ = true;
   std::set<std::string> confirmed_;
 };
 
@@ -96,6 +113,22 @@ TEST_P(DeathAtEveryStep, OfTheFileNeitherLosesNorRepeatsAReminder) {
     day.end();
   }
   EXPECT_GT(write, 50);
+}
+
+TEST(FaultAtEveryStep, OfTheFileIsOutlived) {
+  bool hasFailed = true;
+  for (int write = 1; hasFailed; ++write) {
+    SCOPED_TRACE(write);
+    FaultingVfs files;
+    Day day(false);
+    day.start();
+    day.allow();
+    files.failAt(FileCall::write, write, FaultSpan::once, SQLITE_FULL);
+    day.outlive();
+    hasFailed = files.hasFailed();
+    day.expectNothingLostOrRepeated();
+    day.end();
+  }
 }
 
 TEST_P(DeathAtEveryStep, OfShowingNeitherLosesNorRepeatsAReminder) {

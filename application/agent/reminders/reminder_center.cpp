@@ -12,6 +12,17 @@ namespace {
 /// What popups of the agent itself are shown for.
 const std::string agentName = "Orvan";
 
+bool isWithin(int value, int least, int most) noexcept {
+  return value >= least && value <= most;
+}
+
+/// Calendars take month 500 for one in a later year, and have years that no instant reaches.
+bool namesAMoment(const CalendarComponents& date) {
+  return isWithin(date.year(), 1, 9999) && isWithin(date.month(), 1, 13) && isWithin(date.day(), 1, 31) &&
+         isWithin(date.hour(), 0, 23) && isWithin(date.minute(), 0, 59) && isWithin(date.second(), 0, 59) &&
+         userCalendarInstant(date).has_value();
+}
+
 } // namespace
 
 ReminderCenter::ReminderCenter(ReminderCenterParts parts) : parts_(std::move(parts)), applications_(*parts_.file) {
@@ -113,7 +124,7 @@ void ReminderCenter::setAuthorization(const std::string& application, const std:
 
 void ReminderCenter::add(const std::string& application, const std::string& displayName,
                          const NotificationRequest& request) {
-  if (!userCalendarInstant(request.trigger().components())) {
+  if (!namesAMoment(request.trigger().components())) {
     throw Error(NotificationCenterError::refused, "adding a reminder");
   }
   const auto number = applications_.note(application, displayName).number;

@@ -72,12 +72,11 @@ class SystemWallClockAlarm::Waiting : public std::enable_shared_from_this<Waitin
     }
   }
 
-  void stop() {
+  void stop() noexcept {
     wake_ = nullptr;
-    timer_.close();
-    if (zone_.is_open()) {
-      zone_.close();
-    }
+    boost::system::error_code ignored;
+    timer_.close(ignored);
+    zone_.close(ignored);
   }
 
   void setWake(std::function<void(WakeReason)> wake) { wake_ = std::move(wake); }
