@@ -61,6 +61,7 @@ Item {
                     AttentionChevron {
                         id: chevron
 
+                        objectName: card.isEvidenceExpanded ? "chevron.up" : "chevron.down"
                         anchors.right: parent.right
                         anchors.baseline: headline.baseline
                         baselineOffset: height

@@ -2,20 +2,16 @@
 
 #include <QQmlEngine>
 #include <QString>
-#include <QStringList>
 
-// Generated from the classes of this folder. Naming it keeps a linker from leaving it out of a program.
+// Generated from the classes of this folder. Qt calls it when the module is imported.
 void qml_register_types_OrvanRelationshipAttention();
 
 namespace orvan {
 
 void addAttentionViews(QQmlEngine& engine) {
-  const QString folderOfModules = QStringLiteral("qrc:/qt/qml");
-  if (engine.importPathList().contains(folderOfModules)) {
-    return;
-  }
-  qml_register_types_OrvanRelationshipAttention();
-  engine.addImportPath(folderOfModules);
+  // Or the linker would find that nobody needs it, and leave it out.
+  [[maybe_unused]] const volatile auto types = &qml_register_types_OrvanRelationshipAttention;
+  engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
 }
 
 } // namespace orvan
