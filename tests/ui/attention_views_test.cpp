@@ -240,6 +240,7 @@ TEST(CatchUp, KeepsItsSpacesAndSizesAndLeadsFromTheRightWhereScriptsDo) {
     EXPECT_EQ(list.shown.find("evidence")->property("topPadding"), 2);
     EXPECT_EQ(main->width(), 320);
     EXPECT_EQ(snooze->x(), scale == 1 ? 0 : 320 - snooze->width());
+    EXPECT_EQ(list.shown.find("disclosure")->x(), scale == 1 ? 0 : 320 - list.shown.find("disclosure")->width());
     EXPECT_EQ(dismiss->x(), scale == 1 ? snooze->width() + 8 : snooze->x() - 8 - dismiss->width());
     const auto label = main->property("contentItem").value<QQuickItem*>()->childItems();
     const auto font = label[0]->property("font").value<QFont>();
@@ -261,8 +262,11 @@ TEST(CatchUp, SendsTheItemsRequestsAndAsksForTheEndOfEachSnooze) {
                                         ada.actionRequest(AttentionItemAction::snooze(Instant{2us})),
                                         ada.actionRequest(AttentionItemAction::dismiss()),
                                         ada.actionRequest(AttentionItemAction::resolve())));
-  QObject::connect(&list.model, &AttentionCatchUpModel::actionRequested, [&] { list.model.setItems({}); });
-  list.shown.click(list.shown.find("dismiss"));
+  QObject::connect(&list.model, &AttentionCatchUpModel::routeRequested, [&](const auto& request) {
+    list.model.setItems({});
+    EXPECT_EQ(request, ada.routeRequest());
+  });
+  list.shown.click(list.shown.find("main"));
   EXPECT_THAT(list.shown.texts(), IsEmpty()) << "a row may go while its request is sent";
 }
 
