@@ -260,7 +260,7 @@ void AgentLink::endQuestion(bool granted, const std::exception_ptr& error) {
 }
 
 void AgentLink::add(const NotificationRequest& request, const std::function<void(std::exception_ptr)>& handler) {
-  const std::string identifier = request.identifier();
+  const std::string& identifier = request.identifier();
   const bool removalOwed = removals_.forgetPending(identifier);
   const std::uint64_t addition = nextAddition_++;
   additions_.insert_or_assign(identifier, addition);

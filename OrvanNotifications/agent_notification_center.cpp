@@ -43,6 +43,13 @@ void AgentNotificationCenter::start() {
 }
 
 AgentNotificationCenter::~AgentNotificationCenter() {
+  try {
+    leave();
+  } catch (...) { // NOLINT(bugprone-empty-catch): what is still owed then stays owed.
+  }
+}
+
+void AgentNotificationCenter::leave() {
   if (thread_.get_id() == std::this_thread::get_id()) {
     // A delegate or a handler has let the last share in this centre go on its own thread, which cannot wait for itself.
     thread_.detach();

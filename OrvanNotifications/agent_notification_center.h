@@ -75,6 +75,7 @@ class AgentNotificationCenter final : public NotificationCenter {
   explicit AgentNotificationCenter(AgentCenterOptions options);
 
   void start();
+  void leave();
   template <typename Action>
   void onLoop(Action action) const;
 

@@ -289,14 +289,14 @@ class BusConnection::State : public std::enable_shared_from_this<BusConnection::
   }
 
   static int onSignal(sd_bus_message* message, void* data, sd_bus_error* /*error*/) noexcept {
-    const auto match = static_cast<Match*>(data)->shared_from_this();
+    const auto match = static_cast<Match*>(data)->weak_from_this().lock();
     match->state.guarded([&] { match->handler(BusMessage{message}); });
     // Others may match the same signal.
     return 0;
   }
 
   static int onMethod(sd_bus_message* message, void* data, sd_bus_error* /*error*/) noexcept {
-    const auto exported = static_cast<Exported*>(data)->shared_from_this();
+    const auto exported = static_cast<Exported*>(data)->weak_from_this().lock();
     State& state = exported->state;
     state.guarded([&] {
       const auto& methods = exported->interface.methods();
@@ -440,11 +440,14 @@ class BusConnection::State : public std::enable_shared_from_this<BusConnection::
     });
   }
 
-  void stopWatching() {
-    timer_.cancel();
-    if (descriptor_.is_open()) {
-      // The descriptor is sd-bus's to close.
-      descriptor_.release();
+  void stopWatching() noexcept {
+    try {
+      timer_.cancel();
+      if (descriptor_.is_open()) {
+        // The descriptor is sd-bus's to close.
+        descriptor_.release();
+      }
+    } catch (...) { // NOLINT(bugprone-empty-catch): what is still watched finds the connection closed.
     }
   }
 

@@ -64,7 +64,7 @@ bool beginsWithCharacter(std::string_view text, std::size_t length) {
 bool canBeSent(std::string_view text) {
   while (!text.empty()) {
     const int following = followingBytes(static_cast<unsigned char>(text.front()));
-    const auto length = static_cast<std::size_t>(following + 1);
+    const auto length = static_cast<std::size_t>(following) + 1;
     if (text.front() == '\0' || following < 0 || !beginsWithCharacter(text, length)) {
       return false;
     }
