@@ -233,6 +233,20 @@ TEST_F(Reminders, TheUsersWordCountsAndOnlyThat) {
   EXPECT_EQ(agent->center->nextDue(), clock->now() + hours{1});
 }
 
+TEST_F(Reminders, InDoubtWaitForAServiceOfWhichItIsKnownWhatItCanDo) {
+  allow();
+  agent->presenter->dieAt(1, DesktopPresenter::Death::beforeShown);
+  addDueIn("Call", minutes{0});
+  end();
+  desktop.service = {};
+  start();
+  EXPECT_THAT(pending(), ElementsAre("Call"));
+  desktop.restart(":1.8");
+  serviceChanged();
+  EXPECT_THAT(desktop.appeared, ElementsAre("Call"));
+  EXPECT_THAT(delivered(), ElementsAre("Call"));
+}
+
 TEST_F(Reminders, AskWhoeverStandsInFront) {
   allow();
   agent->foreground->isInFront = true;

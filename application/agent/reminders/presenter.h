@@ -79,9 +79,9 @@ class PopupPresenter {
   /// Null ends the listening. The listener must be there until then.
   virtual void setListener(PopupListener* listener) = 0;
 
-  /// Whether there is a service, and it is known what it can do.
+  /// Whether there is a service, and it is known what it can do, or one that the bus starts for the first popup.
   virtual bool isThere() const = 0;
-  /// The unique name of the service's connection; empty when there is none.
+  /// The unique name of the service's connection; empty when none is running.
   virtual std::string service() const = 0;
   /// Whether it replaces popups by their tag.
   virtual bool replacesByTag() const = 0;

@@ -97,7 +97,8 @@ void ReminderPresenting::presentNext() {
 }
 
 bool ReminderPresenting::takeUpInterrupted() {
-  while (!interrupted_.empty()) {
+  // What a service can do that the bus has yet to start is not known.
+  while (!interrupted_.empty() && !parts_.presenter->service().empty()) {
     const bool isOnItsWay = takeUp(interrupted_.front());
     interrupted_.pop_front();
     if (isOnItsWay) {
