@@ -32,6 +32,20 @@ install(TARGETS orvan_relationship_attention EXPORT OrvanRelationshipAttentionTa
 if(TARGET orvan)
   install(TARGETS orvan COMPONENT command_line)
 endif()
+if(TARGET orvan-agent)
+  install(TARGETS orvan-agent COMPONENT agent)
+  # They name the program where it will lie, so the prefix has to be the one that was configured.
+  foreach(file orvan-agent.service org.orvan.Agent.service org.orvan.Agent.desktop)
+    configure_file("${PROJECT_SOURCE_DIR}/packaging/agent/${file}.in" "${PROJECT_BINARY_DIR}/agent/${file}" @ONLY)
+  endforeach()
+  # Below the data folder they are found under any prefix that the session's bus and systemd know.
+  install(FILES "${PROJECT_BINARY_DIR}/agent/orvan-agent.service"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/systemd/user" COMPONENT agent)
+  install(FILES "${PROJECT_BINARY_DIR}/agent/org.orvan.Agent.service"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/dbus-1/services" COMPONENT agent)
+  install(FILES "${PROJECT_BINARY_DIR}/agent/org.orvan.Agent.desktop"
+    DESTINATION "${CMAKE_INSTALL_SYSCONFDIR}/xdg/autostart" COMPONENT agent)
+endif()
 
 install(EXPORT OrvanRelationshipAttentionTargets NAMESPACE Orvan:: DESTINATION "${package_directory}"
   COMPONENT library)
