@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "OrvanSpineCore/internal/contact_by_person.h"
 #include "OrvanSpineCore/internal/user_tables.h"
 
 namespace orvan {
@@ -426,11 +427,12 @@ struct Step {
 
 // A new store goes all steps, an older one those that it lacks. A step that was published stays as it is; what is to
 // change becomes the next one.
-constexpr std::array<Step, 4> steps{{
+constexpr std::array<Step, 5> steps{{
     {1, createWhatTheLibraryReads},
     {2, createWhatImportsRemember},
     {3, createWhatTellsOfContact},
     {4, internal::createWhatTheUserSays},
+    {5, internal::createWhatTellsOfContactByPerson},
 }};
 
 void makeStepsAfter(std::int64_t version, Connection& connection) {

@@ -33,6 +33,8 @@ class ContactLedger {
     std::int64_t sent = 0;
     std::int64_t received = 0;
     std::int64_t inCompany = 0;
+    /// Of those in company.
+    std::int64_t sentInCompany = 0;
     std::int64_t met = 0;
 
     bool operator==(const Counts&) const = default;
@@ -41,12 +43,15 @@ class ContactLedger {
     std::string firstContactAt;
     std::string firstReachedAt;
   };
-  struct Mails {
-    std::int64_t to = 0;
-    std::int64_t from = 0;
+  struct MailsOneWay {
+    std::int64_t count = 0;
     /// Empty when there is none.
     std::string lastAddedAt;
     std::string lastRemovedAt;
+  };
+  struct Mails {
+    MailsOneWay to;
+    MailsOneWay from;
   };
 
   /// For each of its participants, or for one.
