@@ -4,12 +4,9 @@
 
 namespace orvan {
 
-SharedNames::SharedNames(std::span<const ContactOutlook> everybody) {
-  std::unordered_set<std::string> seen;
-  for (const auto& person : everybody) {
-    if (const auto [name, isNew] = seen.insert(withoutCase(person.displayName)); !isNew) {
-      folded_.insert(*name);
-    }
+void SharedNames::add(const std::string& displayName, std::unordered_set<std::string>& seen) {
+  if (const auto [name, isNew] = seen.insert(withoutCase(displayName)); !isNew) {
+    folded_.insert(*name);
   }
 }
 

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <optional>
-#include <span>
 #include <string>
 #include <unordered_set>
 
-#include "OrvanObservatory/contact_outlook.h"
 #include "OrvanStore/connection.h"
 
 namespace orvan {
@@ -14,7 +12,14 @@ namespace orvan {
 /// do blanks around a name.
 class SharedNames {
  public:
-  explicit SharedNames(std::span<const ContactOutlook> everybody);
+  /// Of people with a displayName each.
+  template <typename People>
+  explicit SharedNames(const People& everybody) {
+    std::unordered_set<std::string> seen;
+    for (const auto& person : everybody) {
+      add(person.displayName, seen);
+    }
+  }
 
   /// What tells the person from the others of that name: one of the person's addresses. Nothing when nobody else has
   /// the name, or no address is known. Runs within the caller's read; throws StoreError.
@@ -22,6 +27,8 @@ class SharedNames {
                                            Connection& connection) const;
 
  private:
+  void add(const std::string& displayName, std::unordered_set<std::string>& seen);
+
   std::unordered_set<std::string> folded_;
 };
 
