@@ -12,6 +12,7 @@
 #include "application/cli/command_failure.h"
 #include "application/cli/command_line_fault.h"
 #include "application/cli/command_set.h"
+#include "application/cli/contact_commands.h"
 #include "application/cli/correction_commands.h"
 #include "application/cli/forgetting_commands.h"
 #include "application/cli/hiding_commands.h"
@@ -112,6 +113,7 @@ void addReadingCommands(CommandSet& commands, Invocation& invocation) {
                           [&invocation](const auto& context) { runWhy(context, invocation.person); }),
              invocation.person);
   addPeopleCommands(commands);
+  addContactCommands(commands);
   takePerson(commands.add({"bundle", "To see", "Show all evidence on one person", "orvan bundle ada@hill.example"},
                           [&invocation](const auto& context) { runBundle(context, invocation.person); }),
              invocation.person);

@@ -254,6 +254,14 @@ void HumanOutput::line(std::string_view text) const {
   std::cout << text << '\n';
 }
 
+void HumanOutput::heading(std::string_view text) const {
+  line(bold(text));
+}
+
+void HumanOutput::row(std::string_view text) const {
+  line(fitted(text));
+}
+
 void HumanOutput::people(const std::vector<ListedPerson>& people, std::size_t shown) const {
   std::vector<std::vector<std::string>> rows{{"Name", "You wrote", "They wrote", "Last contact", "Address"}};
   for (const auto& person : std::span{people}.first(shown)) {

@@ -44,6 +44,10 @@ class HumanOutput {
   void cardReport(std::string_view source, const CardReport& report) const;
   void meetingReport(std::string_view source, const MeetingReport& report) const;
   void line(std::string_view text) const;
+  /// One that stands out above others.
+  void heading(std::string_view text) const;
+  /// One of a list: cut where the terminal ends.
+  void row(std::string_view text) const;
   void check(bool isFine, std::string_view name, std::string_view detail) const;
 
  private:
