@@ -27,6 +27,8 @@
 #include "application/import/ledger/mail_importer.h"
 #include "application/import/mail/mbox_source.h"
 #include "application/session/catch_up_list.h"
+#include "application/session/contact_history.h"
+#include "application/session/contact_overview.h"
 #include "application/session/session.h"
 #include "application/store/application_store.h"
 #include "generated_mailbox.h"
@@ -284,6 +286,27 @@ void measureLists(const Files& files, Counts& counts) {
   counts.tell("list without a cap: processor seconds", uncapped.processorSeconds);
 }
 
+/// Twice: of a connection that has just been opened, and once its pages are read.
+void measureContact(const Files& files, const std::vector<std::string>& keys, Counts& counts) {
+  const auto asOf = momentOfTheList(files);
+  Session session({.store = files.store, .keyFile = files.key});
+  session.openForReading();
+  const auto missesBefore = bench::pageMisses();
+  const double before = processorSeconds(RUSAGE_SELF);
+  contactOverview(session, asOf);
+  const double read = processorSeconds(RUSAGE_SELF);
+  counts.judge("overview: page misses", bench::pageMisses() - missesBefore, 100);
+  contactOverview(session, asOf);
+  counts.tell("overview: processor milliseconds", 1000 * (read - before));
+  counts.tell("overview again: processor milliseconds", 1000 * (processorSeconds(RUSAGE_SELF) - read));
+
+  const auto missesBeforePeople = bench::pageMisses();
+  for (const auto& key : keys) {
+    contactHistory(session, key, asOf);
+  }
+  counts.judge("two years of 200 usual people: page misses", bench::pageMisses() - missesBeforePeople, 100);
+}
+
 void measureSecondImport(const Settings& settings, const Files& files, Counts& counts) {
   const auto import = importInto(files, settings.mailsPerBatch);
   counts.judge("mails taken twice", static_cast<std::uintmax_t>(import.report.read - import.report.known), 0);
@@ -299,6 +322,7 @@ bool run(const Settings& settings, const std::filesystem::path& folder) {
   std::fflush(stdout);
   measureCompiling(files, counts);
   measureLists(files, counts);
+  measureContact(files, usualPeople(files), counts);
   std::fflush(stdout);
   measureSecondImport(settings, files, counts);
   return counts.hold();

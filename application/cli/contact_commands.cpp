@@ -95,7 +95,7 @@ class YearsDrawn {
     return text + sparkline(summedUp(counts, weeksTogether_), most_, style_);
   }
 
-  /// "from Nov 21, 2024; each character is a week"
+  /// "since Nov 21, 2024, each character a week"
   std::string legend() const {
     const auto each = weeksTogether_ == 1 ? std::string{"a week"} : inWeeks(static_cast<std::int64_t>(weeksTogether_));
     return std::string(labelColumns.size(), ' ') + "since " + humanDateText(startOf(history_.firstWeek)) +
@@ -233,7 +233,7 @@ std::string dateOf(const std::optional<Instant>& instant) {
   return instant ? humanDateText(*instant) : "";
 }
 
-/// "12 last year, 85 the year before"
+/// "12 in a year, 85 the year before"
 std::string exchangedInWords(const ContactSummary& person) {
   return std::to_string(person.exchangedLastYear) + " in a year, " + std::to_string(person.exchangedYearBefore) +
          " the year before";

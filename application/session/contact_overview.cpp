@@ -228,7 +228,7 @@ WHERE present.source_identity_id = ? AND i.occurred_at <= ?
     return at ? parseInternetDateTime(*at) : std::nullopt;
   }
 
-  /// What was put aside for good since is not waited for, nor what is hidden.
+  /// What is hidden waits for nobody, nor what came before the user put the person's item aside for good.
   void readWaiting() {
     auto rows = connection_.query(R"sql(
 SELECT waiting.source_identity_id, waiting.since
@@ -238,9 +238,9 @@ WHERE waiting.since BETWEEN ?1 AND ?2
     SELECT target_id FROM exclusion_rule WHERE scope = 'thread' AND ended_at IS NULL)
   AND NOT EXISTS (
     SELECT 1
-    FROM relationship_attention_candidate_evidence evidence
-    JOIN relationship_attention_disposition decided ON decided.candidate_key = evidence.candidate_key
-    WHERE evidence.reference_kind = 'thread' AND evidence.reference_id = waiting.thread_id
+    FROM identity_membership im
+    JOIN relationship_attention_disposition decided ON decided.person_id = im.canonical_person_id
+    WHERE im.source_identity_id = waiting.source_identity_id AND im.ended_at IS NULL
       AND decided.state IN ('dismissed', 'resolved') AND decided.updated_at >= waiting.since)
 )sql",
                                   formatInternetDateTime(instantBySubtractingDays(asOf_, olderAfterDays)), asOfText_);
