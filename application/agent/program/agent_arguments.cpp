@@ -29,6 +29,8 @@ std::variant<AgentArguments, int> agentArgumentsIn(std::span<const char* const> 
       "--foreground", [&] { arguments.output = AgentOutput::terminal; }, "Say on the terminal what it does");
   program.add_flag_callback(
       "--no-refresh", [&] { arguments.refreshing = AgentRefreshing::never; }, "Do not read remembered sources anew");
+  program.add_flag_callback(
+      "--start", [&] { arguments.start = AgentStart::throughBus; }, "Have the session's bus start it, and end");
   try {
     program.parse(static_cast<int>(words.size()), words.data());
   } catch (const CLI::ParseError& found) {

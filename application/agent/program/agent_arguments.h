@@ -16,12 +16,20 @@ enum class AgentRefreshing {
   never,
 };
 
+enum class AgentStart {
+  /// In this process.
+  here,
+  /// By the session's bus, so that what watches over services watches over it; here where the bus does not know it.
+  throughBus,
+};
+
 /// What the agent is told on its command line.
 struct AgentArguments {
   /// The store whose follow-ups are the agent's own; with absolute paths.
   SessionSettings settings;
   AgentOutput output = AgentOutput::journal;
   AgentRefreshing refreshing = AgentRefreshing::asSet;
+  AgentStart start = AgentStart::here;
 };
 
 /// Reads the words, the program's name first. Instead of arguments an exit status, where there is nothing else to do:
