@@ -57,7 +57,11 @@ bool mayBeAskedAgain(const BusFailure& failure) {
 
 AgentLink::AgentLink(std::shared_ptr<boost::asio::io_context> loop, AgentCenterOptions options,
                      std::weak_ptr<NotificationCenter> center)
-    : loop_(std::move(loop)), options_(std::move(options)), center_(std::move(center)), returnTimer_(*loop_) {}
+    : loop_(std::move(loop)),
+      options_(std::move(options)),
+      center_(std::move(center)),
+      quietTimer_(*loop_),
+      returnTimer_(*loop_) {}
 
 void AgentLink::connect() {
   try {
@@ -119,22 +123,26 @@ void AgentLink::becomeMute() {
   if (std::exchange(mute_, true)) {
     return;
   }
+  // For as long as a call may take nothing else is asked in any case: a service that answers this one and hangs in
+  // others would hold up a caller with thousands of them for as many times.
+  quietTimer_.expires_after(options_.callTimeout);
   // A real question: who answers those has not only a loop that runs.
   bus_->call(theCenter, "GetSettings", applicationOnly(), probeTimeout,
-             [this](const BusAnswer& answer) { endSilence(answer); });
+             [this](const BusAnswer& answer) { probeAnswered(answer); });
 }
 
 /// Any word of the service's own ends its silence; so does its end, after which the bus may start another.
-void AgentLink::endSilence(const BusAnswer& answer) {
-  if (!std::exchange(mute_, false)) {
-    return;
-  }
+void AgentLink::probeAnswered(const BusAnswer& answer) {
   if (const auto status = statusIn(answer)) {
     learn(*status);
   }
-  if (answer.has_value() || answer.error().error() == BusError::answeredWithError) {
-    agentIsBack();
-  }
+  const bool spoke = answer.has_value() || answer.error().error() == BusError::answeredWithError;
+  quietTimer_.async_wait([weak = weak_from_this(), spoke](boost::system::error_code cancelled) {
+    const auto self = weak.lock();
+    if (!cancelled && self != nullptr && std::exchange(self->mute_, false) && spoke) {
+      self->agentIsBack();
+    }
+  });
 }
 
 void AgentLink::ownerChanged(const std::string& owner) {
@@ -144,6 +152,7 @@ void AgentLink::ownerChanged(const std::string& owner) {
     return ownerSeen_ ? awaitReturn() : void();
   }
   mute_ = false;
+  quietTimer_.cancel();
   const bool returns = std::exchange(ownerSeen_, true) || callFailed_;
   if (returns) {
     agentIsBack();

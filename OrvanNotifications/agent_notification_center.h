@@ -39,8 +39,8 @@ struct AgentCenterOptions {
 /// Each question is put over the user's bus, which starts the service when it does not run, from a thread of the
 /// centre's own, where completion handlers run, too. No question is open for longer than the call's timeout, except the
 /// one for the user's permission; its handler is then given NotificationCenterError::unavailable or, where it takes no
-/// error, dropped. After one question that nobody answered in time, others fail at once until the service has been
-/// heard of again. Without a bus every question fails at once.
+/// error, dropped. After one question that nobody answered in time, others fail at once, for as long as a call may take
+/// and until the service has been heard of again. Without a bus every question fails at once.
 ///
 /// A service that cannot be reached has decided nothing: getNotificationSettings() gives the last status that was
 /// learned, or notDetermined. A question for permission that was open when the service went is put again when it

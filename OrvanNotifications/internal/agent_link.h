@@ -46,7 +46,7 @@ class AgentLink : public std::enable_shared_from_this<AgentLink> {
   BusWriter::Contents applicationOnly() const;
   void heard(const BusAnswer& answer);
   void becomeMute();
-  void endSilence(const BusAnswer& answer);
+  void probeAnswered(const BusAnswer& answer);
   void ownerChanged(const std::string& owner);
   void agentIsBack();
   void busLost();
@@ -79,6 +79,7 @@ class AgentLink : public std::enable_shared_from_this<AgentLink> {
   bool callFailed_ = false;
   /// A question went unanswered; nothing but the probe is asked until the service is heard of.
   bool mute_ = false;
+  boost::asio::steady_timer quietTimer_;
   bool inFront_ = false;
 
   std::optional<AuthorizationStatus> lastStatus_;

@@ -4,15 +4,13 @@
 
 #include <utility>
 
+#include "OrvanPlatform/bus/internal/own_message.h"
 #include "OrvanPlatform/error.h"
 
 namespace orvan {
 namespace {
 
-struct UnrefMessage {
-  void operator()(sd_bus_message* message) const noexcept { sd_bus_message_unref(message); }
-};
-using OwnMessage = std::unique_ptr<sd_bus_message, UnrefMessage>;
+using internal::OwnMessage;
 
 constexpr auto notCarriedOut = SD_BUS_ERROR_FAILED;
 

@@ -12,6 +12,7 @@
 #include <map>
 #include <utility>
 
+#include "OrvanPlatform/bus/internal/own_message.h"
 #include "OrvanPlatform/error.h"
 
 namespace orvan {
@@ -23,15 +24,12 @@ struct UnrefBus {
 struct UnrefSlot {
   void operator()(sd_bus_slot* slot) const noexcept { sd_bus_slot_unref(slot); }
 };
-struct UnrefMessage {
-  void operator()(sd_bus_message* message) const noexcept { sd_bus_message_unref(message); }
-};
 struct UnrefCredentials {
   void operator()(sd_bus_creds* credentials) const noexcept { sd_bus_creds_unref(credentials); }
 };
+using internal::OwnMessage;
 using Bus = std::unique_ptr<sd_bus, UnrefBus>;
 using Slot = std::unique_ptr<sd_bus_slot, UnrefSlot>;
-using Message = std::unique_ptr<sd_bus_message, UnrefMessage>;
 using Credentials = std::unique_ptr<sd_bus_creds, UnrefCredentials>;
 
 using Wait = boost::asio::posix::stream_descriptor::wait_type;
@@ -156,7 +154,7 @@ class BusConnection::State : public std::enable_shared_from_this<BusConnection::
     sd_bus_message* made = nullptr;
     requireForm(sd_bus_message_new_method_call(bus_.get(), &made, target.service().c_str(), target.path().c_str(),
                                                target.interface().c_str(), method));
-    const Message message{made};
+    const OwnMessage message{made};
     BusWriter writer{message.get()};
     arguments(writer);
     const auto call = std::make_shared<PendingCall>(*this, nextCall_++, std::move(answer));
@@ -174,7 +172,7 @@ class BusConnection::State : public std::enable_shared_from_this<BusConnection::
             const BusWriter::Contents& arguments) {
     sd_bus_message* made = nullptr;
     requireForm(sd_bus_message_new_signal(bus_.get(), &made, path.c_str(), interface.c_str(), signal));
-    const Message message{made};
+    const OwnMessage message{made};
     BusWriter writer{message.get()};
     arguments(writer);
     if (sd_bus_send(bus_.get(), message.get(), nullptr) >= 0) {
