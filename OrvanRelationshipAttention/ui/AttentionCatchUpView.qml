@@ -34,8 +34,9 @@ Item {
 
     function reveal(item: Item) {
         const top = item.mapToItem(flickable.contentItem, 0, 0).y
-        const lowest = top + item.height + 8 - flickable.height
-        flickable.contentY = Math.max(lowest, Math.min(flickable.contentY, top - 8))
+        const leastNeeded = top + item.height + 8 - flickable.height
+        const nearest = Math.max(leastNeeded, Math.min(flickable.contentY, top - 8))
+        flickable.contentY = Math.max(0, Math.min(nearest, flickable.contentHeight - flickable.height))
     }
 
     Loader {
