@@ -17,9 +17,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -223,13 +225,10 @@ void fillInAnotherProcess(const std::filesystem::path& folder, int pending) {
   }
 }
 
-} // namespace
-} // namespace orvan
-
-int main(int count, char** arguments) {
+void run(std::span<char* const> arguments) {
   int pending = 10'000;
   std::filesystem::path parent = std::filesystem::temp_directory_path();
-  for (int at = 1; at + 1 < count; at += 2) {
+  for (std::size_t at = 1; at + 1 < arguments.size(); at += 2) {
     const std::string_view option = arguments[at];
     if (option == "--pending") {
       pending = std::atoi(arguments[at + 1]);
@@ -237,9 +236,21 @@ int main(int count, char** arguments) {
       parent = arguments[at + 1];
     }
   }
-  const orvan::ScratchFolder folder(parent);
-  orvan::fillInAnotherProcess(folder.path(), pending);
-  std::printf("the disk alone, median      %10.2f ms\n", orvan::syncTime(folder.path()));
-  orvan::serve(folder.path());
-  return 0;
+  const ScratchFolder folder(parent);
+  fillInAnotherProcess(folder.path(), pending);
+  std::printf("the disk alone, median      %10.2f ms\n", syncTime(folder.path()));
+  serve(folder.path());
+}
+
+} // namespace
+} // namespace orvan
+
+int main(int count, char** arguments) {
+  try {
+    orvan::run({arguments, static_cast<std::size_t>(count)});
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
 }

@@ -13,7 +13,6 @@ namespace {
 
 using std::filesystem::perms;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 class RemindersFile : public testing::Test, public ReminderWorld {
  protected:
