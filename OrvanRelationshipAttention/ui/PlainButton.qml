@@ -16,8 +16,14 @@ Templates.AbstractButton {
     Accessible.name: text
     Accessible.onPressAction: clicked()
 
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: event => pressOnce(event)
+    Keys.onEnterPressed: event => pressOnce(event)
+
+    // A key that is held would go on in the next row when the first press makes this one go.
+    function pressOnce(event: KeyEvent) {
+        if (!event.isAutoRepeat)
+            clicked()
+    }
 
     contentItem: Text {
         text: button.text
