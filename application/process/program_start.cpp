@@ -60,7 +60,7 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
     }
   }
   for (const auto& [name, value] : variables) {
-    texts.push_back(name + "=" + value);
+    texts.push_back(std::string{name}.append("=").append(value));
   }
   return texts;
 }

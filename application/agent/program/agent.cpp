@@ -64,6 +64,18 @@ bool isLocked(const std::error_code& code) {
   return isOf<CredentialVaultError>(code) || code == ApplicationStoreError::keyNotInKeyring;
 }
 
+std::string wordOf(ReminderFileOrigin origin) {
+  switch (origin) {
+    case ReminderFileOrigin::opened:
+      return "opened";
+    case ReminderFileOrigin::made:
+      return "made";
+    case ReminderFileOrigin::madeAfterDamage:
+      return "made after damage";
+  }
+  return "opened";
+}
+
 /// The parts of the agent, and what they do to one another. Lives on the thread of its loop.
 class Agent {
  public:
@@ -153,8 +165,6 @@ class Agent {
       begin(std::move(file));
     } catch (const Error& error) {
       notOpened(error);
-    } catch (const std::exception&) {
-      fail(failed, "Something unexpected went wrong with the reminders' file; 'orvan doctor' may tell what.");
     }
   }
 
@@ -192,7 +202,19 @@ class Agent {
     const auto origin = file->origin();
     const auto own = notificationApplicationOf(arguments_.settings.store);
     actions_ = std::make_shared<StoreReminderActions>(executor_, arguments_.settings, log_);
-    center_ =
+    startCenter(std::move(file), own);
+    NotificationCenter::setCurrent(
+        std::make_shared<ApplicationNotificationCenter>(executor_, center_, own, std::string{notificationDisplayName}));
+    reconciliation_ = std::make_unique<ReminderReconciliation>(
+        executor_, arguments_.settings, std::make_shared<UserNotificationsFollowUpScheduling>(sink_), clock_, log_);
+    service_.serve(center_);
+    log_.write("agent.ready", {{"reminders", wordOf(origin)}});
+    reconciliation_->reconcile();
+    startRefreshing();
+  }
+
+  void startCenter(std::shared_ptr<ReminderFile> file, const std::string& ownApplication) {
+    const auto center =
         std::make_shared<ReminderCenter>(ReminderCenterParts{.executor = executor_,
                                                              .file = std::move(file),
                                                              .clock = clock_,
@@ -200,19 +222,15 @@ class Agent {
                                                              .presenter = desktop_,
                                                              .foreground = foreground_,
                                                              .actions = actions_,
-                                                             .ownApplication = own,
+                                                             .ownApplication = ownApplication,
                                                              .log = log_});
-    NotificationCenter::setCurrent(
-        std::make_shared<ApplicationNotificationCenter>(executor_, center_, own, std::string{notificationDisplayName}));
-    reconciliation_ = std::make_unique<ReminderReconciliation>(
-        executor_, arguments_.settings, std::make_shared<UserNotificationsFollowUpScheduling>(sink_), clock_, log_);
-    service_.serve(center_);
-    center_->start();
-    log_.write("agent.ready", {{"reminders", origin == ReminderFileOrigin::opened ? "opened"
-                                             : origin == ReminderFileOrigin::made ? "made"
-                                                                                  : "made after damage"}});
-    reconciliation_->reconcile();
-    startRefreshing();
+    try {
+      center->start();
+    } catch (...) {
+      center->stop();
+      throw;
+    }
+    center_ = center;
   }
 
   void startRefreshing() {
@@ -247,7 +265,9 @@ class Agent {
     if (std::exchange(isEnding_, true)) {
       return;
     }
-    log_.write("agent.ends", {{"reason", reason}});
+    if (sentence_.empty()) {
+      log_.write("agent.ends", {{"reason", reason}});
+    }
     exitStatus_ = exitStatus;
     refreshing_.reset();
     if (reconciliation_ != nullptr) {
@@ -324,6 +344,12 @@ int report(int exitStatus, const std::string& sentence) {
   return exitStatus;
 }
 
+/// Not an exit status like others: whatever watches over the agent is to start it again.
+[[noreturn]] void crash() {
+  report(failed, "Something unexpected went wrong; 'orvan doctor' may tell what.");
+  std::abort();
+}
+
 } // namespace
 
 int runAgent(const AgentArguments& arguments, std::shared_ptr<LogSink> log) {
@@ -341,9 +367,9 @@ int runAgent(const AgentArguments& arguments, std::shared_ptr<LogSink> log) {
     if (error.code() == BusError::noBus) {
       return report(failed, "There is no session bus here; start orvan-agent within a desktop session.");
     }
-    return report(failed, "Something unexpected went wrong; 'orvan doctor' may tell what.");
+    crash();
   } catch (const std::exception&) {
-    return report(failed, "Something unexpected went wrong; 'orvan doctor' may tell what.");
+    crash();
   }
 }
 

@@ -1,6 +1,10 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <span>
 #include <string>
 #include <variant>
 
@@ -28,14 +32,22 @@ std::shared_ptr<orvan::LogSink> sinkFor(orvan::AgentOutput output) {
   return output == orvan::AgentOutput::terminal ? std::make_shared<TerminalLogSink>() : orvan::systemLogSink();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-  orvan::keepMemoryOutOfCrashDumps();
-  const auto arguments = orvan::agentArgumentsIn({argv, static_cast<std::size_t>(argc)});
+int run(std::span<const char* const> words) {
+  const auto arguments = orvan::agentArgumentsIn(words);
   if (const auto* exitStatus = std::get_if<int>(&arguments)) {
     return *exitStatus;
   }
   const auto& told = std::get<orvan::AgentArguments>(arguments);
   return orvan::runAgent(told, sinkFor(told.output));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  orvan::keepMemoryOutOfCrashDumps();
+  try {
+    return run({argv, static_cast<std::size_t>(argc)});
+  } catch (...) {
+    std::abort();
+  }
 }
