@@ -1,0 +1,72 @@
+#include "application/desktop/person_model.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "application/desktop/wording.h"
+
+namespace orvan {
+namespace {
+
+QVariantList exchangesOf(const Conversation& conversation) {
+  QVariantList exchanges;
+  for (const auto& exchange : conversation.exchanges) {
+    exchanges.append(QVariantMap{{"date", dateOf(exchange.occurredAt)},
+                                 {"writer", writerOf(exchange)},
+                                 {"isOwn", exchange.kind == Exchange::Kind::sent}});
+  }
+  return exchanges;
+}
+
+} // namespace
+
+PersonModel::PersonModel(QObject* parent) : QObject(parent) {}
+
+PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
+  Shown shown;
+  shown.personKey = QString::fromStdString(reading.personKey);
+  shown.displayName = displayText(reading.displayName);
+  QStringList addresses;
+  for (const auto& address : reading.addresses) {
+    addresses.append(displayText(address));
+  }
+  shown.addresses = addresses.join(tr(", "));
+  if (!reading.details) {
+    return shown;
+  }
+  const auto& details = *reading.details;
+  shown.itemKey = QString::fromStdString(details.item.itemKey());
+  shown.question = displayText(details.about.question.value_or(""));
+  shown.subject = displayText(details.about.subject.value_or(""));
+  shown.meeting = meetingInWords(details.about);
+  shown.exchanges = exchangesOf(details.conversation);
+  shown.earlierExchanges = static_cast<int>(details.conversation.earlier);
+  for (const auto& matter : details.others) {
+    shown.otherMatters.append(orvan::inWords(matter));
+  }
+  for (const auto& record : details.records) {
+    shown.decisions.append(orvan::inWords(record.state()));
+  }
+  return shown;
+}
+
+void PersonModel::show(const PersonReading& reading, const QString& absence) {
+  auto shown = inWords(reading);
+  shown.absence = absence;
+  set(std::move(shown), reading.details ? std::optional{reading.details->item.whyNow()} : std::nullopt);
+}
+
+void PersonModel::clear() {
+  set({}, std::nullopt);
+}
+
+void PersonModel::set(Shown shown, std::optional<AttentionWhyNowItem> reason) {
+  if (whyNow_.item() != reason) {
+    whyNow_.setItem(std::move(reason));
+  }
+  if (std::exchange(shown_, shown) != shown) {
+    Q_EMIT changed();
+  }
+}
+
+} // namespace orvan

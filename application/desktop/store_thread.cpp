@@ -1,0 +1,27 @@
+#include "application/desktop/store_thread.h"
+
+namespace orvan {
+
+StoreThread::StoreThread(SessionSettings settings) : settings_(std::move(settings)) {}
+
+StoreThread::~StoreThread() {
+  boost::asio::post(worker_.get(), [this] {
+    if (session_ != nullptr) {
+      session_->finish();
+      session_.reset();
+    }
+  });
+}
+
+void StoreThread::startAgain() {
+  boost::asio::post(worker_.get(), [this] { session_.reset(); });
+}
+
+Session& StoreThread::session() {
+  if (session_ == nullptr) {
+    session_ = std::make_unique<Session>(settings_);
+  }
+  return *session_;
+}
+
+} // namespace orvan

@@ -1,0 +1,470 @@
+#include "application/desktop/window_model.h"
+
+#include <algorithm>
+#include <boost/asio/co_spawn.hpp>
+#include <chrono>
+#include <exception>
+#include <utility>
+
+#include "OrvanPlatform/error.h"
+#include "application/desktop/snooze_choices.h"
+#include "application/desktop/wording.h"
+#include "application/session/snooze_end.h"
+
+namespace orvan {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t mostFound = 50;
+/// Meetings come near and snoozes end by time alone.
+constexpr auto listStaysTrueFor = 10min;
+
+} // namespace
+
+WindowModel::WindowModel(QtLoop& loop, StoreThread& store, const Clock& clock, std::optional<Instant> asOf,
+                         QObject* parent)
+    : QObject(parent), loop_(loop), store_(store), clock_(clock), asOf_(asOf), watch_(store.settings().store) {
+  connect(&watch_, &StoreWatch::changed, this, [this] { begin(lookForChanges()); });
+  second_.setInterval(1s);
+  connect(&second_, &QTimer::timeout, this, &WindowModel::endUndoPeriod);
+  minute_.setInterval(1min);
+  minute_.setTimerType(Qt::VeryCoarseTimer);
+  connect(&minute_, &QTimer::timeout, this, [this] { setIsSeen(true); });
+}
+
+Instant WindowModel::now() const {
+  return asOf_.value_or(clock_.now());
+}
+
+/// What a task cannot answer for itself would be a mistake of ours.
+void WindowModel::begin(Task<void> task) {
+  boost::asio::co_spawn(loop_.executor(), std::move(task), [](const std::exception_ptr& fault) {
+    if (fault != nullptr) {
+      std::terminate();
+    }
+  });
+}
+
+void WindowModel::start(const QString& person) {
+  readListSoon();
+  if (!person.isEmpty()) {
+    chooseCalled(person);
+  }
+}
+
+void WindowModel::tryAgain() {
+  store_.startAgain();
+  setPage(Opening);
+  readListSoon();
+}
+
+void WindowModel::setPage(Page page) {
+  if (std::exchange(page_, page) != page || page == Failing) {
+    Q_EMIT pageChanged();
+  }
+}
+
+void WindowModel::fail(FailureInWords failure) {
+  failure_ = std::move(failure);
+  setPage(Failing);
+}
+
+void WindowModel::readListSoon() {
+  if (isReading_) {
+    mustReadAgain_ = true;
+    return;
+  }
+  isReading_ = true;
+  begin(readListUntilCurrent());
+}
+
+Task<void> WindowModel::readListUntilCurrent() {
+  do {
+    mustReadAgain_ = false;
+    const auto number = ++readingsBegun_;
+    const auto asOf = now();
+    try {
+      take(co_await store_.ask([asOf](Session& session) { return readList(session, asOf); }), number);
+    } catch (...) {
+      fail(failureOfCurrentException());
+    }
+  } while (mustReadAgain_);
+  isReading_ = false;
+  watch_.watchWhatIsThere();
+}
+
+void WindowModel::take(ListReading reading, std::uint64_t number) {
+  reading_ = std::move(reading);
+  notShown_.clear();
+  for (const auto& person : reading_->list.notShown) {
+    notShown_.emplace(person.personKey, person);
+  }
+  std::erase_if(savings_, [number](const auto& saving) {
+    return saving->state == Saving::State::saved && saving->readingsBefore < number;
+  });
+  setPage(Showing);
+  showRows();
+  Q_EMIT listRead();
+  Q_EMIT freshnessChanged();
+  if (chosen_.isEmpty()) {
+    chooseNear(0);
+  } else {
+    begin(readChosen(chosen_));
+  }
+}
+
+bool WindowModel::isDecidedOn(const QString& itemKey) const {
+  const auto key = itemKey.toStdString();
+  const auto& undoable = undoPeriod_.decision();
+  return (undoable && undoable->itemKey == key) || std::ranges::any_of(savings_, [&key](const auto& saving) {
+           return saving->state != Saving::State::failed && saving->decision.itemKey == key;
+         });
+}
+
+void WindowModel::showRows() {
+  if (!reading_) {
+    return;
+  }
+  std::vector<CatchUpListRow> rows;
+  for (const auto& row : reading_->list.rows) {
+    auto words = rowInWords(row);
+    if ((isOlderOpen_ || row.place.part != ListPart::older) && !isDecidedOn(words.itemKey)) {
+      rows.push_back(std::move(words));
+    }
+  }
+  list_.setRows(std::move(rows));
+}
+
+int WindowModel::olderCount() const {
+  return reading_ ? static_cast<int>(reading_->list.older) : 0;
+}
+
+QString WindowModel::olderHeading() {
+  return headingOf(ListPart::older);
+}
+
+void WindowModel::setIsOlderOpen(bool isOpen) {
+  if (std::exchange(isOlderOpen_, isOpen) != isOpen) {
+    showRows();
+    Q_EMIT isOlderOpenChanged();
+  }
+}
+
+QString WindowModel::freshness() const {
+  return reading_ ? freshnessInWords(reading_->broughtInAt, now()) : QString{};
+}
+
+Task<void> WindowModel::lookForChanges() {
+  watch_.watchWhatIsThere();
+  if (page_ != Showing) {
+    tryAgain();
+    co_return;
+  }
+  try {
+    const auto version = co_await store_.ask(&dataVersion);
+    if (!reading_ || reading_->dataVersion != version) {
+      readListSoon();
+    }
+  } catch (const Error&) {
+    // Whatever is wrong shows when the list is read.
+    readListSoon();
+  }
+}
+
+void WindowModel::setIsSeen(bool isSeen) {
+  if (!isSeen) {
+    minute_.stop();
+    return;
+  }
+  minute_.start();
+  Q_EMIT freshnessChanged();
+  if (page_ == Showing && reading_ && now() - reading_->asOf > listStaysTrueFor) {
+    readListSoon();
+  }
+}
+
+void WindowModel::choose(const QString& personKey) {
+  if (std::exchange(chosen_, personKey) != personKey) {
+    Q_EMIT chosenChanged();
+  }
+  if (personKey.isEmpty()) {
+    person_.clear();
+  } else {
+    begin(readChosen(personKey));
+  }
+}
+
+void WindowModel::chooseNear(int row) {
+  choose(list_.personAt(std::min(row, list_.count() - 1)));
+}
+
+Task<void> WindowModel::readChosen(QString personKey) {
+  const auto asOf = now();
+  try {
+    const auto reading = co_await store_.ask(
+        [key = personKey.toStdString(), asOf](Session& session) { return readPerson(session, key, asOf); });
+    if (chosen_ != personKey) {
+      co_return;
+    }
+    if (reading) {
+      person_.show(*reading, absenceOf(*reading));
+    } else {
+      chooseNear(0);
+    }
+  } catch (...) {
+    fail(failureOfCurrentException());
+  }
+}
+
+void WindowModel::chooseCalled(const QString& person) {
+  begin(findCalled(person));
+}
+
+Task<void> WindowModel::findCalled(QString person) {
+  try {
+    choose(QString::fromStdString(
+        co_await store_.ask([text = person.toStdString()](Session& session) { return session.personKeyOf(text); })));
+  } catch (const Error&) {
+    // A store that does not open is told of with the list; whoever is not found is looked for by the user.
+    searchFor(person);
+  }
+}
+
+QString WindowModel::absenceOf(const PersonReading& reading) const {
+  if (list_.rowOf(QString::fromStdString(reading.personKey)) >= 0) {
+    return {};
+  }
+  if (const auto found = notShown_.find(reading.personKey); found != notShown_.end()) {
+    return orvan::inWords(found->second);
+  }
+  return reading.details ? QString{} : tr("Nothing is waiting between you.");
+}
+
+void WindowModel::searchFor(const QString& text) {
+  searched_ = text.trimmed();
+  if (searched_.isEmpty()) {
+    found_.setPeople({});
+  } else {
+    begin(findPeople(searched_));
+  }
+}
+
+Task<void> WindowModel::findPeople(QString text) {
+  const auto asOf = now();
+  try {
+    const auto people = co_await store_.ask([plain = text.toStdString(), asOf](Session& session) {
+      return orvan::findPeople(session, plain, mostFound, asOf);
+    });
+    if (searched_ != text) {
+      co_return;
+    }
+    std::vector<FoundPerson> found;
+    found.reserve(people.size());
+    for (const auto& person : people) {
+      found.push_back(inWords(person));
+    }
+    found_.setPeople(std::move(found));
+  } catch (...) {
+    fail(failureOfCurrentException());
+  }
+}
+
+FoundPerson WindowModel::inWords(const ListedPerson& person) const {
+  const auto key = QString::fromStdString(person.personKey);
+  FoundPerson found{key, displayText(person.displayName), {}, tr("Nothing is waiting between you.")};
+  QStringList addresses;
+  for (const auto& address : person.addresses) {
+    addresses.append(displayText(address));
+  }
+  found.addresses = addresses.join(tr(", "));
+  if (const auto* row = list_.rowFor(key)) {
+    found.standing = row->headline;
+  } else if (const auto reason = notShown_.find(person.personKey); reason != notShown_.end()) {
+    found.standing = orvan::inWords(reason->second);
+  } else if (reading_) {
+    const auto& rows = reading_->list.rows;
+    const auto closed = std::ranges::find(rows, person.personKey, [](const auto& row) { return row.item.personKey(); });
+    if (closed != rows.end()) {
+      found.standing = displayText(closed->item.whyNow().headline());
+    }
+  }
+  return found;
+}
+
+QVariantList WindowModel::snoozeChoices() const {
+  QVariantList choices;
+  for (const auto& choice : orvan::snoozeChoices(now())) {
+    choices.append(QVariantMap{{"label", choice.label}, {"date", choice.date}, {"day", choice.day}});
+  }
+  return choices;
+}
+
+QString WindowModel::today() const {
+  return dayOf(now());
+}
+
+void WindowModel::snoozeUntil(const QString& day) {
+  const auto asOf = now();
+  const auto end = parseSnoozeEnd(day.toStdString(), asOf);
+  if (end && *end > asOf) {
+    decide(AttentionItemAction::snooze(*end));
+  }
+}
+
+void WindowModel::dismiss() {
+  decide(AttentionItemAction::dismiss());
+}
+
+void WindowModel::resolve() {
+  decide(AttentionItemAction::resolve());
+}
+
+void WindowModel::decide(const AttentionItemAction& action) {
+  const auto* row = list_.rowFor(chosen_);
+  if (row == nullptr) {
+    return;
+  }
+  const int place = list_.rowOf(chosen_);
+  const DecisionToSave decision{row->personKey, row->displayName, row->itemKey.toStdString(), action};
+  told_.clear();
+  hasTriedToClose_ = false;
+  // This one takes the place of what could not be saved about the same matter.
+  std::erase_if(savings_, [&decision](const auto& saving) {
+    return saving->state == Saving::State::failed && saving->decision.itemKey == decision.itemKey;
+  });
+  if (auto earlier = undoPeriod_.begin(decision, clock_.monotonicNow())) {
+    save(*std::move(earlier));
+  }
+  second_.start();
+  showRows();
+  chooseNear(place);
+  Q_EMIT noticeChanged();
+  Q_EMIT secondsToUndoChanged();
+}
+
+void WindowModel::undo() {
+  if (const auto decision = undoPeriod_.take()) {
+    second_.stop();
+    showRows();
+    choose(decision->personKey);
+    Q_EMIT noticeChanged();
+  }
+}
+
+void WindowModel::endUndoPeriod() {
+  if (auto due = undoPeriod_.takeDue(clock_.monotonicNow())) {
+    second_.stop();
+    save(*std::move(due));
+    Q_EMIT noticeChanged();
+  } else {
+    Q_EMIT secondsToUndoChanged();
+  }
+}
+
+int WindowModel::secondsToUndo() const {
+  return static_cast<int>(undoPeriod_.left(clock_.monotonicNow()).count());
+}
+
+void WindowModel::save(DecisionToSave decision) {
+  give(savings_.emplace_back(std::make_shared<Saving>(std::move(decision))));
+}
+
+void WindowModel::give(const std::shared_ptr<Saving>& saving) {
+  saving->state = Saving::State::underWay;
+  store_.post([this, saving, asOf = now()](Session& session) {
+    const auto end = saving->isDone ? SavingEnd::saved : orvan::save(saving->decision, session, asOf);
+    saving->isDone = end != SavingEnd::failed;
+    loop_.post([this, saving, end] { ended(saving, end); });
+  });
+}
+
+void WindowModel::ended(const std::shared_ptr<Saving>& saving, SavingEnd end) {
+  if (end == SavingEnd::failed) {
+    saving->state = Saving::State::failed;
+    showRows();
+  } else {
+    saving->state = Saving::State::saved;
+    saving->readingsBefore = readingsBegun_;
+    readListSoon();
+  }
+  if (end == SavingEnd::lapsed) {
+    told_ = tr("The reason has changed meanwhile, so nothing was done: %1").arg(saving->decision.displayName);
+  }
+  Q_EMIT noticeChanged();
+  goOnClosing();
+}
+
+bool WindowModel::hasUnsaved() const {
+  return std::ranges::any_of(savings_, [](const auto& saving) { return saving->state == Saving::State::failed; });
+}
+
+void WindowModel::saveAgain() {
+  for (const auto& saving : savings_) {
+    if (saving->state == Saving::State::failed) {
+      give(saving);
+    }
+  }
+  showRows();
+  Q_EMIT noticeChanged();
+}
+
+void WindowModel::forgetNotice() {
+  told_.clear();
+  Q_EMIT noticeChanged();
+}
+
+WindowModel::Notice WindowModel::notice() const {
+  if (hasUnsaved()) {
+    return CouldNotSave;
+  }
+  if (undoPeriod_.decision()) {
+    return CanUndo;
+  }
+  return told_.isEmpty() ? NoNotice : Told;
+}
+
+QString WindowModel::noticeText() const {
+  switch (notice()) {
+    case CouldNotSave:
+      return tr("Couldn't save — try again");
+    case CanUndo:
+      return orvan::inWords(undoPeriod_.decision()->action, undoPeriod_.decision()->displayName);
+    case Told:
+      return told_;
+    case NoNotice:
+      break;
+  }
+  return {};
+}
+
+void WindowModel::saveAtEnd() {
+  if (auto decision = undoPeriod_.take()) {
+    save(*std::move(decision));
+  }
+  saveAgain();
+}
+
+bool WindowModel::mayClose() {
+  const bool isGivenUp = hasTriedToClose_ && !undoPeriod_.decision();
+  saveAtEnd();
+  const bool isUnderWay =
+      std::ranges::any_of(savings_, [](const auto& saving) { return saving->state == Saving::State::underWay; });
+  isClosing_ = isUnderWay && !isGivenUp;
+  return !isClosing_;
+}
+
+void WindowModel::goOnClosing() {
+  const bool isUnderWay =
+      std::ranges::any_of(savings_, [](const auto& saving) { return saving->state == Saving::State::underWay; });
+  if (!isClosing_ || isUnderWay) {
+    return;
+  }
+  isClosing_ = false;
+  hasTriedToClose_ = hasUnsaved();
+  if (!hasTriedToClose_) {
+    Q_EMIT readyToClose();
+  }
+}
+
+} // namespace orvan

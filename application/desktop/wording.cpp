@@ -1,0 +1,186 @@
+#include "application/desktop/wording.h"
+
+#include <QCoreApplication>
+#include <chrono>
+#include <string>
+
+#include "OrvanPlatform/human_date.h"
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanPlatform/printable_text.h"
+
+namespace orvan {
+namespace {
+
+struct Wording {
+  Q_DECLARE_TR_FUNCTIONS(Wording)
+};
+
+QString quoted(const std::string& text) {
+  return Wording::tr("“%1”").arg(displayText(text));
+}
+
+QString timeOf(Instant startsAt, bool isAllDay) {
+  return isAllDay ? Wording::tr("%1, all day").arg(displayText(humanDateText(startsAt)))
+                  : displayText(humanMomentText(startsAt));
+}
+
+QString titleAndPlace(const About& about) {
+  const auto title = displayText(about.title.value_or(""));
+  const auto place = displayText(about.place.value_or(""));
+  if (title.isEmpty() || place.isEmpty()) {
+    return title + place;
+  }
+  return Wording::tr("%1 (%2)", "what a meeting is about, and where it is").arg(title, place);
+}
+
+QString withAbout(const QString& sentence, const About& about) {
+  const auto line = about.question || about.subject ? inALine(about) : titleAndPlace(about);
+  return line.isEmpty() ? sentence : Wording::tr("%1: %2").arg(sentence, line);
+}
+
+QString sentenceFor(const OpenThreadEvidence& thread, const About& about) {
+  return withAbout(Wording::tr("Waiting for your reply since %1").arg(dateOf(thread.lastInboundOccurredAt())), about);
+}
+
+QString sentenceFor(const UpcomingInteractionEvidence& meeting, const About& about) {
+  const auto time = about.startsAt ? timeOf(*about.startsAt, about.isAllDay) : dateOf(meeting.occurredAt());
+  return withAbout(Wording::tr("Meeting on %1").arg(time), about);
+}
+
+QString sentenceFor(const ChangedContextEvidence& context, const About& about) {
+  return withAbout(Wording::tr("Back in touch since %1, after quiet since %2")
+                       .arg(dateOf(context.resumedAt()), dateOf(context.quietSinceAt())),
+                   about);
+}
+
+QString sentenceFor(const CommitmentEvidence& commitment, const About& about) {
+  return withAbout(Wording::tr("Still open since %1").arg(dateOf(commitment.detectedAt())), about);
+}
+
+} // namespace
+
+QString displayText(std::string_view text) {
+  return QString::fromStdString(printableText(text));
+}
+
+QString headingOf(ListPart part) {
+  switch (part) {
+    case ListPart::near:
+      return Wording::tr("Now");
+    case ListPart::current:
+      return Wording::tr("Lately");
+    case ListPart::strangers:
+      return Wording::tr("New to you");
+    case ListPart::older:
+      return Wording::tr("Older");
+  }
+  return {};
+}
+
+QString inALine(const About& about) {
+  if (about.question) {
+    return quoted(*about.question);
+  }
+  return about.subject ? displayText(*about.subject) : meetingInWords(about);
+}
+
+QString meetingInWords(const About& about) {
+  const auto what = titleAndPlace(about);
+  if (!about.startsAt) {
+    return what;
+  }
+  const auto time = timeOf(*about.startsAt, about.isAllDay);
+  return what.isEmpty() ? time : Wording::tr("%1: %2").arg(time, what);
+}
+
+QString inWords(const Matter& matter) {
+  return std::visit([&](const auto& evidence) { return sentenceFor(evidence, matter.about); }, matter.evidence);
+}
+
+QString writerOf(const Exchange& exchange) {
+  switch (exchange.kind) {
+    case Exchange::Kind::sent:
+      return Wording::tr("You wrote");
+    case Exchange::Kind::meeting:
+      return Wording::tr("You met");
+    case Exchange::Kind::received:
+      break;
+  }
+  return exchange.from ? Wording::tr("%1 wrote").arg(displayText(*exchange.from)) : Wording::tr("Somebody wrote");
+}
+
+QString dateOf(std::string_view timestamp) {
+  const auto instant = parseInternetDateTime(timestamp);
+  return displayText(instant ? humanDateText(*instant) : std::string{timestamp});
+}
+
+QString inWords(const NotShown& person) {
+  switch (person.reason) {
+    case NotShownReason::nothingToTell:
+    case NotShownReason::noEvidence:
+      return Wording::tr("Nothing is waiting between you.");
+    case NotShownReason::noValidReason:
+    case NotShownReason::noItemKey:
+      return Wording::tr("What the store holds gives no reason that could be shown.");
+    case NotShownReason::noName:
+      return Wording::tr("There is a reason, but no name to show.");
+    case NotShownReason::snoozed:
+      return person.until ? Wording::tr("Snoozed until %1.").arg(displayText(humanDateText(*person.until)))
+                          : Wording::tr("Snoozed.");
+    case NotShownReason::dismissed:
+      return Wording::tr("You dismissed this reason.");
+    case NotShownReason::resolved:
+      return Wording::tr("You resolved this.");
+    case NotShownReason::beyondTheCap:
+      return Wording::tr("Not looked at: the list looks at the people you deal with most.");
+    case NotShownReason::hidden:
+      return Wording::tr("You hide this person.");
+  }
+  return {};
+}
+
+QString inWords(const AttentionItemState& state) {
+  switch (state.kind()) {
+    case AttentionItemState::Kind::snoozed:
+      return Wording::tr("Snoozed until %1").arg(displayText(humanDateText(*state.until())));
+    case AttentionItemState::Kind::dismissed:
+      return Wording::tr("Dismissed");
+    case AttentionItemState::Kind::resolved:
+      return Wording::tr("Resolved");
+    case AttentionItemState::Kind::active:
+      break;
+  }
+  return Wording::tr("On the list");
+}
+
+QString inWords(const AttentionItemAction& action, const QString& displayName) {
+  switch (action.kind()) {
+    case AttentionItemAction::Kind::dismiss:
+      return Wording::tr("Dismissed: %1").arg(displayName);
+    case AttentionItemAction::Kind::resolve:
+      return Wording::tr("Resolved: %1").arg(displayName);
+    case AttentionItemAction::Kind::snooze:
+      break;
+  }
+  return Wording::tr("Snoozed until %2: %1").arg(displayName, displayText(humanDateText(*action.until())));
+}
+
+QString freshnessInWords(std::optional<Instant> broughtInAt, Instant now) {
+  using namespace std::chrono_literals;
+  if (!broughtInAt) {
+    return {};
+  }
+  const auto age = now - *broughtInAt;
+  if (age < 1min) {
+    return Wording::tr("Up to date");
+  }
+  if (age < 1h) {
+    return Wording::tr("Up to date %1 min ago").arg(std::chrono::floor<std::chrono::minutes>(age).count());
+  }
+  if (age < 24h) {
+    return Wording::tr("Up to date %1 h ago").arg(std::chrono::floor<std::chrono::hours>(age).count());
+  }
+  return Wording::tr("Up to date on %1").arg(displayText(humanDateText(*broughtInAt)));
+}
+
+} // namespace orvan

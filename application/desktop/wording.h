@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <string_view>
+
+#include "OrvanPlatform/instant.h"
+#include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
+#include "application/session/catch_up_list.h"
+#include "application/session/item_details.h"
+#include "application/session/people_list.h"
+
+namespace orvan {
+
+// What the window says in words of its own, in the language of the user. Texts of the user's data are made printable.
+
+QString displayText(std::string_view text);
+
+/// The heading of a part of the list.
+QString headingOf(ListPart part);
+
+/// What a reason is about, in one line: the question, or else the subject, or else the meeting. Empty when nothing is
+/// known.
+QString inALine(const About& about);
+
+/// The same of a meeting alone: its time, title and place.
+QString meetingInWords(const About& about);
+
+/// A matter beside the one reason, as a sentence.
+QString inWords(const Matter& matter);
+
+/// Who wrote, or that there was a meeting.
+QString writerOf(const Exchange& exchange);
+
+/// The date of a timestamp of the store.
+QString dateOf(std::string_view timestamp);
+
+QString inWords(const NotShown& person);
+
+/// What was decided: "Snoozed until Mar 4, 2026".
+QString inWords(const AttentionItemState& state);
+
+/// What the user just did: "Dismissed: Ada Marsh".
+QString inWords(const AttentionItemAction& action, const QString& displayName);
+
+/// How long ago mail and calendars were brought in last: "Up to date 4 min ago".
+QString freshnessInWords(std::optional<Instant> broughtInAt, Instant now);
+
+} // namespace orvan
