@@ -1,0 +1,101 @@
+import QtQuick
+import OrvanRelationshipAttention
+import Orvan.Desktop
+
+// One person of the list: who, why, and what it is about.
+Item {
+    id: row
+
+    required property int index
+    required property string personKey
+    required property string displayName
+    required property string address
+    required property string headline
+    required property string about
+    required property WindowModel window
+    required property AttentionLook look
+
+    readonly property bool isChosen: window.chosen === personKey
+
+    signal opened
+
+    implicitHeight: content.implicitHeight + 24
+
+    Accessible.role: Accessible.ListItem
+    Accessible.name: displayName + ". " + headline
+    Accessible.description: about
+    Accessible.focusable: true
+    Accessible.focused: isChosen && ListView.view.activeFocus
+    Accessible.selectable: true
+    Accessible.selected: isChosen
+    Accessible.onPressAction: opened()
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.leftMargin: 8
+        anchors.rightMargin: 8
+        radius: 8
+        color: Qt.alpha(row.look.accent, row.isChosen ? (row.look.isDark ? 0.18 : 0.1) : pointer.hovered ? 0.05 : 0)
+        border.width: row.isChosen && row.ListView.view.activeFocus ? 1 : 0
+        border.color: Qt.alpha(row.look.accent, 0.6)
+    }
+
+    HoverHandler {
+        id: pointer
+    }
+
+    TapHandler {
+        onTapped: row.opened()
+    }
+
+    Column {
+        id: content
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.leftMargin: 20
+        anchors.rightMargin: 20
+        spacing: 3
+
+        PlainText {
+            look: row.look
+            width: parent.width
+            points: 13
+            text: row.displayName
+            font.weight: Font.Medium
+            Accessible.ignored: true
+        }
+
+        PlainText {
+            look: row.look
+            width: parent.width
+            visible: text.length > 0
+            points: 11
+            text: row.address
+            color: row.look.secondaryText
+            wrapMode: Text.NoWrap
+            elide: Text.ElideRight
+        }
+
+        PlainText {
+            look: row.look
+            width: parent.width
+            text: row.headline
+            color: row.look.secondaryText
+            Accessible.ignored: true
+        }
+
+        PlainText {
+            look: row.look
+            width: parent.width
+            visible: text.length > 0
+            text: row.about
+            color: row.look.secondaryText
+            font.italic: true
+            wrapMode: Text.NoWrap
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+    }
+}

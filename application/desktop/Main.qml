@@ -1,0 +1,378 @@
+import QtQuick
+import QtQuick.Templates as Templates
+import OrvanRelationshipAttention
+import Orvan.Desktop
+
+// The window: the list at the left, the chosen person at the right, the search above.
+Window {
+    id: window
+
+    required property WindowModel model
+    required property DesktopAppearance appearance
+    // Of text, on top of what the desktop has; the program remembers it.
+    property real zoom: 1
+
+    readonly property bool isShowing: model.page === WindowModel.Showing
+    readonly property bool isSearching: search.text.trim().length > 0
+    // Where there is no room for two, the person takes the place of the list.
+    readonly property bool isNarrow: width < look.pixelSize(620)
+    property bool showsPerson: false
+    readonly property bool takesKeys: isShowing && !snoozeMenu.visible && !keysPage.visible
+
+    function showPerson() {
+        showsPerson = true
+        page.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    function showList() {
+        showsPerson = false
+        search.text = ""
+        list.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    function snooze(anchor: Item) {
+        if (model.list.rowOf(model.chosen) >= 0)
+            snoozeMenu.openAt(anchor)
+    }
+
+    width: 1060
+    height: 720
+    minimumWidth: 360
+    minimumHeight: 360
+    title: qsTr("Orvan")
+    color: look.background
+
+    onActiveChanged: model.setIsSeen(active)
+    onClosing: close => close.accepted = model.mayClose()
+
+    AttentionLook {
+        id: look
+
+        textScale: Math.min(3, window.appearance.textScale * window.zoom)
+        reducesMotion: window.appearance.reducesMotion
+    }
+
+    Connections {
+        target: window.model
+
+        function onReadyToClose() {
+            window.close()
+        }
+
+        function onPageChanged() {
+            if (window.isShowing)
+                list.forceActiveFocus()
+        }
+    }
+
+    Shortcut {
+        sequences: ["J"]
+        enabled: window.takesKeys
+        onActivated: list.move(1)
+    }
+    Shortcut {
+        sequences: ["K"]
+        enabled: window.takesKeys
+        onActivated: list.move(-1)
+    }
+    Shortcut {
+        sequences: ["S"]
+        enabled: window.takesKeys
+        onActivated: window.snooze(null)
+    }
+    Shortcut {
+        sequences: ["D"]
+        enabled: window.takesKeys
+        onActivated: window.model.dismiss()
+    }
+    Shortcut {
+        sequences: ["R"]
+        enabled: window.takesKeys
+        onActivated: window.model.resolve()
+    }
+    Shortcut {
+        sequences: ["U", StandardKey.Undo]
+        enabled: window.takesKeys
+        onActivated: window.model.undo()
+    }
+    Shortcut {
+        sequences: ["/", StandardKey.Find]
+        enabled: window.takesKeys
+        onActivated: {
+            window.showsPerson = false
+            search.forceActiveFocus(Qt.ShortcutFocusReason)
+        }
+    }
+    Shortcut {
+        sequences: [StandardKey.Cancel]
+        enabled: window.takesKeys
+        onActivated: window.showList()
+    }
+    Shortcut {
+        sequences: ["?", StandardKey.HelpContents]
+        enabled: window.takesKeys
+        onActivated: keysPage.open()
+    }
+    Shortcut {
+        sequences: [StandardKey.ZoomIn, "Ctrl+="]
+        onActivated: window.zoom = Math.min(2, window.zoom + 0.1)
+    }
+    Shortcut {
+        sequences: [StandardKey.ZoomOut]
+        onActivated: window.zoom = Math.max(0.8, window.zoom - 0.1)
+    }
+    Shortcut {
+        sequences: ["Ctrl+0"]
+        onActivated: window.zoom = 1
+    }
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: window.close()
+    }
+
+    Item {
+        id: content
+
+        anchors.fill: parent
+
+        LayoutMirroring.enabled: look.isRightToLeft
+        LayoutMirroring.childrenInherit: true
+
+        Item {
+            id: bar
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            height: Math.max(52, search.implicitHeight + 20)
+            visible: window.isShowing
+
+            PlainText {
+                id: name
+
+                look: look
+                anchors.left: parent.left
+                anchors.leftMargin: 20
+                anchors.verticalCenter: parent.verticalCenter
+                visible: !window.isNarrow
+                points: 15
+                text: qsTr("Orvan")
+                font.weight: Font.DemiBold
+            }
+
+            ActionButton {
+                id: back
+
+                anchors.left: parent.left
+                anchors.leftMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                visible: window.isNarrow && window.showsPerson
+                look: look
+                text: qsTr("Back")
+                onClicked: window.showList()
+            }
+
+            Templates.TextField {
+                id: search
+
+                anchors.verticalCenter: parent.verticalCenter
+                x: back.visible ? (look.isRightToLeft ? 16 : back.width + 24) : (parent.width - width) / 2
+                width: window.isNarrow ? parent.width - (back.visible ? back.width + 40 : 32)
+                                       : Math.min(look.pixelSize(300), parent.width - 2 * freshness.width - 80)
+                implicitHeight: contentHeight + topPadding + bottomPadding
+                padding: 8
+                leftPadding: 12
+                rightPadding: 12
+                color: look.text
+                selectionColor: look.accent
+                selectByMouse: true
+                horizontalAlignment: TextInput.AlignLeft
+                font.pixelSize: look.pixelSize(12)
+                activeFocusOnTab: true
+
+                Accessible.role: Accessible.EditableText
+                Accessible.searchEdit: true
+                Accessible.name: qsTr("Search people")
+
+                onTextChanged: window.model.searchFor(text)
+                onActiveFocusChanged: {
+                    if (activeFocus)
+                        window.showsPerson = false
+                }
+
+                Keys.onEscapePressed: window.showList()
+                Keys.onDownPressed: {
+                    if (window.isSearching)
+                        results.forceActiveFocus(Qt.TabFocusReason)
+                    else
+                        list.forceActiveFocus(Qt.TabFocusReason)
+                }
+                Keys.onReturnPressed: results.open(0)
+                Keys.onEnterPressed: results.open(0)
+
+                background: Rectangle {
+                    radius: 7
+                    color: look.desktop.base
+                    border.width: search.activeFocus ? 2 : 1
+                    border.color: search.activeFocus ? look.accent : Qt.alpha(look.text, 0.2)
+                }
+
+                PlainText {
+                    look: look
+                    anchors.left: parent.left
+                    anchors.leftMargin: 12
+                    anchors.verticalCenter: parent.verticalCenter
+                    visible: search.length === 0 && search.preeditText.length === 0
+                    text: qsTr("Search people")
+                    color: look.secondaryText
+                    Accessible.ignored: true
+                }
+            }
+
+            PlainText {
+                id: freshness
+
+                look: look
+                anchors.right: parent.right
+                anchors.rightMargin: 20
+                anchors.verticalCenter: parent.verticalCenter
+                visible: !window.isNarrow
+                points: 11
+                text: window.model.freshness
+                color: look.secondaryText
+            }
+
+            Rectangle {
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.bottom: parent.bottom
+                height: 1
+                color: Qt.alpha(look.text, 0.14)
+            }
+        }
+
+        Item {
+            id: side
+
+            anchors.left: parent.left
+            anchors.top: bar.bottom
+            anchors.bottom: parent.bottom
+            width: window.isNarrow ? parent.width : Math.max(look.pixelSize(300), Math.min(look.pixelSize(420), parent.width * 0.37))
+            visible: window.isShowing && !(window.isNarrow && window.showsPerson)
+
+            CatchUpList {
+                id: list
+
+                anchors.fill: parent
+                visible: !window.isSearching
+                window: window.model
+                look: look
+                onOpened: window.showPerson()
+            }
+
+            SearchResults {
+                id: results
+
+                anchors.fill: parent
+                visible: window.isSearching
+                window: window.model
+                look: look
+                onOpened: window.showPerson()
+                Keys.onEscapePressed: window.showList()
+            }
+
+            Column {
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.margins: 20
+                y: 40
+                spacing: 6
+                visible: window.isShowing && list.visible && list.count === 0
+
+                PlainText {
+                    look: look
+                    width: parent.width
+                    points: 13
+                    font.weight: Font.Medium
+                    text: window.model.hasPeople ? qsTr("Nobody is waiting for you.") : qsTr("Orvan knows nobody yet.")
+                }
+
+                PlainText {
+                    look: look
+                    width: parent.width
+                    color: look.secondaryText
+                    text: window.model.hasPeople
+                        ? qsTr("Every question is answered, and nothing is left open. When that changes, you see it here.")
+                        : qsTr("Let it look for your mail and calendars: run “orvan sources discover” in a terminal. People appear here as soon as they are found.")
+                }
+            }
+        }
+
+        Rectangle {
+            anchors.left: window.isNarrow ? parent.left : side.right
+            anchors.right: parent.right
+            anchors.top: bar.bottom
+            anchors.bottom: parent.bottom
+            visible: window.isShowing && (!window.isNarrow || window.showsPerson)
+            color: look.desktop.base
+
+            Rectangle {
+                anchors.left: parent.left
+                width: 1
+                height: parent.height
+                visible: !window.isNarrow
+                color: Qt.alpha(look.text, 0.14)
+            }
+
+            PersonPage {
+                id: page
+
+                anchors.fill: parent
+                window: window.model
+                look: look
+                onSnoozeRequested: anchor => window.snooze(anchor)
+            }
+
+            // That the keyboard is at the right.
+            Rectangle {
+                anchors.left: parent.left
+                width: 3
+                height: parent.height
+                visible: page.activeFocus
+                color: Qt.alpha(look.accent, 0.7)
+            }
+        }
+
+        FailurePage {
+            anchors.fill: parent
+            visible: window.model.page === WindowModel.Failing
+            window: window.model
+            look: look
+        }
+
+        NoticeBar {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 18
+            width: implicitWidth
+            height: implicitHeight
+            window: window.model
+            look: look
+        }
+
+        SnoozeMenu {
+            id: snoozeMenu
+
+            parent: content
+            window: window.model
+            look: look
+            onClosed: list.forceActiveFocus()
+        }
+
+        KeysPage {
+            id: keysPage
+
+            parent: content
+            look: look
+        }
+    }
+}

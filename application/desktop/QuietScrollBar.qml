@@ -1,0 +1,20 @@
+import QtQuick
+import QtQuick.Templates as Templates
+import OrvanRelationshipAttention
+
+Templates.ScrollBar {
+    id: bar
+
+    required property AttentionLook look
+
+    implicitWidth: 10
+    padding: 2
+    visible: size < 1
+    minimumSize: 0.06
+
+    contentItem: Rectangle {
+        implicitWidth: 6
+        radius: 3
+        color: Qt.alpha(bar.look.text, bar.pressed ? 0.5 : bar.hovered ? 0.35 : 0.18)
+    }
+}

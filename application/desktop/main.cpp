@@ -1,0 +1,202 @@
+#include <CLI/CLI.hpp>
+#include <QFile>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "OrvanPlatform/bus/bus_connection.h"
+#include "OrvanPlatform/clock.h"
+#include "OrvanPlatform/error.h"
+#include "OrvanPlatform/internet_date_time.h"
+#include "OrvanRelationshipAttention/ui/attention_views.h"
+#include "application/desktop/desktop_appearance.h"
+#include "application/desktop/qt_executor.h"
+#include "application/desktop/single_instance.h"
+#include "application/desktop/store_thread.h"
+#include "application/desktop/window_model.h"
+#include "application/desktop/window_place.h"
+#include "application/process/process_privacy.h"
+#include "application/session/session_settings.h"
+
+// Generated from the classes of this folder. Naming it keeps a linker from leaving it out of a program.
+void qml_register_types_Orvan_Desktop();
+
+namespace orvan {
+namespace {
+
+struct Invocation {
+  std::string store;
+  std::string keyFile;
+  std::string person;
+  std::string asOf;
+};
+
+std::optional<int> exitCodeOfReading(Invocation& invocation, int argc, char** argv) {
+  CLI::App program{"Whom to get back in touch with now, and why, in a window.", "orvan-desktop"};
+  program.set_version_flag("--version", std::string{"orvan-desktop "} + ORVAN_VERSION);
+  program.add_option("--store", invocation.store, "The store file (default: in your data folder)")->type_name("FILE");
+  program.add_option("--key-file", invocation.keyFile, "The file with the store's key")->type_name("FILE");
+  program.add_option("--person", invocation.person, "Whom to show: a key, a name or an address")->type_name("PERSON");
+  program.add_option("--as-of", invocation.asOf, "Take this moment for now, in whole seconds: 2026-03-04T09:15:00Z")
+      ->type_name("RFC3339")
+      ->check([](const std::string& text) {
+        return parseInternetDateTime(text) ? std::string{}
+                                           : std::string{"that is no moment such as 2026-03-04T09:15:00Z"};
+      });
+  try {
+    program.parse(argc, argv);
+    return std::nullopt;
+  } catch (const CLI::ParseError& found) {
+    constexpr int wrongCommandLine = 2;
+    return program.exit(found) == 0 ? 0 : wrongCommandLine;
+  }
+}
+
+bool asksAboutProgram(std::span<char* const> words) {
+  return std::ranges::any_of(
+      words, [](std::string_view word) { return word == "--help" || word == "-h" || word == "--version"; });
+}
+
+SessionSettings settingsOf(const Invocation& invocation) {
+  auto settings = SessionSettings::defaults();
+  if (!invocation.store.empty()) {
+    settings.store = std::filesystem::absolute(invocation.store);
+  }
+  if (!invocation.keyFile.empty()) {
+    settings.keyFile = std::filesystem::absolute(invocation.keyFile);
+  }
+  return settings;
+}
+
+/// Drawing with a graphics card that the processor has to imitate takes three times the memory and the time to start,
+/// and gives nothing for it.
+void chooseHowToDraw() {
+  const bool isChosen = qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || qEnvironmentVariableIsSet("QSG_RHI_BACKEND");
+  const bool hasCard =
+      QFile::exists(QStringLiteral("/dev/dri/renderD128")) && !qEnvironmentVariableIsSet("LIBGL_ALWAYS_SOFTWARE");
+  if (!isChosen && !hasCard) {
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  }
+}
+
+std::unique_ptr<BusConnection> userBus(QtLoop& loop) {
+  try {
+    return BusConnection::toUserBus(loop.executor());
+  } catch (const Error&) {
+    return nullptr;
+  }
+}
+
+/// Shows the window once it is known how it is to look and that it is the only one, and then opens the store.
+class Opening {
+ public:
+  Opening(QQuickWindow& window, WindowModel& model, std::string person)
+      : window_(window), model_(model), person_(std::move(person)) {}
+
+  void appearanceSettled() {
+    isSettled_ = true;
+    goOn();
+  }
+  void claimed(SingleInstance::Claim claim) {
+    if (claim == SingleInstance::Claim::notAnswered) {
+      std::cerr << "orvan-desktop: another window shows this store and does not answer; close it and try again.\n";
+    }
+    if (claim != SingleInstance::Claim::first) {
+      QGuiApplication::exit(claim == SingleInstance::Claim::handedOver ? 0 : 1);
+      return;
+    }
+    isFirst_ = true;
+    goOn();
+  }
+  void show(const std::string& person) {
+    window_.show();
+    window_.raise();
+    window_.requestActivate();
+    if (!person.empty()) {
+      model_.chooseCalled(QString::fromStdString(person));
+    }
+  }
+
+ private:
+  void goOn() {
+    if (isSettled_ && isFirst_) {
+      keepMemoryOutOfCrashDumps();
+      window_.show();
+      model_.start(QString::fromStdString(person_));
+    }
+  }
+
+  QQuickWindow& window_;
+  WindowModel& model_;
+  std::string person_;
+  bool isSettled_ = false;
+  bool isFirst_ = false;
+};
+
+int run(const Invocation& invocation, QGuiApplication& application) {
+  // Each needs those before it until it is gone.
+  QtLoop loop;
+  const auto bus = userBus(loop);
+  const SystemClock clock;
+  StoreThread store(settingsOf(invocation));
+  DesktopAppearance appearance(bus.get());
+  WindowModel model(loop, store, clock, parseInternetDateTime(invocation.asOf));
+
+  QQmlApplicationEngine engine;
+  addAttentionViews(engine);
+  qml_register_types_Orvan_Desktop();
+  engine.setInitialProperties(
+      {{"model", QVariant::fromValue(&model)}, {"appearance", QVariant::fromValue(&appearance)}});
+  engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
+  auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
+  if (window == nullptr) {
+    std::cerr << "orvan-desktop: the window could not be made; the packages of Qt Quick may be missing.\n";
+    return 1;
+  }
+
+  rememberPlaceOf(*window);
+  Opening opening(*window, model, invocation.person);
+  QObject::connect(&appearance, &DesktopAppearance::settled, &application, [&opening] { opening.appearanceSettled(); });
+  std::optional<SingleInstance> instance;
+  if (bus == nullptr) {
+    opening.claimed(SingleInstance::Claim::first);
+  } else {
+    instance.emplace(*bus, store.settings().store);
+    instance->onShow([&opening](const std::string& person) { opening.show(person); });
+    instance->claim(invocation.person, [&opening](auto claim) { opening.claimed(claim); });
+  }
+  const int code = QGuiApplication::exec();
+  model.saveAtEnd();
+  return code;
+}
+
+} // namespace
+} // namespace orvan
+
+int main(int argc, char** argv) {
+  orvan::Invocation invocation;
+  // Help needs no desktop to be read on.
+  if (orvan::asksAboutProgram({argv, static_cast<std::size_t>(argc)})) {
+    return orvan::exitCodeOfReading(invocation, argc, argv).value_or(0);
+  }
+  QGuiApplication::setApplicationName(QStringLiteral("orvan"));
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Orvan"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.orvan.Orvan"));
+  orvan::chooseHowToDraw();
+  // Takes Qt's own options off the command line.
+  QGuiApplication application(argc, argv);
+  if (const auto code = orvan::exitCodeOfReading(invocation, argc, argv)) {
+    return *code;
+  }
+  return orvan::run(invocation, application);
+}
