@@ -117,6 +117,7 @@ Flickable {
         }
 
         Row {
+            width: parent.width
             topPadding: 10
             spacing: 10
             visible: page.person.whyNow.hasItem && !absence.visible

@@ -11,6 +11,7 @@ Templates.Popup {
     required property AttentionLook look
     property bool showsDays: false
     property var choices: []
+    property real wantedY: 0
 
     function openAt(anchor: Item) {
         choices = window.snoozeChoices()
@@ -19,7 +20,7 @@ Templates.Popup {
         const place = anchor ? anchor.mapToItem(parent, 0, anchor.height + 4)
                              : Qt.point((parent.width - wide) / 2, parent.height / 4)
         x = Math.max(8, Math.min(place.x, parent.width - wide - 8))
-        y = Math.max(8, Math.min(place.y, parent.height - implicitHeight - 8))
+        wantedY = place.y
         open()
     }
 
@@ -30,6 +31,8 @@ Templates.Popup {
 
     implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+    // The month opens upwards where there is no room below.
+    y: Math.max(8, Math.min(wantedY, (parent?.height ?? 0) - implicitHeight - 8))
     padding: 8
     modal: true
     dim: false
@@ -129,6 +132,7 @@ Templates.Popup {
         DayPicker {
             id: days
 
+            x: (menu.availableWidth - width) / 2
             visible: menu.showsDays
             look: menu.look
             today: menu.window.today()

@@ -30,8 +30,16 @@ QPalette darkPalette() {
   const QColor window(0x24, 0x24, 0x28);
   const QColor base(0x1c, 0x1c, 0x20);
   const QColor text(0xe8, 0xe8, 0xea);
-  QPalette palette(text, window.lighter(125), window.lighter(150), window.darker(150), window.darker(115), text,
-                   Qt::white, base, window);
+  // One by one: what a constructor is given, the application takes for unset.
+  QPalette palette;
+  palette.setColor(QPalette::Window, window);
+  palette.setColor(QPalette::WindowText, text);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::AlternateBase, window);
+  palette.setColor(QPalette::Text, text);
+  palette.setColor(QPalette::Button, window.lighter(125));
+  palette.setColor(QPalette::ButtonText, text);
+  palette.setColor(QPalette::BrightText, Qt::white);
   palette.setColor(QPalette::Highlight, QColor(0x3a, 0x6e, 0xa5));
   palette.setColor(QPalette::HighlightedText, Qt::white);
   palette.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa0, 0xa8));
