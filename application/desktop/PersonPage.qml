@@ -10,6 +10,7 @@ Flickable {
     required property WindowModel window
     required property AttentionLook look
     readonly property PersonModel person: window.person
+    readonly property bool isAbsent: person.absence.length > 0
 
     signal snoozeRequested(anchor: Item)
 
@@ -81,8 +82,8 @@ Flickable {
 
         Rectangle {
             width: parent.width
-            height: Math.max(reason.implicitHeight, absence.implicitHeight) + 28
-            visible: page.person.whyNow.hasItem || absence.visible
+            height: (page.isAbsent ? absence.implicitHeight : reason.implicitHeight) + 28
+            visible: page.person.whyNow.hasItem || page.isAbsent
             radius: 10
             color: Qt.alpha(page.look.text, page.look.isDark ? 0.05 : 0.03)
             border.width: 1
@@ -96,7 +97,7 @@ Flickable {
                 anchors.leftMargin: 16
                 anchors.rightMargin: 16
                 y: 14
-                visible: !absence.visible
+                visible: !page.isAbsent
                 model: page.person.whyNow
                 look: page.look
                 isEvidenceExpanded: true
@@ -111,7 +112,7 @@ Flickable {
                 anchors.leftMargin: 16
                 anchors.rightMargin: 16
                 y: 14
-                visible: text.length > 0
+                visible: page.isAbsent
                 text: page.person.absence
             }
         }
@@ -120,7 +121,7 @@ Flickable {
             width: parent.width
             topPadding: 10
             spacing: 10
-            visible: page.person.whyNow.hasItem && !absence.visible
+            visible: page.person.whyNow.hasItem && !page.isAbsent
 
             ActionButton {
                 id: snooze
