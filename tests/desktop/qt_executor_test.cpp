@@ -44,7 +44,7 @@ Task<void> workElsewhere(Executor worker, std::shared_ptr<int> held, bool& isDon
 TEST(QtLoop, ResumesCoroutinesOnQtsThreadAndUnwindsThoseThatWaitAtTheEnd) {
   const auto held = std::make_shared<int>();
   bool isDone = false;
-  bool isDropped = true;
+  bool hasRun = false;
   {
     QtLoop loop;
     const WorkExecutor worker;
@@ -52,10 +52,9 @@ TEST(QtLoop, ResumesCoroutinesOnQtsThreadAndUnwindsThoseThatWaitAtTheEnd) {
     while (!isDone) {
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
-    boost::asio::co_spawn(loop.executor(), workElsewhere(worker.get(), held, isDropped), boost::asio::detached);
-    isDropped = false;
+    boost::asio::co_spawn(loop.executor(), workElsewhere(worker.get(), held, hasRun), boost::asio::detached);
   }
-  EXPECT_FALSE(isDropped);
+  EXPECT_FALSE(hasRun);
   EXPECT_EQ(held.use_count(), 1) << "the coroutine that waited was not unwound";
 }
 
