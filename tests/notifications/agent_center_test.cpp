@@ -15,7 +15,6 @@ namespace orvan {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::Contains;
 using testing::ElementsAre;
 
 constexpr auto application = "org.example.Diary";

@@ -33,7 +33,7 @@ std::string lineFrom(int descriptor) {
 
 PrivateBus::PrivateBus(std::filesystem::path folder) : folder_(std::move(folder)) {
   std::filesystem::create_directories(folder_ / "services");
-  std::string file = folder_ / "bus.conf";
+  const std::string file = folder_ / "bus.conf";
   std::ofstream{file} << configuration(folder_);
   std::array<int, 2> pipe{};
   if (::pipe2(pipe.data(), O_CLOEXEC) != 0) {
