@@ -14,12 +14,14 @@
 #include "application/cli/command_set.h"
 #include "application/cli/contact_commands.h"
 #include "application/cli/correction_commands.h"
+#include "application/cli/follow_up_commands.h"
 #include "application/cli/forgetting_commands.h"
 #include "application/cli/hiding_commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/own_address_commands.h"
 #include "application/cli/own_address_option.h"
 #include "application/cli/people_commands.h"
+#include "application/cli/reminders_commands.h"
 #include "application/cli/sources_commands.h"
 #include "application/session/person_lookup.h"
 
@@ -235,6 +237,8 @@ void addCommands(CommandSet& commands, Invocation& invocation) {
   addRefreshCommand(commands);
   addReadingCommands(commands, invocation);
   addDecidingCommands(commands, invocation);
+  addFollowUpCommands(commands);
+  addRemindersCommands(commands);
   addHidingCommands(commands);
   addCorrectionCommands(commands);
   addOwnAddressCommands(commands);

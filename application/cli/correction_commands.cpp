@@ -9,6 +9,7 @@
 #include "OrvanPlatform/printable_text.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/reminder_service.h"
 #include "application/corrections/taking_back.h"
 
 namespace orvan {
@@ -73,6 +74,22 @@ void runHistory(const CommandContext& context) {
   printJson(document);
 }
 
+/// Whether what was taken back decides which reminders there are to be.
+bool concernsReminders(UserActionKind kind, Session& session) {
+  switch (kind) {
+    case UserActionKind::followUpAdd:
+    case UserActionKind::followUpComplete:
+    case UserActionKind::followUpCancel:
+    case UserActionKind::followUpReopen:
+      return true;
+    case UserActionKind::hide:
+    case UserActionKind::unhide:
+      return hasFollowUps(session);
+    default:
+      return false;
+  }
+}
+
 void runUndo(const CommandContext& context, std::optional<std::int64_t> number) {
   const auto entry = context.session.writableStore().write(
       [&](Connection& connection) { return undoAction(number, context.asOf, connection); });
@@ -80,6 +97,9 @@ void runUndo(const CommandContext& context, std::optional<std::int64_t> number) 
     printJson(toJson(entry));
   } else {
     HumanOutput{}.line("Taken back: " + std::to_string(entry.number) + "  " + inWords(entry));
+  }
+  if (concernsReminders(entry.kind, context.session)) {
+    tell(context, bringRemindersInLine(context));
   }
 }
 

@@ -5,6 +5,7 @@
 #include "application/cli/confirmation.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/reminder_service.h"
 #include "application/session/decision.h"
 #include "application/session/item_lookup.h"
 #include "application/session/reason_in_words.h"
@@ -118,6 +119,9 @@ void runItemCommand(const CommandContext& context, ItemCommand command, const De
     printJson(toJson(decision.record));
   } else {
     tell(proposal, decision);
+  }
+  if (proposal.followUpID && decision.isAsAsked && isFinal(proposal.action)) {
+    tell(context, withdrawReminder(context, *proposal.followUpID));
   }
 }
 

@@ -13,6 +13,7 @@
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/reminder_service.h"
 #include "application/store/application_store.h"
 #include "application/store/key_change.h"
 
@@ -160,6 +161,40 @@ std::string lookAtLog(const SessionSettings& settings) {
   return std::to_string(size) + " bytes";
 }
 
+bool hasScheduledFollowUps(DatabaseQueue& store) {
+  return store.read([](Connection& connection) {
+    return connection.fetchOptionalInteger("SELECT 1 FROM follow_up WHERE state = 'scheduled' LIMIT 1").has_value();
+  });
+}
+
+/// That there is no desktop session is no fault of the installation; that nothing reminds of what is to come is one.
+std::string lookAtReminders(DatabaseQueue& store) {
+  try {
+    const auto state = AgentControl(std::chrono::seconds{5}).state();
+    if (state.file != AgentFile::open) {
+      throw Error(state.file == AgentFile::locked ? AgentControlError::locked : AgentControlError::unusable,
+                  "looking at the reminder service");
+    }
+    if (state.service.empty() && hasScheduledFollowUps(store)) {
+      throw Error(AgentControlError::noNotificationService, "looking at the reminder service");
+    }
+    return state.service.empty() ? "the reminder service runs; nothing here shows notifications"
+                                 : "the reminder service runs, and " + printableText(state.service) + " shows them";
+  } catch (const Error& error) {
+    if (error.code().category() != agentControlErrorCategory()) {
+      throw;
+    }
+    const auto reason = static_cast<AgentControlError>(error.code().value());
+    if (reason == AgentControlError::noBus) {
+      return "there is no desktop session here to remind you in";
+    }
+    if (reason == AgentControlError::noAgent && !hasScheduledFollowUps(store)) {
+      return "the reminder service (orvan-agent) does not run; there is nothing to remind of";
+    }
+    throw CommandFailure(ExitCode::failed, sentenceOf(reason));
+  }
+}
+
 std::vector<Finding> examine(const SessionSettings& settings, const CredentialVault& vault) {
   std::vector<Finding> findings;
   findings.push_back(lookAt("key", [&] { return lookAtKey(settings); }));
@@ -176,6 +211,7 @@ std::vector<Finding> examine(const SessionSettings& settings, const CredentialVa
     findings.push_back(lookAt("schema", [&] { return lookAtSchema(*store); }));
     findings.push_back(lookAt("pages", [&] { return lookAtPages(*store); }));
     findings.push_back(lookAt("log", [&] { return lookAtLog(settings); }));
+    findings.push_back(lookAt("reminders", [&] { return lookAtReminders(*store); }));
   }
   findings.push_back(lookAt("key change", [&] { return lookAtPendingKey(settings); }));
   findings.push_back(lookAt("copies", [&] { return lookAtCopies(settings); }));

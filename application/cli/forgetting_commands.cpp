@@ -13,6 +13,7 @@
 #include "application/cli/confirmation.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/reminder_service.h"
 #include "application/corrections/forgetting.h"
 #include "application/store/application_store.h"
 
@@ -117,6 +118,9 @@ void runForget(const CommandContext& context, const ForgettingArguments& argumen
   const auto forgotten = store.write(
       [&](Connection& connection) { return forget(personKey, formatInternetDateTime(context.asOf), connection); });
   print(required(forgotten), ApplicationStore::checkpoint(store), context.output);
+  if (forgotten->followUps > 0) {
+    tell(context, bringRemindersInLine(context));
+  }
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "OrvanPlatform/printable_text.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
+#include "application/cli/reminder_service.h"
 #include "application/session/correction.h"
 #include "application/session/reason_in_words.h"
 
@@ -46,19 +47,28 @@ std::string sinceInWords(const HiddenThing& thing) {
   return since ? "since " + humanDateText(*since) : "since " + printableText(thing.since);
 }
 
-void runHide(const CommandContext& context, const std::string& what) {
-  const auto target = hidingTargetCalled(what, context.session, context.asOf);
-  const auto hiding = hide(context.session, target, context.asOf);
-  if (context.output == OutputForm::json) {
+void print(const Hiding& hiding, OutputForm form) {
+  if (form == OutputForm::json) {
     printJson(toJson(hiding.thing));
-    return;
-  }
-  if (hiding.outcome == Outcome::wasSo) {
+  } else if (hiding.outcome == Outcome::wasSo) {
     HumanOutput{}.line("Hidden already, " + sinceInWords(hiding.thing) + ": " + inWords(hiding.thing));
   } else {
     HumanOutput{}.line("Hidden: " + inWords(hiding.thing) + "\n'orvan unhide " + hiding.thing.key +
                        "' shows that again.");
   }
+}
+
+/// Nothing reminds of what is hidden.
+void bringRemindersInLineIfAny(const CommandContext& context) {
+  if (hasFollowUps(context.session)) {
+    tell(context, bringRemindersInLine(context));
+  }
+}
+
+void runHide(const CommandContext& context, const std::string& what) {
+  const auto target = hidingTargetCalled(what, context.session, context.asOf);
+  print(hide(context.session, target, context.asOf), context.output);
+  bringRemindersInLineIfAny(context);
 }
 
 void runUnhide(const CommandContext& context, const std::string& what) {
@@ -69,6 +79,7 @@ void runUnhide(const CommandContext& context, const std::string& what) {
   } else {
     HumanOutput{}.line("Shown again: " + inWords(thing));
   }
+  bringRemindersInLineIfAny(context);
 }
 
 void printThings(const std::vector<HiddenThing>& things) {

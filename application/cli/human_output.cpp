@@ -199,6 +199,17 @@ std::vector<std::string> columnsFor(const ListedPerson& person) {
           person.lastContactAt ? dateOf(*person.lastContactAt) : "never", joinedAddresses(person.addresses)};
 }
 
+/// A scheduled one is due from its time on.
+std::string stateOf(const ListedFollowUp& followUp, Instant asOf) {
+  const bool isDue = followUp.state == FollowUpState::scheduled && followUp.dueAt <= asOf;
+  return isDue ? "due" : std::string{caseName(followUp.state)};
+}
+
+std::vector<std::string> columnsFor(const ListedFollowUp& followUp, Instant asOf) {
+  return {printableText(followUp.shortID()), humanMomentText(followUp.dueAt), stateOf(followUp, asOf),
+          printableText(followUp.displayName), printableText(followUp.said.value_or(""))};
+}
+
 using Rows = std::vector<std::vector<std::string>>;
 
 std::vector<std::size_t> widthsOf(const Rows& rows) {
@@ -482,6 +493,30 @@ void HumanOutput::cardReport(std::string_view source, const CardReport& report) 
   }
   for (const auto& [reason, count] : report.skipped) {
     line("  " + std::to_string(count) + " skipped: " + describe(reason));
+  }
+}
+
+void HumanOutput::row(std::string_view name, std::string_view text) const {
+  std::cout << std::left << std::setw(12) << name << text << '\n';
+}
+
+void HumanOutput::followUp(const ListedFollowUp& followUp) const {
+  line("  " + sentenceFor(followUp));
+}
+
+void HumanOutput::followUps(const std::vector<ListedFollowUp>& followUps, Instant asOf) const {
+  if (followUps.empty()) {
+    line("There is nothing to follow up; 'orvan follow-up add' notes something down.");
+    return;
+  }
+  Rows rows{{"Id", "Due", "State", "Whom", "About"}};
+  for (const auto& followUp : followUps) {
+    rows.push_back(columnsFor(followUp, asOf));
+  }
+  const auto widths = widthsOf(rows);
+  for (const auto& row : rows) {
+    const auto text = fitted(aligned(row, widths));
+    line(&row == &rows.front() ? faint(text) : text);
   }
 }
 

@@ -38,6 +38,10 @@ class HumanOutput {
   void why(const ListedFollowUp& followUp, const std::optional<AttentionWhyNowItem>& other) const;
   /// The first `shown` rows, and how many more there are.
   void catchUpList(const CatchUpList& list, std::size_t shown, Explanation explanation, Instant asOf) const;
+  /// In columns, with what tells each from the others.
+  void followUps(const std::vector<ListedFollowUp>& followUps, Instant asOf) const;
+  /// One alone, beneath a line that says what was done with it.
+  void followUp(const ListedFollowUp& followUp) const;
   void details(const ItemDetails& details) const;
   void record(const AttentionItemDispositionRecord& record) const;
   void mailReport(std::string_view source, const MailReport& report) const;
@@ -48,6 +52,8 @@ class HumanOutput {
   void heading(std::string_view text) const;
   /// One of a list: cut where the terminal ends.
   void row(std::string_view text) const;
+  /// A line of a short table without a heading.
+  void row(std::string_view name, std::string_view text) const;
   void check(bool isFine, std::string_view name, std::string_view detail) const;
 
  private:

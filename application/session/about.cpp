@@ -28,6 +28,7 @@ std::optional<std::string> messageIDIn(const Query& row, Column column) {
 
 /// A mail or a meeting, and when it was.
 struct Occasion {
+  std::string interactionID;
   std::string occurredAt;
   About about;
 };
@@ -68,7 +69,8 @@ WHERE )sql";
     return std::nullopt;
   }
   const bool isMeeting = rows.text(rows.column("kind")) == "meeting";
-  return Occasion{std::string{rows.text(rows.column("occurred_at"))}, isMeeting ? aboutMeeting(rows) : aboutMail(rows)};
+  return Occasion{std::string{interactionID}, std::string{rows.text(rows.column("occurred_at"))},
+                  isMeeting ? aboutMeeting(rows) : aboutMail(rows)};
 }
 
 /// What was claimed of the person, and the mail that the claim was read from.
@@ -112,9 +114,14 @@ class AboutReader {
         readClaim(reference.identifier());
       }
     }
-    auto about = latest_ ? std::move(latest_->about) : About{};
+    auto about = latest_ ? latest_->about : About{};
     about.question = std::move(question_);
     return about;
+  }
+
+  /// Of what was read.
+  std::optional<std::string> interactionID() const {
+    return latest_ ? std::optional{latest_->interactionID} : std::nullopt;
   }
 
  private:
@@ -165,6 +172,13 @@ std::vector<Reference> referencesOf(const CommitmentEvidence& commitment) {
 
 About aboutOf(const std::string& personKey, std::span<const Reference> references, Connection& connection) {
   return AboutReader(personKey, connection).read(references);
+}
+
+std::optional<std::string> interactionBehind(const std::string& personKey, std::span<const Reference> references,
+                                             Connection& connection) {
+  AboutReader reader(personKey, connection);
+  reader.read(references);
+  return reader.interactionID();
 }
 
 About aboutOf(const ListedFollowUp& followUp, Connection& connection) {

@@ -39,6 +39,11 @@ struct About {
 About aboutOf(const std::string& personKey, std::span<const AttentionWhyNowEvidenceReference> references,
               Connection& connection);
 
+/// Which mail or meeting that is about; nothing where it is about none.
+std::optional<std::string> interactionBehind(const std::string& personKey,
+                                             std::span<const AttentionWhyNowEvidenceReference> references,
+                                             Connection& connection);
+
 /// The same of the mail or meeting that a follow-up is about.
 About aboutOf(const ListedFollowUp& followUp, Connection& connection);
 
