@@ -161,11 +161,12 @@ void print(const CommandContext& context, ReminderService& service) {
   throw CommandFailure(ExitCode::failed, sentenceOf(static_cast<AgentControlError>(error.code().value())));
 }
 
-/// Runs `act`, and words what the service has against it.
+/// Runs `act` with the service, and words what that has against it.
 template <typename Act>
-void withWords(Act act) {
+void withService(const CommandContext& context, Act act) {
   try {
-    act();
+    ReminderService service(context.session.settings());
+    act(service);
   } catch (const Error& error) {
     fail(error);
   }
@@ -173,15 +174,11 @@ void withWords(Act act) {
 
 void runStatus(const CommandContext& context) {
   context.session.openForReading();
-  withWords([&] {
-    ReminderService service(context.session.settings());
-    print(context, service);
-  });
+  withService(context, [&](ReminderService& service) { print(context, service); });
 }
 
 void runReconcile(const CommandContext& context) {
-  withWords([&] {
-    ReminderService service(context.session.settings());
+  withService(context, [&](ReminderService& service) {
     service.reminders().reconcile();
     print(context, service);
   });
@@ -189,8 +186,7 @@ void runReconcile(const CommandContext& context) {
 
 /// What is allowed is set right here; the service does so by itself for its own store only.
 void runDecide(const CommandContext& context, AuthorizationStatus status) {
-  withWords([&] {
-    ReminderService service(context.session.settings());
+  withService(context, [&](ReminderService& service) {
     AgentControl(patience).setAuthorization(notificationApplicationOf(context.session.settings().store),
                                             std::string{notificationDisplayName}, status);
     if (status == AuthorizationStatus::authorized) {
@@ -209,21 +205,23 @@ void report(const CommandContext& context, const Json& document, const std::stri
 }
 
 void runTest(const CommandContext& context) {
-  withWords([] { AgentControl(patience).presentTest(); });
+  withService(context, [](const ReminderService& /*running*/) { AgentControl(patience).presentTest(); });
   report(context, {{"test", "shown"}},
          "A test reminder was shown. If you do not see it, look at your desktop's settings for notifications.");
 }
 
 void runTitles(const CommandContext& context, const std::string& titles) {
   const bool isSaid = titles == "said";
-  withWords([&] { AgentControl(patience).setTitles(isSaid ? ReminderTitles::said : ReminderTitles::general); });
+  withService(context, [&](const ReminderService& /*running*/) {
+    AgentControl(patience).setTitles(isSaid ? ReminderTitles::said : ReminderTitles::general);
+  });
   report(context, {{"titles", titles}},
          isSaid ? "Reminders say what you noted down." : "Reminders say only that there is a follow-up.");
 }
 
 void runRefreshing(const CommandContext& context, const std::string& refresh) {
   const bool isOn = refresh == "on";
-  withWords([&] { AgentControl(patience).setRefreshing(isOn); });
+  withService(context, [&](const ReminderService& /*running*/) { AgentControl(patience).setRefreshing(isOn); });
   report(context, {{"refreshing", isOn}},
          isOn ? "New mail and calendar entries are looked for in the background."
               : "Nothing is looked for in the background; 'orvan refresh' does it.");
