@@ -42,28 +42,28 @@ class RemindersOfAStore : public testing::Test {
       return addFollowUp({.personID = "ada", .dueAt = dueAt, .text = "call", .interactionID = {}}, now_, store);
     });
   }
-  NotificationKeys pending() const { return waitFor(sharedWorkExecutor(), centre_->pendingRequestKeys()); }
-  void reconcile() const { StoreFollowUps(settings_).reconcile(centre_); }
+  NotificationKeys pending() const { return waitFor(sharedWorkExecutor(), scheduling_->pendingRequestKeys()); }
+  void reconcile() const { StoreFollowUps(settings_).reconcile(scheduling_); }
 
   ScratchFolder folder_;
   const SessionSettings settings_{.store = folder_.path() / "store.db", .keyFile = folder_.path() / "key"};
   const Instant now_ = SystemClock().now();
   const std::shared_ptr<InMemoryNotificationCenter> center_ = std::make_shared<InMemoryNotificationCenter>(
       sharedWorkExecutor(), std::make_shared<SystemClock>(), AuthorizationStatus::authorized);
-  const std::shared_ptr<FollowUpNotificationScheduling> centre_ =
+  const std::shared_ptr<FollowUpNotificationScheduling> scheduling_ =
       std::make_shared<UserNotificationsFollowUpScheduling>();
 };
 
 TEST_F(RemindersOfAStore, FollowTheFollowUpsThroughEverythingTheUserDoes) {
   const auto id = add(now_ + 1h);
-  EXPECT_EQ(Reminders(settings_, centre_).set(id), std::nullopt);
+  EXPECT_EQ(Reminders(settings_, scheduling_).set(id), std::nullopt);
   EXPECT_EQ(pending(), NotificationKeys{id});
 
   const StoreFollowUps followUps(settings_);
   EXPECT_EQ(followUps.personOf(id), "ada");
   EXPECT_EQ(followUps.complete(id, now_), StoreFollowUps::Completion::done);
   EXPECT_EQ(followUps.complete(id, now_), StoreFollowUps::Completion::notScheduled);
-  Reminders(settings_, centre_).withdraw(id);
+  Reminders(settings_, scheduling_).withdraw(id);
   EXPECT_EQ(pending(), NotificationKeys{});
 
   write([&](Connection& store) { return undoAction(std::nullopt, now_, store); });
@@ -87,7 +87,7 @@ TEST_F(RemindersOfAStore, WaitForTheUserAWhileAndNeverAskInAPass) {
   center_->setAuthorizationStatus(AuthorizationStatus::notDetermined);
   center_->script(InMemoryNotificationCenter::Operation::requestAuthorization, CenterBehaviour::hang());
   const auto id = add(now_ + 1h);
-  EXPECT_EQ(Reminders(settings_, centre_, 1ms).set(id), EffectReasonToken::authorizationPending);
+  EXPECT_EQ(Reminders(settings_, scheduling_, 1ms).set(id), EffectReasonToken::authorizationPending);
   center_->dropHeld();
   reconcile();
   EXPECT_EQ(center_->callCount(InMemoryNotificationCenter::Operation::requestAuthorization), 1U);
