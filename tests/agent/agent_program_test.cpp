@@ -35,6 +35,7 @@ class AgentProgramTest : public BusLoopTest {
     BusLoopTest::SetUp();
     if (!IsSkipped()) {
       connection = BusConnection::toAddress(loop.get_executor(), bus.address());
+      owners = connection->watchName(agent_protocol::serviceName, [this](const std::string& now) { owner = now; });
       changes = connection->matchSignal(
           {agent_protocol::serviceName, agent_protocol::objectPath, agent_protocol::centerInterface},
           "AuthorizationChanged", [this](const BusMessage& message) {
@@ -60,6 +61,8 @@ class AgentProgramTest : public BusLoopTest {
   void killAgent() {
     agent->signal(SIGKILL);
     agent->end();
+    // The bus takes a moment to notice, and until then the next one would be the second.
+    EXPECT_TRUE(runUntil([this] { return owner.empty(); }));
   }
   void startDesktop() {
     desktop.emplace(loop.get_executor(), bus.address(), std::vector<std::string>{"actions", "x-dunst-stack-tag"});
@@ -138,7 +141,9 @@ class AgentProgramTest : public BusLoopTest {
   }
 
   std::unique_ptr<BusConnection> connection;
+  BusSubscription owners;
   BusSubscription changes;
+  std::string owner;
   std::optional<RecordedDesktop> desktop;
   std::unique_ptr<TestProgram> agent;
   std::vector<std::string> told;
