@@ -109,7 +109,7 @@ TEST_F(DesktopNotificationsTest, TellsApartAServiceThatGoesIsSilentTalksNonsense
   ASSERT_TRUE(runUntil([&] { return !notifications->isThere(); }));
   EXPECT_THAT(log, Contains("gone"));
 
-  RecordedDesktop another(loop.get_executor(), bus.address(), all);
+  const RecordedDesktop another(loop.get_executor(), bus.address(), all);
   ASSERT_TRUE(runUntil([&] { return log.back() == "there"; }));
   notifications->withdraw(*shown); // Its number is another popup's there.
   EXPECT_TRUE(outcomeOf(popup("again")).has_value());
