@@ -48,7 +48,7 @@ CatchUpListRow rowInWords(const CatchUpRow& row) {
           displayText(row.item.displayName()),
           displayText(row.address.value_or("")),
           displayText(row.item.whyNow().headline()),
-          inALine(row.about),
+          row.followUp ? inWords(*row.followUp) : inALine(row.about),
           headingOf(row.place.part)};
 }
 

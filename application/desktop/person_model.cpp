@@ -41,6 +41,12 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
   shown.meeting = meetingInWords(details.about);
   shown.exchanges = exchangesOf(details.conversation);
   shown.earlierExchanges = static_cast<int>(details.conversation.earlier);
+  if (details.followUp) {
+    shown.otherMatters.append(tr("You wanted to get back to them. %1").arg(orvan::inWords(*details.followUp)));
+  }
+  for (const auto& followUp : details.furtherFollowUps) {
+    shown.otherMatters.append(tr("A follow-up: %1").arg(orvan::inWords(followUp)));
+  }
   for (const auto& matter : details.others) {
     shown.otherMatters.append(orvan::inWords(matter));
   }

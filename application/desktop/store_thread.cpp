@@ -4,6 +4,7 @@ namespace orvan {
 
 StoreThread::StoreThread(SessionSettings settings) : settings_(std::move(settings)) {}
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, and then there is no way on.
 StoreThread::~StoreThread() {
   boost::asio::post(worker_.get(), [this] {
     if (session_ != nullptr) {

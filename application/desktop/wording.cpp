@@ -65,6 +65,8 @@ QString displayText(std::string_view text) {
 
 QString headingOf(ListPart part) {
   switch (part) {
+    case ListPart::followUp:
+      return Wording::tr("You wanted to get back to");
     case ListPart::near:
       return Wording::tr("Now");
     case ListPart::current:
@@ -85,7 +87,7 @@ QString inALine(const About& about) {
 }
 
 QString meetingInWords(const About& about) {
-  const auto what = titleAndPlace(about);
+  auto what = titleAndPlace(about);
   if (!about.startsAt) {
     return what;
   }
@@ -95,6 +97,11 @@ QString meetingInWords(const About& about) {
 
 QString inWords(const Matter& matter) {
   return std::visit([&](const auto& evidence) { return sentenceFor(evidence, matter.about); }, matter.evidence);
+}
+
+QString inWords(const ListedFollowUp& followUp) {
+  const auto due = Wording::tr("Due %1").arg(displayText(humanMomentText(followUp.dueAt)));
+  return followUp.said ? Wording::tr("%1: %2").arg(due, displayText(*followUp.said)) : due;
 }
 
 QString writerOf(const Exchange& exchange) {

@@ -9,6 +9,7 @@
 #include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/item_details.h"
+#include "application/session/listed_follow_up.h"
 #include "application/session/people_list.h"
 
 namespace orvan {
@@ -29,6 +30,9 @@ QString meetingInWords(const About& about);
 
 /// A matter beside the one reason, as a sentence.
 QString inWords(const Matter& matter);
+
+/// When a follow-up is due, and what the user said of it.
+QString inWords(const ListedFollowUp& followUp);
 
 /// Who wrote, or that there was a meeting.
 QString writerOf(const Exchange& exchange);
