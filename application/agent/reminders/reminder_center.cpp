@@ -172,6 +172,7 @@ void ReminderCenter::removeDelivered(std::string_view application, const std::ve
 void ReminderCenter::setTitles(TitleDisclosure titles) {
   parts_.file->setTitles(titles);
   presenting_->setTitles(titles);
+  workSoon();
 }
 
 const std::string& ReminderCenter::ownDisplayName() const {

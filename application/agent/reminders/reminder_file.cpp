@@ -456,6 +456,13 @@ std::vector<std::int64_t> ReminderFile::interrupted() {
   });
 }
 
+std::vector<std::int64_t> ReminderFile::standing() {
+  return opened_.queue().read([](Connection& connection) {
+    return numbersIn(
+        connection.query("SELECT number FROM presentation WHERE state = 'delivered' AND popup IS NOT NULL"));
+  });
+}
+
 std::optional<Presentation> ReminderFile::presentation(std::int64_t number) {
   return opened_.queue().read([&](Connection& connection) {
     auto presentation = presentationNumbered(connection, number);

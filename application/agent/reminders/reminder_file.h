@@ -119,6 +119,8 @@ class ReminderFile {
                                     std::span<const std::int64_t> numbers, Instant now);
   /// Those that are under way: after a start, those that the end of the program interrupted.
   std::vector<std::int64_t> interrupted();
+  /// Those whose popup stands there, as far as is known.
+  std::vector<std::int64_t> standing();
   /// Nothing when nothing is left of it.
   std::optional<Presentation> presentation(std::int64_t number);
   /// What the popup stands for, when it is one of these.

@@ -34,6 +34,17 @@ const char* wordFor(const PopupOutcome& outcome) {
 void ReminderPresenting::start() {
   const auto numbers = parts_.file.interrupted();
   interrupted_.assign(numbers.begin(), numbers.end());
+  showStandingAnew();
+}
+
+void ReminderPresenting::showStandingAnew() {
+  const auto standing = parts_.file.standing();
+  toShowAnew_.insert(standing.begin(), standing.end());
+}
+
+void ReminderPresenting::setTitles(TitleDisclosure titles) {
+  titles_ = titles;
+  showStandingAnew();
 }
 
 void ReminderPresenting::work() {
@@ -60,7 +71,7 @@ void ReminderPresenting::settle(const LeftPopups& left) {
   for (const auto& popup : left.toWithdraw) {
     parts_.presenter->withdraw(popup);
   }
-  groupsToShowAnew_.insert(left.toShowAnew.begin(), left.toShowAnew.end());
+  toShowAnew_.insert(left.toShowAnew.begin(), left.toShowAnew.end());
 }
 
 void ReminderPresenting::guarded(const std::function<void()>& body) {
@@ -90,7 +101,7 @@ void ReminderPresenting::presentNext() {
   if (!parts_.presenter->isThere()) {
     return;
   }
-  if (takeUpInterrupted() || showGroupAnew()) {
+  if (takeUpInterrupted() || showNextAnew()) {
     return;
   }
   presentDue();
@@ -123,12 +134,13 @@ bool ReminderPresenting::takeUp(std::int64_t number) {
   return true;
 }
 
-bool ReminderPresenting::showGroupAnew() {
-  while (!groupsToShowAnew_.empty()) {
-    const auto presentation = parts_.file.presentation(*groupsToShowAnew_.begin());
-    groupsToShowAnew_.erase(groupsToShowAnew_.begin());
+bool ReminderPresenting::showNextAnew() {
+  while (!toShowAnew_.empty()) {
+    const auto presentation = parts_.file.presentation(*toShowAnew_.begin());
+    toShowAnew_.erase(toShowAnew_.begin());
     // One that the user has closed stays closed.
-    if (presentation && presentation->popup && presentation->popup->service == parts_.presenter->service()) {
+    if (presentation && presentation->popup && presentation->popup->service == parts_.presenter->service() &&
+        parts_.applications.mayPresent(presentation->application)) {
       show(*presentation, presentation->popup, Purpose::anew);
       return true;
     }
@@ -266,7 +278,7 @@ void ReminderPresenting::deliver(std::int64_t presentation, std::size_t count, c
     parts_.presenter->withdraw(*popup);
   }
   if (left != 0 && left < count) {
-    groupsToShowAnew_.insert(presentation);
+    toShowAnew_.insert(presentation);
   }
 }
 

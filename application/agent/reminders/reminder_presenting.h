@@ -51,7 +51,8 @@ class ReminderPresenting : public std::enable_shared_from_this<ReminderPresentin
  public:
   explicit ReminderPresenting(PresentingParts parts) : parts_(std::move(parts)) {}
 
-  /// Takes up what the end of the former program interrupted.
+  /// Takes up what the end of the former program interrupted. What stands there takes its own place: services tell the
+  /// user's word to the connection that showed the popup, and that is gone.
   void start();
   /// Presents what can be presented now and sets the alarm for what comes. Called whenever something changed.
   void work();
@@ -60,7 +61,8 @@ class ReminderPresenting : public std::enable_shared_from_this<ReminderPresentin
   /// The alarm has come, and has to be set again.
   void alarmCame() { armedFor_.reset(); }
 
-  void setTitles(TitleDisclosure titles) { titles_ = titles; }
+  /// From the popups on, too, that stand there.
+  void setTitles(TitleDisclosure titles);
   /// Takes popups away, and has groups that stand for fewer shown anew.
   void settle(const LeftPopups& left);
 
@@ -68,7 +70,7 @@ class ReminderPresenting : public std::enable_shared_from_this<ReminderPresentin
   enum class Purpose {
     /// It came due.
     first,
-    /// It was delivered, and stands for fewer now.
+    /// It was delivered, and its popup takes its own place.
     anew,
   };
   /// How the question to whoever stands in front has come out so far.
@@ -76,12 +78,13 @@ class ReminderPresenting : public std::enable_shared_from_this<ReminderPresentin
 
   void guarded(const std::function<void()>& body);
   bool mustWait();
+  void showStandingAnew();
 
   void presentNext();
   bool takeUpInterrupted();
   /// Whether it is on its way now.
   bool takeUp(std::int64_t presentation);
-  bool showGroupAnew();
+  bool showNextAnew();
   bool presentDue();
   bool presentDueOf(const ReminderApplication& application);
   /// Whether everybody who had to be asked has answered.
@@ -105,7 +108,7 @@ class ReminderPresenting : public std::enable_shared_from_this<ReminderPresentin
   /// What became of a popup and could not be written.
   std::function<void()> unrecorded_;
   std::deque<std::int64_t> interrupted_;
-  std::set<std::int64_t> groupsToShowAnew_;
+  std::set<std::int64_t> toShowAnew_;
   std::map<std::int64_t, Asked> asked_;
   /// After a failure.
   std::optional<Instant> notBefore_;
