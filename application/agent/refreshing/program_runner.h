@@ -34,7 +34,7 @@ class ProgramRunner {
   virtual void run(std::vector<std::string> words, Ended ended) = 0;
 
   /// Kills what runs; its end is told as any other. Nothing happens when nothing runs.
-  virtual void kill() noexcept = 0;
+  virtual void kill() = 0;
 };
 
 } // namespace orvan

@@ -36,7 +36,7 @@ struct FakeRunner final : ProgramRunner {
     started.push_back(words.back());
     ended = std::move(whenEnded);
   }
-  void kill() noexcept override {
+  void kill() override {
     if (ended != nullptr) {
       boost::asio::post(executor, [this] { end(Kind::killed); });
     }
