@@ -85,12 +85,16 @@ std::shared_ptr<LogSink> jsonLinesLogSink(int descriptor) {
 }
 
 std::shared_ptr<LogSink> systemLogSink() {
-  // Without a journal, sd_journal_sendv drops every line and reports success.
   std::error_code ignored;
   if (std::filesystem::exists(journalSocket, ignored)) {
     return std::make_shared<JournalLogSink>();
   }
   return jsonLinesLogSink(STDERR_FILENO);
+}
+
+std::shared_ptr<LogSink> journalOrNoLogSink() {
+  // Without a journal, sd_journal_sendv drops every line and reports success.
+  return std::make_shared<JournalLogSink>();
 }
 
 LogChannel::LogChannel(std::shared_ptr<LogSink> sink, std::string category)

@@ -33,6 +33,9 @@ class LogSink {
 /// The system journal when there is one, else JSON lines on standard error.
 std::shared_ptr<LogSink> systemLogSink();
 
+/// The system journal when there is one, else nothing: for a program whose standard error is for people to read.
+std::shared_ptr<LogSink> journalOrNoLogSink();
+
 /// One JSON object a line on a file descriptor, which stays the caller's: "subsystem", "category", "level", "message"
 /// and each field by its name. A line is lost, and nothing else happens, when the descriptor takes no more.
 std::shared_ptr<LogSink> jsonLinesLogSink(int descriptor);

@@ -8,6 +8,7 @@
 #include "OrvanNotifications/protocol.h"
 #include "OrvanPlatform/bus/bus_connection.h"
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/log.h"
 #include "OrvanPlatform/work_executor.h"
 #include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
 #include "application/cli/command_failure.h"
@@ -122,7 +123,7 @@ ReminderService::ReminderService(const SessionSettings& settings)
     : settings_(settings),
       state_(stateOfService(settings)),
       center_(AgentNotificationCenter::make(optionsFor(settings))),
-      scheduling_(std::make_shared<UserNotificationsFollowUpScheduling>()) {
+      scheduling_(std::make_shared<UserNotificationsFollowUpScheduling>(journalOrNoLogSink())) {
   if (state_.file != AgentFile::open) {
     throw Error(state_.file == AgentFile::locked ? AgentControlError::locked : AgentControlError::unusable,
                 "asking for the reminders");
@@ -134,6 +135,10 @@ ReminderService::~ReminderService() {
   reminders_.reset();
   center_->flush(patience);
   NotificationCenter::setCurrent(nullptr);
+}
+
+void ReminderService::lookAgain() {
+  state_ = AgentControl(patience).state();
 }
 
 AuthorizationStatus ReminderService::authorization() {
@@ -154,7 +159,8 @@ NotificationKeys ReminderService::delivered() {
 
 Reminders& ReminderService::reminders() {
   if (!reminders_) {
-    reminders_.emplace(settings_, scheduling_);
+    reminders_.emplace(settings_, scheduling_, briefWaitForTheUser, sharedWorkExecutor(),
+                       std::make_shared<SystemClock>(), journalOrNoLogSink());
   }
   return *reminders_;
 }

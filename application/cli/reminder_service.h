@@ -22,8 +22,10 @@ class ReminderService {
   ReminderService(const ReminderService&) = delete;
   ReminderService& operator=(const ReminderService&) = delete;
 
-  /// How it was found.
+  /// How it was found at the last look, the first of which is at the beginning.
   const AgentState& state() const noexcept { return state_; }
+  /// Throws Error with an AgentControlError.
+  void lookAgain();
   /// Whether the user allows reminders.
   AuthorizationStatus authorization();
   /// The identifiers of what it holds for this store. Throws Error with AgentControlError::tooSlow.

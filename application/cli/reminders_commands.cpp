@@ -103,10 +103,17 @@ std::string counted(std::size_t count, const std::string& one, const std::string
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-std::string inWords(const Agreement& agreement) {
+bool isAllowed(AuthorizationStatus status) {
+  return status == AuthorizationStatus::authorized || status == AuthorizationStatus::provisional;
+}
+
+std::string inWords(const Agreement& agreement, AuthorizationStatus status) {
   const auto held = counted(agreement.set, "reminder is set", "reminders are set");
   if (agreement.isWhole()) {
     return held + ", as the follow-ups say";
+  }
+  if (!isAllowed(status) && agreement.leftOver == 0) {
+    return held + ", and " + std::to_string(agreement.missing) + " more when they are allowed";
   }
   std::string amiss = agreement.missing == 0 ? "" : std::to_string(agreement.missing) + " missing";
   if (agreement.leftOver > 0) {
@@ -144,7 +151,7 @@ void print(const CommandContext& context, ReminderService& service) {
   const HumanOutput output;
   const auto titles = state.titles == ReminderTitles::said ? "what you noted down" : "only that there is one";
   output.row("Reminders", inWords(authorization));
-  output.row("Set", inWords(agreement));
+  output.row("Set", inWords(agreement, authorization));
   output.row("Next", state.nextDue ? humanMomentText(*state.nextDue) : "none");
   output.row("They say", titles);
   output.row("Shown by", serviceInWords(state));
@@ -180,6 +187,7 @@ void runStatus(const CommandContext& context) {
 void runReconcile(const CommandContext& context) {
   withService(context, [&](ReminderService& service) {
     service.reminders().reconcile();
+    service.lookAgain();
     print(context, service);
   });
 }
@@ -192,6 +200,7 @@ void runDecide(const CommandContext& context, AuthorizationStatus status) {
     if (status == AuthorizationStatus::authorized) {
       service.reminders().reconcile();
     }
+    service.lookAgain();
     print(context, service);
   });
 }
