@@ -2,11 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <utility>
 
 #include "OrvanPlatform/internet_date_time.h"
@@ -103,7 +105,8 @@ class SourceRefreshingTest : public testing::Test {
     std::ofstream(supplies / "BAT0" / "capacity") << percent << "\n";
   }
 
-  fs::path supplies = fs::path{testing::TempDir()} / "orvan-power-supply";
+  /// Tests of one machine run at the same time.
+  fs::path supplies = fs::path{testing::TempDir()} / ("orvan-power-supply-" + std::to_string(getpid()));
   boost::asio::io_context loop;
   std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>(*parseInternetDateTime("2026-03-04T09:15:00Z"));
   std::shared_ptr<CapturingLog> log = std::make_shared<CapturingLog>();
