@@ -1,5 +1,7 @@
 #include "OrvanPlatform/work_executor.h"
 
+#include <openssl/crypto.h>
+
 #include <utility>
 
 namespace orvan {
@@ -9,7 +11,9 @@ namespace {
 /// application that has ended.
 class SharedThreads {
  public:
-  SharedThreads() = default;
+  /// OpenSSL keeps something for each thread that reads a store, and frees it when the thread ends, unless it has ended
+  /// itself by then. What is there first is destroyed last.
+  SharedThreads() { OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr); }
   ~SharedThreads() {
     pool_->stop();
     pool_->join();
