@@ -16,9 +16,9 @@ TEST(CatchUpListModel, ChangesOnlyTheRowsThatChanged) {
   CatchUpListModel model;
   const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
   model.setRows({row("Ada"), row("Bo"), row("Cleo"), row("Dag")});
-  QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-  QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-  QSignalSpy moved(&model, &QAbstractItemModel::rowsMoved);
+  const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+  const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+  const QSignalSpy moved(&model, &QAbstractItemModel::rowsMoved);
   QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
 
   model.setRows({row("Ada"), row("Bo"), row("Cleo"), row("Dag")});

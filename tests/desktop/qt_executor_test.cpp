@@ -49,7 +49,7 @@ TEST(QtLoop, ResumesCoroutinesOnQtsThreadAndUnwindsThoseThatWaitAtTheEnd) {
     QtLoop loop;
     const WorkExecutor worker;
     boost::asio::co_spawn(loop.executor(), workElsewhere(worker.get(), held, isDone), boost::asio::detached);
-    while (!isDone) {
+    while (!isDone) { // NOLINT(bugprone-infinite-loop): the coroutine ends it.
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     boost::asio::co_spawn(loop.executor(), workElsewhere(worker.get(), held, hasRun), boost::asio::detached);
