@@ -214,14 +214,14 @@ void report(const CommandContext& context, const Json& document, const std::stri
 }
 
 void runTest(const CommandContext& context) {
-  withService(context, [](const ReminderService& /*running*/) { AgentControl(patience).presentTest(); });
+  withService(context, [](ReminderService& /*running*/) { AgentControl(patience).presentTest(); });
   report(context, {{"test", "shown"}},
          "A test reminder was shown. If you do not see it, look at your desktop's settings for notifications.");
 }
 
 void runTitles(const CommandContext& context, const std::string& titles) {
   const bool isSaid = titles == "said";
-  withService(context, [&](const ReminderService& /*running*/) {
+  withService(context, [&](ReminderService& /*running*/) {
     AgentControl(patience).setTitles(isSaid ? ReminderTitles::said : ReminderTitles::general);
   });
   report(context, {{"titles", titles}},
@@ -230,7 +230,7 @@ void runTitles(const CommandContext& context, const std::string& titles) {
 
 void runRefreshing(const CommandContext& context, const std::string& refresh) {
   const bool isOn = refresh == "on";
-  withService(context, [&](const ReminderService& /*running*/) { AgentControl(patience).setRefreshing(isOn); });
+  withService(context, [&](ReminderService& /*running*/) { AgentControl(patience).setRefreshing(isOn); });
   report(context, {{"refreshing", isOn}},
          isOn ? "New mail and calendar entries are looked for in the background."
               : "Nothing is looked for in the background; 'orvan refresh' does it.");

@@ -5,6 +5,7 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -149,7 +150,7 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   const auto bus = userBus(loop);
   const SystemClock clock;
   StoreThread store(settingsOf(invocation));
-  DesktopAppearance appearance(bus.get());
+  DesktopAppearance appearance(bus.get()); // NOLINT(misc-const-correctness): QML takes no pointer to a constant.
   WindowModel model(loop, store, clock, parseInternetDateTime(invocation.asOf));
 
   QQmlApplicationEngine engine;
@@ -183,7 +184,7 @@ int run(const Invocation& invocation, QGuiApplication& application) {
 } // namespace
 } // namespace orvan
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   orvan::Invocation invocation;
   // Help needs no desktop to be read on.
   if (orvan::asksAboutProgram({argv, static_cast<std::size_t>(argc)})) {
@@ -199,4 +200,7 @@ int main(int argc, char** argv) {
     return *code;
   }
   return orvan::run(invocation, application);
+} catch (...) {
+  std::fputs("orvan-desktop: Something unexpected went wrong; 'orvan doctor' may tell what.\n", stderr);
+  return 1;
 }
