@@ -78,6 +78,7 @@ std::string sentenceFor(const ListedFollowUp& followUp) {
 /// What stands behind the row's follow-up, a line for each.
 std::vector<std::string> linesForOthers(const CatchUpRow& row) {
   std::vector<std::string> lines;
+  lines.reserve(row.furtherFollowUps.size() + 1);
   for (const auto& followUp : row.furtherFollowUps) {
     lines.push_back("Also: " + sentenceFor(followUp));
   }

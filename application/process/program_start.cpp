@@ -10,8 +10,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <string_view>
 #include <utility>
+
+#include "application/process/exec_texts.h"
 
 namespace orvan {
 namespace {
@@ -29,40 +30,6 @@ bool isProgram(const std::filesystem::path& file) {
 /// systemd says so to the process it started, and only the process's own id tells that from what is inherited.
 bool isServiceOfSystemd() {
   return environmentValue("SYSTEMD_EXEC_PID") == std::to_string(getpid());
-}
-
-/// Texts as exec() takes them.
-class TextList {
- public:
-  explicit TextList(std::vector<std::string> texts) : texts_(std::move(texts)) {
-    for (auto& text : texts_) {
-      pointers_.push_back(text.data());
-    }
-    pointers_.push_back(nullptr);
-  }
-  TextList(const TextList&) = delete;
-  TextList& operator=(const TextList&) = delete;
-  ~TextList() = default;
-
-  char* const* get() const noexcept { return pointers_.data(); }
-
- private:
-  std::vector<std::string> texts_;
-  std::vector<char*> pointers_;
-};
-
-std::vector<std::string> environmentWith(const std::map<std::string, std::string>& variables) {
-  std::vector<std::string> texts;
-  for (char** at = environ; *at != nullptr; ++at) {
-    const std::string_view text{*at};
-    if (!variables.contains(std::string{text.substr(0, text.find('='))})) {
-      texts.emplace_back(text);
-    }
-  }
-  for (const auto& [name, value] : variables) {
-    texts.push_back(std::string{name}.append("=").append(value));
-  }
-  return texts;
 }
 
 /// In the process to be: only calls that are safe after a fork of a process with threads.
@@ -93,7 +60,7 @@ bool staysSilent(int readingEnd) {
 }
 
 /// The program's parent ends at once, so that init waits for the program, and not we.
-bool start(const std::filesystem::path& program, const TextList& arguments, const TextList& environment) {
+bool start(const std::filesystem::path& program, const ExecTexts& arguments, const ExecTexts& environment) {
   std::array<int, 2> report{};
   if (pipe2(report.data(), O_CLOEXEC) != 0) {
     return false;
@@ -156,7 +123,7 @@ bool startByItself(const std::filesystem::path& program, const std::vector<std::
     toStart = *runner;
   }
   words.insert(words.end(), arguments.begin(), arguments.end());
-  return start(toStart, TextList{std::move(words)}, TextList{environmentWith(variables)});
+  return start(toStart, ExecTexts{std::move(words)}, ExecTexts{environmentWith(variables)});
 }
 
 } // namespace orvan

@@ -7,36 +7,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <string_view>
 #include <utility>
 
+#include "application/process/exec_texts.h"
+
 namespace orvan {
-namespace {
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  for (auto& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-std::vector<std::string> environmentWith(const std::map<std::string, std::string>& variables) {
-  std::vector<std::string> texts;
-  for (char** at = environ; *at != nullptr; ++at) {
-    const std::string_view text{*at};
-    if (!variables.contains(std::string{text.substr(0, text.find('='))})) {
-      texts.emplace_back(text);
-    }
-  }
-  for (const auto& [name, value] : variables) {
-    texts.push_back(std::string{name}.append("=").append(value));
-  }
-  return texts;
-}
-
-} // namespace
 
 TestProgram::TestProgram(const std::vector<std::string>& words, const std::map<std::string, std::string>& variables,
                          const std::string& errorFile) {
@@ -50,10 +25,9 @@ TestProgram::TestProgram(const std::vector<std::string>& words, const std::map<s
   if (!errorFile.empty()) {
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorFile.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
   }
-  auto arguments = words;
-  auto environment = environmentWith(variables);
-  if (posix_spawnp(&process_, arguments.front().c_str(), &actions, nullptr, pointersTo(arguments).data(),
-                   pointersTo(environment).data()) != 0) {
+  const ExecTexts arguments{words};
+  const ExecTexts environment{environmentWith(variables)};
+  if (posix_spawnp(&process_, words.front().c_str(), &actions, nullptr, arguments.get(), environment.get()) != 0) {
     process_ = -1;
   }
   posix_spawn_file_actions_destroy(&actions);
