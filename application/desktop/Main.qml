@@ -17,7 +17,10 @@ Window {
     // Where there is no room for two, the person takes the place of the list.
     readonly property bool isNarrow: width < look.pixelSize(620)
     property bool showsPerson: false
-    readonly property bool takesKeys: isShowing && !snoozeMenu.visible && !keysPage.visible
+    // What the window is opened at: the people, or a page that takes the whole of it.
+    property string place: "people"
+    readonly property bool showsPeople: isShowing && place === "people"
+    readonly property bool takesKeys: showsPeople && !snoozeMenu.visible && !keysPage.visible && !mainMenu.visible
 
     function showPerson() {
         showsPerson = true
@@ -25,6 +28,7 @@ Window {
     }
 
     function showList() {
+        place = "people"
         showsPerson = false
         search.text = ""
         list.forceActiveFocus(Qt.TabFocusReason)
@@ -114,6 +118,16 @@ Window {
         onActivated: keysPage.open()
     }
     Shortcut {
+        sequences: [StandardKey.Back, StandardKey.Cancel]
+        enabled: window.isShowing && window.place !== "people" && !mainMenu.visible && !keysPage.visible
+        onActivated: window.showList()
+    }
+    Shortcut {
+        sequences: ["F10"]
+        enabled: window.isShowing
+        onActivated: mainMenu.openAt(menuButton)
+    }
+    Shortcut {
         sequences: [StandardKey.ZoomIn, "Ctrl+="]
         onActivated: window.zoom = Math.min(2, window.zoom + 0.1)
     }
@@ -153,7 +167,7 @@ Window {
                 anchors.left: parent.left
                 anchors.leftMargin: 20
                 anchors.verticalCenter: parent.verticalCenter
-                visible: !window.isNarrow
+                visible: !window.isNarrow && !back.visible
                 points: 15
                 text: qsTr("Orvan")
                 font.weight: Font.DemiBold
@@ -165,7 +179,7 @@ Window {
                 anchors.left: parent.left
                 anchors.leftMargin: 12
                 anchors.verticalCenter: parent.verticalCenter
-                visible: window.isNarrow && window.showsPerson
+                visible: window.place !== "people" || (window.isNarrow && window.showsPerson)
                 look: look
                 text: qsTr("Back")
                 onClicked: window.showList()
@@ -174,10 +188,11 @@ Window {
             Templates.TextField {
                 id: search
 
+                visible: window.place === "people"
                 anchors.verticalCenter: parent.verticalCenter
                 x: back.visible ? (look.isRightToLeft ? 16 : back.width + 24) : (parent.width - width) / 2
-                width: window.isNarrow ? parent.width - (back.visible ? back.width + 40 : 32)
-                                       : Math.min(look.pixelSize(300), parent.width - 2 * freshness.width - 80)
+                width: window.isNarrow ? parent.width - menuButton.width - (back.visible ? back.width + 40 : 32)
+                                       : Math.min(look.pixelSize(300), parent.width - 2 * (freshness.width + menuButton.width) - 80)
                 implicitHeight: contentHeight + topPadding + bottomPadding
                 padding: 8
                 leftPadding: 12
@@ -232,13 +247,28 @@ Window {
                 id: freshness
 
                 look: look
-                anchors.right: parent.right
-                anchors.rightMargin: 20
+                anchors.right: menuButton.left
+                anchors.rightMargin: 8
                 anchors.verticalCenter: parent.verticalCenter
                 visible: !window.isNarrow
                 points: 11
                 text: window.model.freshness
                 color: look.secondaryText
+            }
+
+            ActionButton {
+                id: menuButton
+
+                anchors.right: parent.right
+                anchors.rightMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                look: look
+                color: look.text
+                points: 14
+                text: "☰"
+                Accessible.name: qsTr("Menu")
+                Accessible.role: Accessible.ButtonMenu
+                onClicked: mainMenu.openAt(menuButton)
             }
 
             Rectangle {
@@ -257,7 +287,7 @@ Window {
             anchors.top: bar.bottom
             anchors.bottom: parent.bottom
             width: window.isNarrow ? parent.width : Math.max(look.pixelSize(300), Math.min(look.pixelSize(420), parent.width * 0.37))
-            visible: window.isShowing && !(window.isNarrow && window.showsPerson)
+            visible: window.showsPeople && !(window.isNarrow && window.showsPerson)
 
             CatchUpList {
                 id: list
@@ -286,7 +316,7 @@ Window {
                 anchors.margins: 20
                 y: 40
                 spacing: 6
-                visible: window.isShowing && list.visible && list.count === 0
+                visible: window.showsPeople && list.visible && list.count === 0
 
                 PlainText {
                     look: look
@@ -312,7 +342,7 @@ Window {
             anchors.right: parent.right
             anchors.top: bar.bottom
             anchors.bottom: parent.bottom
-            visible: window.isShowing && (!window.isNarrow || window.showsPerson)
+            visible: window.showsPeople && (!window.isNarrow || window.showsPerson)
             color: look.desktop.base
 
             Rectangle {
@@ -366,6 +396,15 @@ Window {
             window: window.model
             look: look
             onClosed: list.forceActiveFocus()
+        }
+
+        MainMenu {
+            id: mainMenu
+
+            parent: content
+            look: look
+            onChosen: place => window.place = place
+            onKeysAsked: keysPage.open()
         }
 
         KeysPage {

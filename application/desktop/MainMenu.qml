@@ -1,0 +1,32 @@
+import QtQuick
+import OrvanRelationshipAttention
+import Orvan.Desktop
+
+// What concerns nobody in particular.
+PopupMenu {
+    id: menu
+
+    signal chosen(place: string)
+    signal keysAsked
+
+    onOpened: first.forceActiveFocus(Qt.TabFocusReason)
+
+    contentItem: Column {
+        spacing: 2
+
+        LayoutMirroring.enabled: menu.look.isRightToLeft
+        LayoutMirroring.childrenInherit: true
+
+        MenuChoice {
+            id: first
+
+            look: menu.look
+            text: qsTr("Keys")
+            detail: "?"
+            onClicked: {
+                menu.close()
+                menu.keysAsked()
+            }
+        }
+    }
+}
