@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
+#include <boost/asio/co_spawn.hpp>
+#include <exception>
 
 namespace orvan {
 namespace {
@@ -51,6 +53,14 @@ Executor QtLoop::executor() noexcept {
 
 void QtLoop::post(std::move_only_function<void()> work) {
   QCoreApplication::postEvent(receiver_.get(), std::make_unique<WorkEvent>(std::move(work)).release());
+}
+
+void startOn(QtLoop& loop, Task<void> task) {
+  boost::asio::co_spawn(loop.executor(), std::move(task), [](const std::exception_ptr& fault) {
+    if (fault != nullptr) {
+      std::terminate();
+    }
+  });
 }
 
 } // namespace orvan

@@ -57,4 +57,8 @@ class QtExecutor {
   QtLoop* loop_;
 };
 
+/// Runs a task on Qt's thread until it ends. What goes wrong within is the task's own to answer: one that throws ends
+/// the program.
+void startOn(QtLoop& loop, Task<void> task);
+
 } // namespace orvan

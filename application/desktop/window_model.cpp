@@ -1,9 +1,7 @@
 #include "application/desktop/window_model.h"
 
 #include <algorithm>
-#include <boost/asio/co_spawn.hpp>
 #include <chrono>
-#include <exception>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
@@ -37,13 +35,8 @@ Instant WindowModel::now() const {
   return asOf_.value_or(clock_.now());
 }
 
-/// What a task cannot answer for itself would be a mistake of ours.
 void WindowModel::begin(Task<void> task) {
-  boost::asio::co_spawn(loop_.executor(), std::move(task), [](const std::exception_ptr& fault) {
-    if (fault != nullptr) {
-      std::terminate();
-    }
-  });
+  startOn(loop_, std::move(task));
 }
 
 void WindowModel::start(const QString& person) {
@@ -406,6 +399,11 @@ void WindowModel::saveAgain() {
     }
   }
   showRows();
+  Q_EMIT noticeChanged();
+}
+
+void WindowModel::tell(const QString& text) {
+  told_ = text;
   Q_EMIT noticeChanged();
 }
 

@@ -104,6 +104,8 @@ class WindowModel : public QObject {
   /// Tries to save again what could not be saved.
   Q_INVOKABLE void saveAgain();
   Q_INVOKABLE void forgetNotice();
+  /// Says what something came to, until the user decides something else.
+  Q_INVOKABLE void tell(const QString& text);
 
   /// Whether the window may close now. If not, what is left is being saved, and readyToClose() follows; or it could not
   /// be saved, which the window tells, and then it may close when asked again.
