@@ -35,6 +35,8 @@ Templates.Popup {
         color: "#60000000"
     }
 
+    onAboutToShow: contentItem.parent.Accessible.name = qsTr("Keys")
+
     background: Rectangle {
         radius: 12
         color: popup.look.isDark ? Qt.lighter(popup.look.background, 1.2) : popup.look.desktop.base

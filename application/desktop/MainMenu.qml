@@ -6,6 +6,8 @@ import Orvan.Desktop
 PopupMenu {
     id: menu
 
+    title: qsTr("Menu")
+
     signal chosen(place: string)
     signal keysAsked
 

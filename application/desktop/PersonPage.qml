@@ -21,6 +21,7 @@ Flickable {
     contentHeight: content.implicitHeight + 64
     clip: true
     boundsBehavior: Flickable.StopAtBounds
+    activeFocusOnTab: true
 
     Accessible.role: Accessible.Pane
     Accessible.name: person.displayName

@@ -7,6 +7,8 @@ Templates.Popup {
     id: menu
 
     required property AttentionLook look
+    // What the choices are about, for who does not see them.
+    property string title: ""
     property real wantedX: 0
     property real wantedY: 0
 
@@ -29,6 +31,9 @@ Templates.Popup {
     dim: false
     focus: true
     closePolicy: Templates.Popup.CloseOnEscape | Templates.Popup.CloseOnPressOutside
+
+    // A popup is nothing that can be named; what holds its content is.
+    onAboutToShow: contentItem.parent.Accessible.name = title
 
     background: Rectangle {
         radius: 10

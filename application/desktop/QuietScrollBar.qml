@@ -12,6 +12,9 @@ Templates.ScrollBar {
     visible: size < 1
     minimumSize: 0.06
 
+    // Who works by ear or by keys moves along the rows themselves.
+    Accessible.ignored: true
+
     contentItem: Rectangle {
         implicitWidth: 6
         radius: 3

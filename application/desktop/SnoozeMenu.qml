@@ -7,6 +7,8 @@ PopupMenu {
     id: menu
 
     required property WindowModel window
+    title: qsTr("Snooze until")
+
     property bool showsDays: false
     property var choices: []
 
