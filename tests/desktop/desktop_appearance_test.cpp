@@ -4,8 +4,14 @@
 
 #include <QGuiApplication>
 #include <QPalette>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <memory>
 
+#include "OrvanRelationshipAttention/ui/attention_views.h"
 #include "application/desktop/qt_executor.h"
 #include "application/desktop/single_instance.h"
 #include "tests/support/private_bus.h"
@@ -22,6 +28,46 @@ constexpr auto desktopPath = "/org/freedesktop/portal/desktop";
 bool isDark() {
   return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
 }
+
+QColor mixed(const QColor& above, const QColor& below, float opacity) {
+  const auto part = [opacity](float one, float other) { return one * opacity + other * (1 - opacity); };
+  return QColor::fromRgbF(part(above.redF(), below.redF()), part(above.greenF(), below.greenF()),
+                          part(above.blueF(), below.blueF()));
+}
+
+/// As the guidelines for accessible web pages (WCAG 2) define them.
+double luminance(const QColor& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor& one, const QColor& other) {
+  const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+/// Of all text in the colours of the views, on all that it stands on in the window.
+double leastContrast() {
+  QQmlEngine engine;
+  addAttentionViews(engine);
+  QQmlComponent component(&engine);
+  component.setData("import OrvanRelationshipAttention\nAttentionLook {}", {});
+  const std::unique_ptr<QObject> look(component.create());
+  const auto of = [&look](const char* name) { return look->property(name).value<QColor>(); };
+  const auto base = QGuiApplication::palette().color(QPalette::Base);
+  const auto chosenRow = mixed(of("accent"), of("background"), isDark() ? 0.18F : 0.1F);
+  double least = 21;
+  for (const auto& ground : {of("background"), base, chosenRow, of("background").lighter(isDark() ? 125 : 100)}) {
+    for (const auto& ink : {of("text"), of("accent"), of("secondaryText")}) {
+      least = std::min(least, contrast(mixed(ink, ground, ink.alphaF()), ground));
+    }
+  }
+  return least;
+}
+
+constexpr double enoughContrast = 4.5;
 
 template <typename Condition>
 bool waitUntil(Condition holds) {
@@ -61,11 +107,13 @@ TEST(Desktop, TellsHowToLookAndIsFollowedWhileTheProgramRuns) {
   const auto bus = BusConnection::toUserBus(loop.executor());
   const DesktopAppearance appearance(bus.get());
   EXPECT_TRUE(waitUntil(isDark));
+  EXPECT_GE(leastContrast(), enoughContrast);
   portal->emit(desktopPath, settings, "SettingChanged", [](BusWriter& writer) {
     writer.text("org.freedesktop.appearance").text("color-scheme");
     writer.variant("u", [](BusWriter& value) { value.uint32(0); });
   });
   EXPECT_TRUE(waitUntil([] { return !isDark(); }));
+  EXPECT_GE(leastContrast(), enoughContrast);
 }
 
 TEST(Desktop, ShowsOneWindowForAStore) {
