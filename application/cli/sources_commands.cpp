@@ -19,8 +19,8 @@
 #include "application/cli/json_output.h"
 #include "application/cli/source_failure.h"
 #include "application/sources/remembered_source.h"
+#include "application/sources/source_adding.h"
 #include "application/sources/source_discovery.h"
-#include "application/sources/source_fault.h"
 #include "application/sources/source_recognizer.h"
 #include "application/sources/watched_folders.h"
 
@@ -191,11 +191,6 @@ void runFolders(const CommandContext& context) {
   }
 }
 
-bool isInside(const fs::path& path, const fs::path& folder) {
-  const auto [end, rest] = std::ranges::mismatch(folder, path);
-  return end == folder.end();
-}
-
 /// Remembers sources and tells of each what became of it.
 class AddingRun {
  public:
@@ -237,65 +232,54 @@ class AddingRun {
   }
 
  private:
-  /// Of a file that is something else, what it is; else what is wrong with it as a source.
-  static std::optional<std::string> sentenceOnSourceToAdd(const std::error_code& code) {
-    const auto sentence = sentenceOnSource(code);
-    const bool isSomethingElse = sentence && code != SourceFault::becameSomethingElse &&
-                                 *sentence == make_error_code(SourceFault::becameSomethingElse).message();
-    return isSomethingElse ? code.message() : sentence;
-  }
-
   void remember(const RecognizedSource& source) {
     const auto told = store_.write([&](Connection& connection) { return rememberIn(source, connection); });
-    const bool isThere = !told.refusal.has_value();
+    const bool isNew = told.outcome == AddedSource::Outcome::added;
+    const bool isRefused = told.outcome == AddedSource::Outcome::refused;
     entries_.push_back({{"path", source.path.string()},
                         {"kind", nameOf(source.kind)},
                         {"number", told.number},
-                        {"isNew", told.isNew},
-                        {"error", isThere ? Json(nullptr) : Json(*told.refusal)}});
-    countAdded_ += told.isNew ? 1 : 0;
-    if (!isThere) {
-      failures_.push_back(printableText(source.path.string()) + ": " + *told.refusal);
+                        {"isNew", isNew},
+                        {"error", isRefused ? Json(told.sentence) : Json(nullptr)}});
+    countAdded_ += isNew ? 1 : 0;
+    if (isRefused) {
+      failures_.push_back(printableText(source.path.string()) + ": " + told.sentence);
     } else if (context_.output == OutputForm::human) {
       HumanOutput{}.line(printableText(source.path.string()) + ": " + told.sentence);
     }
   }
 
   struct Told {
+    AddedSource::Outcome outcome;
     std::int64_t number;
-    bool isNew;
     std::string sentence;
-    std::optional<std::string> refusal;
   };
 
-  Told rememberIn(const RecognizedSource& source, Connection& connection) {
-    for (const auto& other : rememberedSources(connection)) {
-      const auto number = std::to_string(other.number);
-      if (other.path == source.path) {
-        return again(other, connection);
-      }
-      if (other.kind == source.kind && isInside(source.path, other.path)) {
-        return {other.number, false, "", "It lies inside source " + number + ", which brings it in already."};
-      }
-      if (other.kind == source.kind && isInside(other.path, source.path)) {
-        auto refusal = "Source " + number + " lies inside it; take that off the list first ('orvan sources remove ";
-        refusal += number + "').";
-        return {other.number, false, "", std::move(refusal)};
-      }
+  Told rememberIn(const RecognizedSource& source, Connection& connection) const {
+    auto result = addSource(source, interval_.value_or(usualUsualInterval), context_.asOf, connection);
+    const auto number = std::to_string(result.number);
+    switch (result.outcome) {
+      case AddedSource::Outcome::added:
+        return {result.outcome, result.number,
+                "remembered as source " + number + ", " + std::string{nameOf(source.kind)}};
+      case AddedSource::Outcome::known:
+        return {result.outcome, result.number,
+                "remembered already as source " + number + again(result.number, connection)};
+      case AddedSource::Outcome::refused:
+        break;
     }
-    rememberSource(source.kind, source.path, interval_.value_or(usualUsualInterval), context_.asOf, connection);
-    const auto number = rememberedSources(connection).back().number;
-    return {number, true, "remembered as source " + std::to_string(number) + ", " + std::string{nameOf(source.kind)},
-            std::nullopt};
+    return {result.outcome, result.number, std::move(result.refusal)};
   }
 
-  Told again(const RememberedSource& known, Connection& connection) const {
-    auto sentence = "remembered already as source " + std::to_string(known.number);
-    if (interval_ && *interval_ != known.usualInterval) {
-      setUsualInterval(known.number, *interval_, connection);
-      sentence += "; from now on usually read every " + intervalInWords(*interval_);
+  /// Sets the interval of a source that is remembered already, and says so.
+  std::string again(std::int64_t number, Connection& connection) const {
+    const auto sources = rememberedSources(connection);
+    const auto known = std::ranges::find(sources, number, &RememberedSource::number);
+    if (!interval_ || *interval_ == known->usualInterval) {
+      return "";
     }
-    return {known.number, false, std::move(sentence), std::nullopt};
+    setUsualInterval(number, *interval_, connection);
+    return "; from now on usually read every " + intervalInWords(*interval_);
   }
 
   void refuse(const fs::path& path, const std::string& sentence) {
@@ -374,11 +358,8 @@ std::string sizeInWords(std::uintmax_t bytes) {
 std::vector<DiscoveredSource> newAmong(const std::vector<DiscoveredSource>& found,
                                        const std::vector<RememberedSource>& known) {
   std::vector<DiscoveredSource> fresh;
-  std::ranges::copy_if(found, std::back_inserter(fresh), [&known](const DiscoveredSource& source) {
-    return std::ranges::none_of(known, [&](const RememberedSource& other) {
-      return other.path == source.path || (other.kind == source.kind && isInside(source.path, other.path));
-    });
-  });
+  std::ranges::copy_if(found, std::back_inserter(fresh),
+                       [&known](const DiscoveredSource& source) { return !isBroughtIn(source, known); });
   return fresh;
 }
 

@@ -2,17 +2,14 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <map>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "OrvanPlatform/error.h"
-#include "OrvanPlatform/white_space.h"
 #include "application/sources/collection_files.h"
 #include "application/sources/mail_folders.h"
+#include "application/sources/settings_file.h"
 #include "application/sources/source_fault.h"
 
 namespace orvan {
@@ -38,35 +35,9 @@ std::vector<fs::path> foldersIn(const fs::path& folder) {
   return folders;
 }
 
-using Settings = std::map<std::string, std::string>;
-
-/// The sections of a file of "[section]" and "name = value" lines, by their names.
-std::vector<std::pair<std::string, Settings>> sectionsOf(const fs::path& file) {
-  std::vector<std::pair<std::string, Settings>> sections;
-  std::ifstream stream(file);
-  for (std::string line; std::getline(stream, line);) {
-    const std::string text{trimmed(line)};
-    if (text.starts_with('[') && text.ends_with(']')) {
-      sections.emplace_back(text.substr(1, text.size() - 2), Settings{});
-    } else if (const auto equals = text.find('='); equals != std::string::npos && !sections.empty()) {
-      std::string value{trimmed(std::string_view{text}.substr(equals + 1))};
-      if (value.size() > 1 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front()) {
-        value = value.substr(1, value.size() - 2);
-      }
-      sections.back().second.emplace(trimmed(std::string_view{text}.substr(0, equals)), std::move(value));
-    }
-  }
-  return sections;
-}
-
-std::string valueOf(const Settings& settings, const std::string& name) {
-  const auto found = settings.find(name);
-  return found == settings.end() ? "" : found->second;
-}
-
 class Search {
  public:
-  explicit Search(const UserPlaces& places) : places_(places) {}
+  Search(const UserPlaces& places, const SourceFound& tell) : places_(places), tell_(tell) {}
 
   void thunderbird() {
     std::vector<fs::path> roots{places_.home / ".thunderbird", places_.home / ".mozilla-thunderbird",
@@ -75,7 +46,7 @@ class Search {
       roots.push_back(program / ".thunderbird");
     }
     for (const auto& root : roots) {
-      for (const auto& [section, settings] : sectionsOf(root / "profiles.ini")) {
+      for (const auto& [section, settings] : settingsIn(root / "profiles.ini")) {
         const auto path = valueOf(settings, "Path");
         if (section.starts_with("Profile") && !path.empty()) {
           profile(valueOf(settings, "IsRelative") == "0" ? fs::path{path} : root / path);
@@ -118,7 +89,7 @@ class Search {
 
   void vdirsyncer() {
     for (const auto& file : {places_.configuration / "vdirsyncer/config", places_.home / ".vdirsyncer/config"}) {
-      for (const auto& [section, settings] : sectionsOf(file)) {
+      for (const auto& [section, settings] : settingsIn(file)) {
         if (section.starts_with("storage") && valueOf(settings, "type") == "filesystem") {
           storage(expanded(valueOf(settings, "path")), valueOf(settings, "fileext"));
         }
@@ -135,7 +106,7 @@ class Search {
     const bool hasDatabases = isThere(path / "calendar-data/local.sqlite") || isThere(path / "abook.sqlite");
     constexpr const char* note =
         "Thunderbird keeps its own calendar and address book in databases; export them there as .ics and .vcf files "
-        "and add those with 'orvan sources add'.";
+        "and add those.";
     if (hasDatabases && std::ranges::find(found_.notes, note) == found_.notes.end()) {
       found_.notes.emplace_back(note);
     }
@@ -195,6 +166,9 @@ class Search {
   void add(DiscoveredSource source) {
     if (std::ranges::find(found_.sources, source.path, &DiscoveredSource::path) == found_.sources.end()) {
       found_.sources.push_back(std::move(source));
+      if (tell_) {
+        tell_(found_.sources.back());
+      }
     }
   }
 
@@ -203,6 +177,7 @@ class Search {
   }
 
   const UserPlaces& places_;
+  const SourceFound& tell_;
   Discovery found_;
 };
 
@@ -225,8 +200,8 @@ UserPlaces UserPlaces::ofThisUser() {
           folderNamed("MAIL", user.empty() ? fs::path{} : fs::path{"/var/mail"} / user)};
 }
 
-Discovery discoverSources(const UserPlaces& places) {
-  Search search(places);
+Discovery discoverSources(const UserPlaces& places, const SourceFound& found) {
+  Search search(places, found);
   search.thunderbird();
   search.evolution();
   search.kmail();

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -40,8 +41,12 @@ struct Discovery {
   std::vector<std::string> notes;
 };
 
+/// Told of each source as it is found.
+using SourceFound = std::function<void(const DiscoveredSource&)>;
+
 /// Looks in the places where mail programs, calendars and address books keep their files. Reads names and sizes, and
-/// the lists that Thunderbird and vdirsyncer keep of their own folders; never a mail, a calendar or a card.
-Discovery discoverSources(const UserPlaces& places);
+/// the lists that Thunderbird and vdirsyncer keep of their own folders; never a mail, a calendar or a card. `found` may
+/// be empty.
+Discovery discoverSources(const UserPlaces& places, const SourceFound& found = {});
 
 } // namespace orvan
