@@ -17,17 +17,23 @@ struct Formatter {
 };
 
 /// Brings `kept` up to the settings of the moment.
-const icu::DateFormat* currentFormat(Formatter& kept, icu::DateFormat::EStyle timeStyle) {
+template <typename Make>
+const icu::DateFormat* currentFormat(Formatter& kept, Make make) {
   auto locale = internal::userLocaleName();
   if (kept.format == nullptr || kept.locale != locale) {
-    kept.format.reset(
-        icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium, timeStyle, internal::userLocale(locale)));
+    kept.format.reset(make(internal::userLocale(locale)));
     if (kept.format != nullptr) {
       kept.format->setTimeZone(*icu::TimeZone::getGMT());
     }
     kept.locale = std::move(locale);
   }
   return kept.format.get();
+}
+
+const icu::DateFormat* currentFormat(Formatter& kept, icu::DateFormat::EStyle timeStyle) {
+  return currentFormat(kept, [timeStyle](const icu::Locale& locale) {
+    return icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium, timeStyle, locale);
+  });
 }
 
 icu::UnicodeString formatted(Instant instant, const icu::DateFormat* format) {
@@ -45,6 +51,17 @@ std::string humanDateText(Instant instant) {
   thread_local Formatter kept;
   std::string text;
   formatted(instant, currentFormat(kept, icu::DateFormat::kNone)).toUTF8String(text);
+  return text;
+}
+
+std::string humanMonthText(Instant instant) {
+  thread_local Formatter kept;
+  const auto* format = currentFormat(kept, [](const icu::Locale& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    return icu::DateFormat::createInstanceForSkeleton(UDAT_YEAR_ABBR_MONTH, locale, status);
+  });
+  std::string text;
+  formatted(instant, format).toUTF8String(text);
   return text;
 }
 

@@ -17,4 +17,7 @@ std::string humanDateText(Instant instant);
 /// The same with the time of day in hours and minutes: "Mar 4, 2026, 9:15 AM".
 std::string humanMomentText(Instant instant);
 
+/// The month of it alone, with its year: "Mar 2026".
+std::string humanMonthText(Instant instant);
+
 } // namespace orvan

@@ -81,6 +81,13 @@ Flickable {
             height: 20
         }
 
+        ContactYears {
+            width: parent.width
+            height: implicitHeight + 20
+            look: page.look
+            picture: page.person.contact
+        }
+
         Rectangle {
             width: parent.width
             height: (page.isAbsent ? absence.implicitHeight : reason.implicitHeight) + 28

@@ -31,6 +31,7 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
     addresses.append(displayText(address));
   }
   shown.addresses = addresses.join(tr(", "));
+  shown.contact = ContactPicture(reading.history);
   if (!reading.details) {
     return shown;
   }

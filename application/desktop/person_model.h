@@ -7,6 +7,7 @@
 #include <QtQmlIntegration>
 
 #include "OrvanRelationshipAttention/ui/attention_why_now_model.h"
+#include "application/desktop/contact_picture.h"
 #include "application/desktop/store_readings.h"
 
 namespace orvan {
@@ -32,6 +33,7 @@ class PersonModel : public QObject {
   Q_PROPERTY(int earlierExchanges READ earlierExchanges NOTIFY changed FINAL)
   Q_PROPERTY(QStringList otherMatters READ otherMatters NOTIFY changed FINAL)
   Q_PROPERTY(QStringList decisions READ decisions NOTIFY changed FINAL)
+  Q_PROPERTY(orvan::ContactPicture contact READ contact NOTIFY changed FINAL)
 
  public:
   explicit PersonModel(QObject* parent = nullptr);
@@ -53,6 +55,7 @@ class PersonModel : public QObject {
   int earlierExchanges() const noexcept { return shown_.earlierExchanges; }
   const QStringList& otherMatters() const noexcept { return shown_.otherMatters; }
   const QStringList& decisions() const noexcept { return shown_.decisions; }
+  const ContactPicture& contact() const noexcept { return shown_.contact; }
 
  Q_SIGNALS:
   void changed();
@@ -71,6 +74,7 @@ class PersonModel : public QObject {
     int earlierExchanges = 0;
     QStringList otherMatters;
     QStringList decisions;
+    ContactPicture contact;
 
     bool operator==(const Shown&) const = default;
   };

@@ -66,8 +66,12 @@ std::optional<PersonReading> readPerson(Session& session, const std::string& per
   }
   auto addresses =
       session.readableStore().read([&personKey](Connection& connection) { return addressesOf(personKey, connection); });
-  return PersonReading{personKey, person->displayName(), std::move(addresses), detailsOf(personKey, session, asOf),
-                       session.isHidden(personKey)};
+  PersonReading reading{personKey, person->displayName(), std::move(addresses), detailsOf(personKey, session, asOf),
+                        session.isHidden(personKey), {}};
+  if (!reading.isHidden) {
+    reading.history = contactHistory(session, personKey, asOf);
+  }
+  return reading;
 }
 
 std::vector<ListedPerson> findPeople(Session& session, const std::string& text, std::size_t most, Instant asOf) {

@@ -7,6 +7,7 @@
 
 #include "OrvanPlatform/instant.h"
 #include "application/session/catch_up_list.h"
+#include "application/session/contact_history.h"
 #include "application/session/item_details.h"
 #include "application/session/people_list.h"
 #include "application/session/session.h"
@@ -36,6 +37,8 @@ struct PersonReading {
   /// Nothing when there is no reason to get in touch with the person, or they are hidden.
   std::optional<ItemDetails> details;
   bool isHidden = false;
+  /// Nothing is told of those who are hidden.
+  ContactHistory history;
 };
 
 /// Nothing when there is nobody of that key any more.
