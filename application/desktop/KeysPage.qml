@@ -19,6 +19,7 @@ Templates.Popup {
         ["R", qsTr("Resolve")],
         ["U", qsTr("Undo")],
         ["/", qsTr("Search people")],
+        ["F5", qsTr("Read what is new")],
         ["Ctrl +  Ctrl −  Ctrl 0", qsTr("Larger, smaller, usual text")],
         ["?", qsTr("These keys")]
     ]

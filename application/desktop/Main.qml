@@ -9,6 +9,7 @@ Window {
 
     required property WindowModel model
     required property DesktopAppearance appearance
+    required property FirstStartModel firstStart
     // Of text, on top of what the desktop has; the program remembers it.
     property real zoom: 1
 
@@ -64,8 +65,23 @@ Window {
         }
 
         function onPageChanged() {
-            if (window.isShowing)
+            if (window.model.page === WindowModel.NoStore)
+                window.place = "start"
+            else if (window.showsPeople)
                 list.forceActiveFocus()
+        }
+
+        function onListRead() {
+            if (window.place === "start" && window.model.hasPeople && window.firstStart.step === FirstStartModel.Begun)
+                window.showList()
+        }
+    }
+
+    Connections {
+        target: window.firstStart
+
+        function onNeeded() {
+            window.place = "start"
         }
     }
 
@@ -121,6 +137,11 @@ Window {
         sequences: [StandardKey.Back, StandardKey.Cancel]
         enabled: window.isShowing && window.place !== "people" && !mainMenu.visible && !keysPage.visible
         onActivated: window.showList()
+    }
+    Shortcut {
+        sequences: [StandardKey.Refresh]
+        enabled: window.isShowing
+        onActivated: window.firstStart.readNew()
     }
     Shortcut {
         sequences: ["F10"]
@@ -243,17 +264,19 @@ Window {
                 }
             }
 
-            PlainText {
+            ActionButton {
                 id: freshness
 
-                look: look
                 anchors.right: menuButton.left
                 anchors.rightMargin: 8
                 anchors.verticalCenter: parent.verticalCenter
-                visible: !window.isNarrow
+                visible: !window.isNarrow && text.length > 0
+                look: look
                 points: 11
                 text: window.model.freshness
                 color: look.secondaryText
+                Accessible.description: qsTr("Reads what is new")
+                onClicked: window.firstStart.readNew()
             }
 
             ActionButton {
@@ -285,7 +308,7 @@ Window {
 
             anchors.left: parent.left
             anchors.top: bar.bottom
-            anchors.bottom: parent.bottom
+            anchors.bottom: strip.top
             width: window.isNarrow ? parent.width : Math.max(look.pixelSize(300), Math.min(look.pixelSize(420), parent.width * 0.37))
             visible: window.showsPeople && !(window.isNarrow && window.showsPerson)
 
@@ -332,7 +355,15 @@ Window {
                     color: look.secondaryText
                     text: window.model.hasPeople
                         ? qsTr("Every question is answered, and nothing is left open. When that changes, you see it here.")
-                        : qsTr("Let it look for your mail and calendars: run “orvan sources discover” in a terminal. People appear here as soon as they are found.")
+                        : qsTr("Let it look for your mail, calendars and contacts. People appear here as soon as they are found.")
+                }
+
+                ActionButton {
+                    look: look
+                    isFramed: true
+                    visible: !window.model.hasPeople && !window.firstStart.reading.isReading
+                    text: qsTr("Choose what to read")
+                    onClicked: window.place = "start"
                 }
             }
         }
@@ -341,7 +372,7 @@ Window {
             anchors.left: window.isNarrow ? parent.left : side.right
             anchors.right: parent.right
             anchors.top: bar.bottom
-            anchors.bottom: parent.bottom
+            anchors.bottom: strip.top
             visible: window.showsPeople && (!window.isNarrow || window.showsPerson)
             color: look.desktop.base
 
@@ -372,6 +403,36 @@ Window {
             }
         }
 
+        Loader {
+            id: startLoader
+
+            // Within a component of its own, a page would take its own "look" for the window's.
+            readonly property AttentionLook windowLook: look
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: bar.visible ? bar.bottom : parent.top
+            anchors.bottom: strip.top
+            active: window.place === "start"
+            visible: active && window.model.page !== WindowModel.Failing
+
+            sourceComponent: FirstStartPage {
+                start: window.firstStart
+                look: startLoader.windowLook
+            }
+        }
+
+        ProgressStrip {
+            id: strip
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            height: implicitHeight
+            reading: window.firstStart.reading
+            look: look
+        }
+
         FailurePage {
             anchors.fill: parent
             visible: window.model.page === WindowModel.Failing
@@ -381,7 +442,7 @@ Window {
 
         NoticeBar {
             anchors.horizontalCenter: parent.horizontalCenter
-            anchors.bottom: parent.bottom
+            anchors.bottom: strip.top
             anchors.bottomMargin: 18
             width: implicitWidth
             height: implicitHeight
@@ -404,6 +465,7 @@ Window {
             parent: content
             look: look
             onChosen: place => window.place = place
+            onReadingAsked: window.firstStart.readNew()
             onKeysAsked: keysPage.open()
         }
 

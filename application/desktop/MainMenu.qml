@@ -10,6 +10,7 @@ PopupMenu {
 
     signal chosen(place: string)
     signal keysAsked
+    signal readingAsked
 
     onOpened: first.forceActiveFocus(Qt.TabFocusReason)
 
@@ -22,6 +23,16 @@ PopupMenu {
         MenuChoice {
             id: first
 
+            look: menu.look
+            text: qsTr("Read what is new")
+            detail: "F5"
+            onClicked: {
+                menu.close()
+                menu.readingAsked()
+            }
+        }
+
+        MenuChoice {
             look: menu.look
             text: qsTr("Keys")
             detail: "?"

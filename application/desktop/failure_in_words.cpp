@@ -21,19 +21,19 @@ QString unavailable() {
   return Failure::tr("Catch-up unavailable");
 }
 
-FailureInWords firstStart() {
-  return {
-      Failure::tr("Welcome to Orvan"),
-      Failure::tr("Orvan tells you whom to get back in touch with, and why. It reads your mail, calendars and "
-                  "contacts where they are, and keeps what it learns in one encrypted file on this computer; nothing "
-                  "leaves it. To begin, make that file and let Orvan look for your mail:"),
-      QStringLiteral("orvan init\norvan sources discover")};
+FailureInWords keyMissing() {
+  return {Failure::tr("The key to the store is missing"),
+          Failure::tr("The store is there, and only its own key opens it. Put the key back where it was, or name a "
+                      "copy of it when you start Orvan:"),
+          QStringLiteral("orvan-desktop --key-file FILE")};
 }
 
 FailureInWords inWords(ApplicationStoreError error) {
   switch (error) {
     case ApplicationStoreError::storeMissing:
-      return firstStart();
+      return {Failure::tr("There is no store yet"),
+              Failure::tr("It was taken away, or never made. Start Orvan again to make one, or put it back."),
+              {}};
     case ApplicationStoreError::storeNewer:
       return {
           Failure::tr("This store belongs to a newer Orvan"),
@@ -42,10 +42,7 @@ FailureInWords inWords(ApplicationStoreError error) {
           {}};
     case ApplicationStoreError::keyMissingForStore:
     case ApplicationStoreError::keyNotInKeyring:
-      return {Failure::tr("The key to the store is missing"),
-              Failure::tr("The store is there, and only its own key opens it. Put the key back where it was, or name a "
-                          "copy of it when you start Orvan:"),
-              QStringLiteral("orvan-desktop --key-file FILE")};
+      return keyMissing();
     case ApplicationStoreError::keyMalformed:
     case ApplicationStoreError::cannotDecrypt:
     case ApplicationStoreError::schemaMissing:
@@ -67,6 +64,12 @@ FailureInWords inWords(ApplicationStoreError error) {
           unavailable(), Failure::tr("Another program has kept the store busy for long. Try again in a moment."), {}};
     case ApplicationStoreError::diskFull:
       return {Failure::tr("The disk is full"), Failure::tr("Make some room, and try again. Nothing was lost."), {}};
+    case ApplicationStoreError::storeReadOnly:
+    case ApplicationStoreError::cannotCreate:
+      return {Failure::tr("The store cannot be written to"),
+              Failure::tr("Its folder has to be yours, and on a disk that can be written to. Mend that, and try again. "
+                          "Nothing was lost."),
+              {}};
     default:
       return {unavailable(), Failure::tr("The store could not be read. This tells what is wrong, and what to do:"),
               QStringLiteral("orvan doctor")};
@@ -76,7 +79,7 @@ FailureInWords inWords(ApplicationStoreError error) {
 FailureInWords inWords(CredentialVaultError error) {
   switch (error) {
     case CredentialVaultError::keyMissing:
-      return firstStart();
+      return keyMissing();
     case CredentialVaultError::vaultLocked:
       return {Failure::tr("Your keyring is locked"),
               Failure::tr("The key to the store lies in the desktop's keyring. Unlock it with the desktop's password "
@@ -122,6 +125,16 @@ FailureInWords failureOfCurrentException() {
     return inWords(error);
   } catch (const std::exception&) {
     return inWords(ApplicationStoreError::cannotReadStore);
+  }
+}
+
+bool tellsOfNoStore() {
+  try {
+    throw;
+  } catch (const Error& error) {
+    return error.code() == ApplicationStoreError::storeMissing;
+  } catch (const std::exception&) {
+    return false;
   }
 }
 

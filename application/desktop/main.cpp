@@ -21,6 +21,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanRelationshipAttention/ui/attention_views.h"
 #include "application/desktop/desktop_appearance.h"
+#include "application/desktop/first_start_model.h"
 #include "application/desktop/qt_executor.h"
 #include "application/desktop/single_instance.h"
 #include "application/desktop/store_thread.h"
@@ -151,13 +152,16 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   const SystemClock clock;
   StoreThread store(settingsOf(invocation));
   DesktopAppearance appearance(bus.get()); // NOLINT(misc-const-correctness): QML takes no pointer to a constant.
-  WindowModel model(loop, store, clock, parseInternetDateTime(invocation.asOf));
+  const auto asOf = parseInternetDateTime(invocation.asOf);
+  WindowModel model(loop, store, clock, asOf);
+  FirstStartModel firstStart(loop, store, clock, asOf, model);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);
   qml_register_types_Orvan_Desktop();
-  engine.setInitialProperties(
-      {{"model", QVariant::fromValue(&model)}, {"appearance", QVariant::fromValue(&appearance)}});
+  engine.setInitialProperties({{"model", QVariant::fromValue(&model)},
+                               {"appearance", QVariant::fromValue(&appearance)},
+                               {"firstStart", QVariant::fromValue(&firstStart)}});
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {

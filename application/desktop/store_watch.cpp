@@ -7,10 +7,9 @@ namespace orvan {
 
 StoreWatch::StoreWatch(const std::filesystem::path& store, QObject* parent)
     : QObject(parent), store_(QString::fromStdString(store.string())) {
-  using namespace std::chrono_literals;
   // An import writes many times a second; what it brought may come in steps.
   delay_.setSingleShot(true);
-  delay_.setInterval(500ms);
+  delay_.setInterval(usualDelay);
   connect(&delay_, &QTimer::timeout, this, &StoreWatch::changed);
   const auto noted = [this] {
     if (!delay_.isActive()) {

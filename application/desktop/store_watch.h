@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <chrono>
 #include <filesystem>
 
 namespace orvan {
@@ -15,10 +16,15 @@ class StoreWatch final : public QObject {
   Q_OBJECT
 
  public:
+  static constexpr std::chrono::milliseconds usualDelay{500};
+
   explicit StoreWatch(const std::filesystem::path& store, QObject* parent = nullptr);
 
   /// Watches the files that are there by now; to be called after the store was opened.
   void watchWhatIsThere();
+
+  /// How long after the first of several changes it tells.
+  void setDelay(std::chrono::milliseconds delay) { delay_.setInterval(delay); }
 
  Q_SIGNALS:
   /// A short while after the first of one or more changes.

@@ -17,6 +17,8 @@ using namespace std::chrono_literals;
 constexpr std::size_t mostFound = 50;
 /// Meetings come near and snoozes end by time alone.
 constexpr auto listStaysTrueFor = 10min;
+/// While much is written.
+constexpr std::chrono::milliseconds betweenReadings = 2s;
 
 } // namespace
 
@@ -58,9 +60,17 @@ void WindowModel::setPage(Page page) {
   }
 }
 
-void WindowModel::fail(FailureInWords failure) {
-  failure_ = std::move(failure);
+void WindowModel::fail() {
+  if (tellsOfNoStore()) {
+    setPage(NoStore);
+    return;
+  }
+  failure_ = failureOfCurrentException();
   setPage(Failing);
+}
+
+void WindowModel::setIsWrittenTo(StoreUse use) {
+  watch_.setDelay(use == StoreUse::busy ? betweenReadings : StoreWatch::usualDelay);
 }
 
 void WindowModel::readListSoon() {
@@ -80,7 +90,7 @@ Task<void> WindowModel::readListUntilCurrent() {
     try {
       take(co_await store_.ask([asOf](Session& session) { return readList(session, asOf); }), number);
     } catch (...) {
-      fail(failureOfCurrentException());
+      fail();
     }
   } while (mustReadAgain_);
   isReading_ = false;
@@ -206,7 +216,7 @@ Task<void> WindowModel::readChosen(QString personKey) {
       chooseNear(0);
     }
   } catch (...) {
-    fail(failureOfCurrentException());
+    fail();
   }
 }
 
@@ -259,7 +269,7 @@ Task<void> WindowModel::findPeople(QString text) {
     }
     found_.setPeople(std::move(found));
   } catch (...) {
-    fail(failureOfCurrentException());
+    fail();
   }
 }
 

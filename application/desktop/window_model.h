@@ -26,6 +26,9 @@
 
 namespace orvan {
 
+/// How much is written to the store.
+enum class StoreUse { usual, busy };
+
 /// All that the window shows and does, without how it looks. Belongs to Qt's thread, and never waits for the store:
 /// what it asks of the store's thread comes back through the loop.
 ///
@@ -53,7 +56,13 @@ class WindowModel : public QObject {
   Q_PROPERTY(int secondsToUndo READ secondsToUndo NOTIFY secondsToUndoChanged FINAL)
 
  public:
-  enum Page { Opening, Showing, Failing };
+  enum Page {
+    Opening,
+    /// There is no store yet.
+    NoStore,
+    Showing,
+    Failing
+  };
   Q_ENUM(Page)
   enum Notice { NoNotice, CanUndo, CouldNotSave, Told };
   Q_ENUM(Notice)
@@ -83,6 +92,10 @@ class WindowModel : public QObject {
   /// Opens the store and reads the list; after a failure, anew. Whom `person` names by key, name or address is chosen.
   void start(const QString& person = {});
   Q_INVOKABLE void tryAgain();
+  /// After something was written to the store by another part of this program.
+  Q_INVOKABLE void readAgain() { readListSoon(); }
+  /// While another part of the program writes much, the list is read again now and then only.
+  void setIsWrittenTo(StoreUse use);
   /// Shows a person at the right, on the list or not.
   Q_INVOKABLE void choose(const QString& personKey);
   /// The same for whom the user names.
@@ -151,7 +164,8 @@ class WindowModel : public QObject {
   Task<void> findCalled(QString person);
   Task<void> findPeople(QString text);
   void take(ListReading reading, std::uint64_t number);
-  void fail(FailureInWords failure);
+  /// For the exception that is being handled.
+  void fail();
   void setPage(Page page);
   void showRows();
   /// After the row at that place is gone.

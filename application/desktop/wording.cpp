@@ -172,6 +172,30 @@ QString inWords(const AttentionItemAction& action, const QString& displayName) {
   return Wording::tr("Snoozed until %2: %1").arg(displayName, displayText(humanDateText(*action.until())));
 }
 
+QString inWords(SourceKind kind) {
+  switch (kind) {
+    case SourceKind::mail:
+      return Wording::tr("Mail");
+    case SourceKind::calendar:
+      return Wording::tr("Calendar");
+    case SourceKind::cards:
+      return Wording::tr("Contacts");
+  }
+  return {};
+}
+
+QString inWords(ProposedAddress::Ground ground) {
+  switch (ground) {
+    case ProposedAddress::Ground::settings:
+      return Wording::tr("in a mail program's settings");
+    case ProposedAddress::Ground::sentMail:
+      return Wording::tr("in your sent mail");
+    case ProposedAddress::Ground::mostMail:
+      return Wording::tr("named in much of the mail");
+  }
+  return {};
+}
+
 QString freshnessInWords(std::optional<Instant> broughtInAt, Instant now) {
   using namespace std::chrono_literals;
   if (!broughtInAt) {

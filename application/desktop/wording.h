@@ -11,6 +11,7 @@
 #include "application/session/item_details.h"
 #include "application/session/listed_follow_up.h"
 #include "application/session/people_list.h"
+#include "application/sources/own_address_proposal.h"
 
 namespace orvan {
 
@@ -47,6 +48,12 @@ QString inWords(const AttentionItemState& state);
 
 /// What the user just did: "Dismissed: Ada Marsh".
 QString inWords(const AttentionItemAction& action, const QString& displayName);
+
+/// What a source holds.
+QString inWords(SourceKind kind);
+
+/// How an address came to be taken for the user's.
+QString inWords(ProposedAddress::Ground ground);
 
 /// How long ago mail and calendars were brought in last: "Up to date 4 min ago".
 QString freshnessInWords(std::optional<Instant> broughtInAt, Instant now);

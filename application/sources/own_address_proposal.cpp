@@ -102,8 +102,8 @@ class Sample {
   bool isOver() const { return std::chrono::steady_clock::now() > end_; }
 
   std::vector<ProposedAddress> proposed() const {
-    auto proposed = ofShare(sentFrom_, sent_, Ground::sentMail, sentToPropose, sentToBeLikely);
-    for (auto& other : ofShare(named_, received_, Ground::mostMail, namedToPropose, namedToBeLikely)) {
+    auto proposed = senders();
+    for (auto& other : mostNamed()) {
       if (!sentFrom_.contains(other.address)) {
         proposed.push_back(std::move(other));
       }
@@ -115,24 +115,47 @@ class Sample {
  private:
   using Counts = std::map<std::string, std::size_t>;
 
-  // How many mails in a hundred. Whom the user writes with most is named in a good part of the mail too.
+  // In a hundred mails.
   static constexpr std::size_t sentToPropose = 1;
   static constexpr std::size_t sentToBeLikely = 5;
   static constexpr std::size_t namedToPropose = 15;
   static constexpr std::size_t namedToBeLikely = 50;
+  /// In how many mails at least, unless it is in more than half: a few tell nothing.
+  static constexpr std::size_t fewestNamed = 3;
 
-  static std::vector<ProposedAddress> ofShare(const Counts& counts, std::size_t all, Ground ground,
-                                              std::size_t toPropose, std::size_t toBeLikely) {
-    std::vector<std::pair<std::size_t, std::string>> byCount;
+  using Counted = std::pair<std::size_t, std::string>;
+
+  static std::vector<Counted> byCount(const Counts& counts) {
+    std::vector<Counted> counted;
     for (const auto& [address, count] : counts) {
-      if (count * 100 >= all * toPropose) {
-        byCount.emplace_back(count, address);
+      counted.emplace_back(count, address);
+    }
+    std::ranges::sort(counted, [](const auto& one, const auto& other) { return one.first > other.first; });
+    return counted;
+  }
+
+  std::vector<ProposedAddress> senders() const {
+    std::vector<ProposedAddress> proposed;
+    for (auto& [count, address] : byCount(sentFrom_)) {
+      if (count * 100 >= sent_ * sentToPropose) {
+        proposed.push_back({std::move(address), Ground::sentMail, count * 100 >= sent_ * sentToBeLikely});
       }
     }
-    std::ranges::sort(byCount, [](const auto& one, const auto& other) { return one.first > other.first; });
+    return proposed;
+  }
+
+  /// Whom the user writes with most is named in a good part of the mail too, so that only the one address that stands
+  /// out is likely.
+  std::vector<ProposedAddress> mostNamed() const {
     std::vector<ProposedAddress> proposed;
-    for (auto& [count, address] : byCount) {
-      proposed.push_back({std::move(address), ground, count * 100 >= all * toBeLikely});
+    const auto counted = byCount(named_);
+    for (std::size_t i = 0; i < counted.size(); ++i) {
+      const auto& [count, address] = counted[i];
+      const bool isInMost = count * 100 > received_ * namedToBeLikely;
+      if (isInMost || (count >= fewestNamed && count * 100 >= received_ * namedToPropose)) {
+        const bool standsOut = i == 0 && (counted.size() == 1 || count > counted[1].first);
+        proposed.push_back({address, Ground::mostMail, isInMost && standsOut});
+      }
     }
     return proposed;
   }

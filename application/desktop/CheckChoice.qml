@@ -1,0 +1,124 @@
+import QtQuick
+import QtQuick.Templates as Templates
+import OrvanRelationshipAttention
+
+// Something that can be chosen or not, with what tells it from others beneath and behind it.
+Templates.AbstractButton {
+    id: choice
+
+    required property AttentionLook look
+    property string detail: ""
+    property string note: ""
+    // One of several that exclude each other.
+    property bool isOneOf: false
+    // It stands as it is.
+    property bool isFixed: false
+
+    signal changed(isChosen: bool)
+
+    function change() {
+        if (!isFixed && !(isOneOf && checked))
+            changed(!checked)
+    }
+
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    padding: 8
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.5
+
+    Accessible.role: isOneOf ? Accessible.RadioButton : Accessible.CheckBox
+    Accessible.name: note.length > 0 ? qsTr("%1, %2").arg(text).arg(note) : text
+    Accessible.description: detail
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.readOnly: isFixed
+    Accessible.onPressAction: change()
+    Accessible.onToggleAction: change()
+
+    onClicked: change()
+    Keys.onReturnPressed: change()
+    Keys.onEnterPressed: change()
+
+    background: Rectangle {
+        radius: 7
+        color: Qt.alpha(choice.look.accent, choice.hovered && !choice.isFixed ? 0.08 : 0)
+        border.width: choice.visualFocus ? 2 : 0
+        border.color: choice.look.accent
+    }
+
+    contentItem: Item {
+        implicitHeight: words.implicitHeight
+
+        Rectangle {
+            id: box
+
+            anchors.left: parent.left
+            y: Math.max(0, (title.height - height) / 2)
+            width: choice.look.pixelSize(15)
+            height: width
+            radius: choice.isOneOf ? width / 2 : 4
+            color: choice.checked ? choice.look.accent : choice.look.desktop.base
+            border.width: 1
+            border.color: choice.checked ? choice.look.accent : Qt.alpha(choice.look.text, 0.5)
+            opacity: choice.isFixed ? 0.6 : 1
+
+            Text {
+                anchors.centerIn: parent
+                visible: choice.checked
+                text: choice.isOneOf ? "●" : "✓"
+                color: choice.look.isDark ? "#101418" : "#ffffff"
+                font.pixelSize: choice.look.pixelSize(choice.isOneOf ? 7 : 11)
+                font.bold: true
+                Accessible.ignored: true
+            }
+        }
+
+        Column {
+            id: words
+
+            anchors.left: box.right
+            anchors.leftMargin: 10
+            anchors.right: parent.right
+            spacing: 2
+
+            Flow {
+                width: parent.width
+                spacing: 8
+
+                PlainText {
+                    id: title
+
+                    look: choice.look
+                    width: Math.min(implicitWidth, words.width)
+                    text: choice.text
+                    points: 13
+                    wrapMode: Text.WrapAnywhere
+                    Accessible.ignored: true
+                }
+
+                PlainText {
+                    look: choice.look
+                    width: Math.min(implicitWidth, words.width)
+                    visible: text.length > 0
+                    text: choice.note
+                    points: 11
+                    topPadding: choice.look.pixelSize(2)
+                    color: choice.look.secondaryText
+                    Accessible.ignored: true
+                }
+            }
+
+            PlainText {
+                look: choice.look
+                width: parent.width
+                visible: text.length > 0
+                text: choice.detail
+                points: 11
+                color: choice.look.secondaryText
+                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                Accessible.ignored: true
+            }
+        }
+    }
+}
