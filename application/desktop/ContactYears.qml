@@ -79,8 +79,8 @@ Item {
     Item {
         id: caption
 
-        readonly property real widthOfSamples: own.width + theirs.width + samples.spacing
-                                               + (met.visible ? met.width + samples.spacing : 0)
+        readonly property real widthOfSamples: own.width + theirs.width + samples.columnSpacing
+                                               + (met.visible ? met.width + samples.columnSpacing : 0)
         readonly property bool isOneLine: first.width + widthOfSamples + today.width + 48 <= width
 
         anchors.left: parent.left
@@ -97,13 +97,14 @@ Item {
             text: years.picture.firstMonth
         }
 
-        Flow {
+        Grid {
             id: samples
 
-            width: Math.min(caption.widthOfSamples, parent.width)
+            columns: caption.widthOfSamples <= parent.width ? 3 : 1
+            rowSpacing: 4
             x: caption.isOneLine ? (parent.width - width) / 2 : years.look.isRightToLeft ? parent.width - width : 0
             y: caption.isOneLine ? 0 : first.height + 4
-            spacing: years.look.pixelSize(16)
+            columnSpacing: years.look.pixelSize(16)
 
             Sample {
                 id: own

@@ -20,6 +20,7 @@ Templates.Popup {
         ["U", qsTr("Undo")],
         ["/", qsTr("Search people")],
         ["F5", qsTr("Read what is new")],
+        ["O", qsTr("Overview of everybody")],
         ["Ctrl +  Ctrl −  Ctrl 0", qsTr("Larger, smaller, usual text")],
         ["?", qsTr("These keys")]
     ]

@@ -8,6 +8,7 @@ Window {
     id: window
 
     required property WindowModel model
+    required property OverviewModel overview
     required property DesktopAppearance appearance
     required property FirstStartModel firstStart
     // Of text, on top of what the desktop has; the program remembers it.
@@ -33,6 +34,12 @@ Window {
         showsPerson = false
         search.text = ""
         list.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    function show(personKey: string) {
+        place = "people"
+        model.choose(personKey)
+        showPerson()
     }
 
     function snooze(anchor: Item) {
@@ -122,6 +129,11 @@ Window {
             window.showsPerson = false
             search.forceActiveFocus(Qt.ShortcutFocusReason)
         }
+    }
+    Shortcut {
+        sequences: ["O"]
+        enabled: window.takesKeys
+        onActivated: window.place = "overview"
     }
     Shortcut {
         sequences: [StandardKey.Cancel]
@@ -405,6 +417,7 @@ Window {
 
         Loader {
             id: startLoader
+            id: overviewLoader
 
             // Within a component of its own, a page would take its own "look" for the window's.
             readonly property AttentionLook windowLook: look
@@ -432,6 +445,16 @@ Window {
             reading: window.firstStart.reading
             look: look
         }
+
+            anchors.top: bar.bottom
+            active: window.isShowing && window.place === "overview"
+            onLoaded: item.forceActiveFocus()
+
+            sourceComponent: OverviewPage {
+                overview: window.overview
+                look: overviewLoader.windowLook
+                isNarrow: window.isNarrow
+                onChosen: personKey => window.show(personKey)
 
         FailurePage {
             anchors.fill: parent

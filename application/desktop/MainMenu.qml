@@ -29,6 +29,9 @@ PopupMenu {
             onClicked: {
                 menu.close()
                 menu.readingAsked()
+            text: qsTr("Overview")
+            detail: "O"
+                menu.chosen("overview")
             }
         }
 

@@ -22,6 +22,7 @@
 #include "OrvanRelationshipAttention/ui/attention_views.h"
 #include "application/desktop/desktop_appearance.h"
 #include "application/desktop/first_start_model.h"
+#include "application/desktop/overview_model.h"
 #include "application/desktop/qt_executor.h"
 #include "application/desktop/single_instance.h"
 #include "application/desktop/store_thread.h"
@@ -155,6 +156,9 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   const auto asOf = parseInternetDateTime(invocation.asOf);
   WindowModel model(loop, store, clock, asOf);
   FirstStartModel firstStart(loop, store, clock, asOf, model);
+  WindowModel model(loop, store, clock, parseInternetDateTime(invocation.asOf));
+  OverviewModel overview(loop, store, clock, parseInternetDateTime(invocation.asOf));
+  QObject::connect(&model, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);
@@ -162,6 +166,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   engine.setInitialProperties({{"model", QVariant::fromValue(&model)},
                                {"appearance", QVariant::fromValue(&appearance)},
                                {"firstStart", QVariant::fromValue(&firstStart)}});
+                               {"overview", QVariant::fromValue(&overview)},
+                               {"appearance", QVariant::fromValue(&appearance)}});
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {
