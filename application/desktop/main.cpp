@@ -26,6 +26,7 @@
 #include "application/desktop/qt_executor.h"
 #include "application/desktop/single_instance.h"
 #include "application/desktop/store_thread.h"
+#include "application/desktop/user_language.h"
 #include "application/desktop/window_model.h"
 #include "application/desktop/window_place.h"
 #include "application/process/process_privacy.h"
@@ -209,6 +210,7 @@ int main(int argc, char** argv) try {
   if (const auto code = orvan::exitCodeOfReading(invocation, argc, argv)) {
     return *code;
   }
+  orvan::speakLanguageOfUser(application);
   return orvan::run(invocation, application);
 } catch (...) {
   std::fputs("orvan-desktop: Something unexpected went wrong; 'orvan doctor' may tell what.\n", stderr);
