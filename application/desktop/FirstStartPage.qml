@@ -238,7 +238,7 @@ Item {
                     }
                 }
 
-                TextEntry {
+                EntryLine {
                     id: path
 
                     width: parent.width
@@ -307,7 +307,7 @@ Item {
                     }
                 }
 
-                TextEntry {
+                EntryLine {
                     id: address
 
                     width: parent.width

@@ -417,7 +417,6 @@ Window {
 
         Loader {
             id: startLoader
-            id: overviewLoader
 
             // Within a component of its own, a page would take its own "look" for the window's.
             readonly property AttentionLook windowLook: look
@@ -446,7 +445,15 @@ Window {
             look: look
         }
 
+        Loader {
+            id: overviewLoader
+
+            readonly property AttentionLook windowLook: look
+
+            anchors.left: parent.left
+            anchors.right: parent.right
             anchors.top: bar.bottom
+            anchors.bottom: strip.top
             active: window.isShowing && window.place === "overview"
             onLoaded: item.forceActiveFocus()
 
@@ -455,6 +462,8 @@ Window {
                 look: overviewLoader.windowLook
                 isNarrow: window.isNarrow
                 onChosen: personKey => window.show(personKey)
+            }
+        }
 
         FailurePage {
             anchors.fill: parent

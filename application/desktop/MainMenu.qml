@@ -29,8 +29,15 @@ PopupMenu {
             onClicked: {
                 menu.close()
                 menu.readingAsked()
+            }
+        }
+
+        MenuChoice {
+            look: menu.look
             text: qsTr("Overview")
             detail: "O"
+            onClicked: {
+                menu.close()
                 menu.chosen("overview")
             }
         }

@@ -157,8 +157,7 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   const auto asOf = parseInternetDateTime(invocation.asOf);
   WindowModel model(loop, store, clock, asOf);
   FirstStartModel firstStart(loop, store, clock, asOf, model);
-  WindowModel model(loop, store, clock, parseInternetDateTime(invocation.asOf));
-  OverviewModel overview(loop, store, clock, parseInternetDateTime(invocation.asOf));
+  OverviewModel overview(loop, store, clock, asOf);
   QObject::connect(&model, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
 
   QQmlApplicationEngine engine;
@@ -166,9 +165,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   qml_register_types_Orvan_Desktop();
   engine.setInitialProperties({{"model", QVariant::fromValue(&model)},
                                {"appearance", QVariant::fromValue(&appearance)},
-                               {"firstStart", QVariant::fromValue(&firstStart)}});
-                               {"overview", QVariant::fromValue(&overview)},
-                               {"appearance", QVariant::fromValue(&appearance)}});
+                               {"firstStart", QVariant::fromValue(&firstStart)},
+                               {"overview", QVariant::fromValue(&overview)}});
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {
