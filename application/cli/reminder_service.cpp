@@ -1,65 +1,19 @@
 #include "application/cli/reminder_service.h"
 
-#include <boost/asio/io_context.hpp>
-#include <filesystem>
 #include <iostream>
 #include <utility>
 
-#include "OrvanNotifications/protocol.h"
-#include "OrvanPlatform/bus/bus_connection.h"
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/log.h"
 #include "OrvanPlatform/work_executor.h"
 #include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
 #include "application/cli/command_failure.h"
 #include "application/cli/human_output.h"
-#include "application/follow_ups/notification_application.h"
 #include "application/follow_ups/reminder_words.h"
-#include "application/process/program_start.h"
+#include "application/reminder_service/running_service.h"
 
 namespace orvan {
 namespace {
-
-constexpr std::chrono::seconds patience{5};
-
-AgentCenterOptions optionsFor(const SessionSettings& settings) {
-  return {.application = notificationApplicationOf(settings.store),
-          .displayName = std::string{notificationDisplayName},
-          .callTimeout = patience};
-}
-
-/// Waits until the service is on the bus; whether it is, before patience ends.
-bool waitForService() {
-  boost::asio::io_context loop{1};
-  bool isThere = false;
-  const auto bus = BusConnection::toUserBus(loop.get_executor());
-  const auto watch = bus->watchName(agent_protocol::serviceName, [&](const std::string& owner) {
-    isThere = !owner.empty();
-    if (isThere) {
-      loop.stop();
-    }
-  });
-  loop.run_for(patience);
-  return isThere;
-}
-
-bool start(const std::filesystem::path& agent, const SessionSettings& settings) {
-  const auto absolute = [](const std::filesystem::path& path) { return std::filesystem::absolute(path).native(); };
-  return startByItself(agent, {"--store", absolute(settings.store), "--key-file", absolute(settings.keyFile)}, {});
-}
-
-/// Where the bus knows of no service to start, because none was installed, starts the one beside this program.
-AgentState stateOfService(const SessionSettings& settings) {
-  try {
-    return AgentControl(patience).state();
-  } catch (const Error& error) {
-    const auto program = programCalled("orvan-agent");
-    if (error.code() != AgentControlError::noAgent || !program || !start(*program, settings) || !waitForService()) {
-      throw;
-    }
-  }
-  return AgentControl(patience).state();
-}
 
 std::string sentenceFor(EffectReasonToken token, const ReminderService& service) {
   switch (token) {
@@ -121,24 +75,20 @@ ReminderOutcome withService(const CommandContext& context, const std::string& wh
 
 ReminderService::ReminderService(const SessionSettings& settings)
     : settings_(settings),
-      state_(stateOfService(settings)),
-      center_(AgentNotificationCenter::make(optionsFor(settings))),
+      state_(usableService(settings)),
+      center_(AgentNotificationCenter::make(centerOptionsFor(settings))),
       scheduling_(std::make_shared<UserNotificationsFollowUpScheduling>(journalOrNoLogSink())) {
-  if (state_.file != AgentFile::open) {
-    throw Error(state_.file == AgentFile::locked ? AgentControlError::locked : AgentControlError::unusable,
-                "asking for the reminders");
-  }
   NotificationCenter::setCurrent(center_);
 }
 
 ReminderService::~ReminderService() {
   reminders_.reset();
-  center_->flush(patience);
+  center_->flush(patienceWithService);
   NotificationCenter::setCurrent(nullptr);
 }
 
 void ReminderService::lookAgain() {
-  state_ = AgentControl(patience).state();
+  state_ = AgentControl(patienceWithService).state();
 }
 
 AuthorizationStatus ReminderService::authorization() {
@@ -166,7 +116,7 @@ Reminders& ReminderService::reminders() {
 }
 
 bool ReminderService::keepsStore() const {
-  return notificationApplicationOf(state_.store) == notificationApplicationOf(settings_.store);
+  return orvan::keepsStore(state_, settings_);
 }
 
 std::string sentenceOf(AgentControlError error) {
