@@ -2,15 +2,18 @@ import QtQuick
 import OrvanRelationshipAttention
 import Orvan.Desktop
 
-// A month of days, of which those after today can be picked. With the keyboard: arrows, Page Up and Page Down, Enter.
+// A month of days, of which those to come can be picked. With the keyboard: arrows, Page Up and Page Down, Enter.
 FocusScope {
     id: picker
 
     required property AttentionLook look
     // In the form 2026-03-04, as is what is picked.
     required property string today
+    // Whether today can be picked, too.
+    property bool allowsToday: false
 
-    property date current: later(dateOf(today), 1)
+    readonly property date first: later(dateOf(today), allowsToday ? 0 : 1)
+    property date current: first
     readonly property int cell: look.pixelSize(32)
 
     signal picked(day: string)
@@ -34,8 +37,7 @@ FocusScope {
     }
 
     function moveTo(day: date) {
-        const tomorrow = later(dateOf(today), 1)
-        current = day < tomorrow ? tomorrow : day
+        current = day < first ? first : day
     }
 
     // The first day of the week that the month begins in.
@@ -137,7 +139,7 @@ FocusScope {
                     required property int index
                     readonly property date day: picker.later(picker.firstShown(), index)
                     readonly property bool isCurrent: picker.written(day) === picker.written(picker.current)
-                    readonly property bool isAhead: picker.written(day) > picker.today
+                    readonly property bool isAhead: day >= picker.first
 
                     width: picker.cell
                     height: picker.cell

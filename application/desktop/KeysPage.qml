@@ -17,6 +17,7 @@ Templates.Popup {
         ["S", qsTr("Snooze")],
         ["D", qsTr("Dismiss")],
         ["R", qsTr("Resolve")],
+        ["F", qsTr("Be reminded of the person")],
         ["U", qsTr("Undo")],
         ["/", qsTr("Search people")],
         ["F5", qsTr("Read what is new")],

@@ -11,6 +11,7 @@ Window {
     required property OverviewModel overview
     required property DesktopAppearance appearance
     required property FirstStartModel firstStart
+    required property FollowUpsModel followUps
     // Of text, on top of what the desktop has; the program remembers it.
     property real zoom: 1
 
@@ -22,7 +23,7 @@ Window {
     // What the window is opened at: the people, or a page that takes the whole of it.
     property string place: "people"
     readonly property bool showsPeople: isShowing && place === "people"
-    readonly property bool takesKeys: showsPeople && !snoozeMenu.visible && !keysPage.visible && !mainMenu.visible
+    readonly property bool takesKeys: showsPeople && !snoozeMenu.visible && !remindMenu.visible && !keysPage.visible && !mainMenu.visible
 
     function showPerson() {
         showsPerson = true
@@ -116,6 +117,11 @@ Window {
         sequences: ["R"]
         enabled: window.takesKeys
         onActivated: window.model.resolve()
+    }
+    Shortcut {
+        sequences: ["F"]
+        enabled: window.takesKeys && window.model.chosen.length > 0
+        onActivated: remindMenu.openAt(null)
     }
     Shortcut {
         sequences: ["U", StandardKey.Undo]
@@ -401,8 +407,10 @@ Window {
 
                 anchors.fill: parent
                 window: window.model
+                followUps: window.followUps
                 look: look
                 onSnoozeRequested: anchor => window.snooze(anchor)
+                onRemindRequested: anchor => remindMenu.openAt(anchor)
             }
 
             // That the keyboard is at the right.
@@ -489,6 +497,15 @@ Window {
             window: window.model
             look: look
             onClosed: list.forceActiveFocus()
+        }
+
+        RemindMenu {
+            id: remindMenu
+
+            parent: content
+            window: window.model
+            followUps: window.followUps
+            look: look
         }
 
         MainMenu {

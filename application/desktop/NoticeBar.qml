@@ -60,7 +60,8 @@ Rectangle {
             width: Math.min(implicitWidth, (bar.parent?.width ?? 0) - 60 - button.implicitWidth)
             text: bar.words
             color: bar.ink
-            wrapMode: Text.NoWrap
+            // An action names the person; what came of it has to be read to its end.
+            wrapMode: bar.kind === WindowModel.Told ? Text.Wrap : Text.NoWrap
             elide: Text.ElideMiddle
             Accessible.ignored: true
         }

@@ -8,11 +8,13 @@ Flickable {
     id: page
 
     required property WindowModel window
+    required property FollowUpsModel followUps
     required property AttentionLook look
     readonly property PersonModel person: window.person
     readonly property bool isAbsent: person.absence.length > 0
 
     signal snoozeRequested(anchor: Item)
+    signal remindRequested(anchor: Item)
 
     function scroll(distance: real) {
         contentY = Math.max(0, Math.min(Math.max(0, contentHeight - height), contentY + distance))
@@ -59,13 +61,33 @@ Flickable {
         width: Math.min(page.width - 64, page.look.pixelSize(620))
         visible: page.person.personKey.length > 0
 
-        PlainText {
-            look: page.look
+        Item {
             width: parent.width
-            points: 20
-            text: page.person.displayName
-            font.weight: Font.DemiBold
-            Accessible.role: Accessible.Heading
+            height: Math.max(name.implicitHeight, remind.implicitHeight)
+
+            PlainText {
+                id: name
+
+                look: page.look
+                anchors.left: parent.left
+                anchors.right: remind.left
+                anchors.rightMargin: 16
+                points: 20
+                text: page.person.displayName
+                font.weight: Font.DemiBold
+                Accessible.role: Accessible.Heading
+            }
+
+            ActionButton {
+                id: remind
+
+                look: page.look
+                anchors.right: parent.right
+                y: (name.font.pixelSize * 1.3 - height) / 2
+                text: qsTr("Remind me")
+                Accessible.role: Accessible.ButtonMenu
+                onClicked: page.remindRequested(remind)
+            }
         }
 
         PlainText {
@@ -153,6 +175,19 @@ Flickable {
                 text: qsTr("Resolve")
                 onClicked: page.window.resolve()
             }
+        }
+
+        Heading {
+            look: page.look
+            visible: page.person.followUps.length > 0
+            text: qsTr("You wanted to get back to them")
+        }
+
+        FollowUps {
+            width: parent.width
+            person: page.person
+            followUps: page.followUps
+            look: page.look
         }
 
         Heading {

@@ -22,6 +22,7 @@
 #include "OrvanRelationshipAttention/ui/attention_views.h"
 #include "application/desktop/desktop_appearance.h"
 #include "application/desktop/first_start_model.h"
+#include "application/desktop/follow_ups_model.h"
 #include "application/desktop/overview_model.h"
 #include "application/desktop/qt_executor.h"
 #include "application/desktop/single_instance.h"
@@ -29,7 +30,9 @@
 #include "application/desktop/user_language.h"
 #include "application/desktop/window_model.h"
 #include "application/desktop/window_place.h"
+#include "application/desktop/window_reminders.h"
 #include "application/process/process_privacy.h"
+#include "application/reminder_service/running_service.h"
 #include "application/session/session_settings.h"
 
 // Generated from the classes of this folder. Naming it keeps a linker from leaving it out of a program.
@@ -101,6 +104,18 @@ std::unique_ptr<BusConnection> userBus(QtLoop& loop) {
   }
 }
 
+/// While it lives, the reminder service is the process's notification centre. Nothing is asked of it before it is
+/// needed; at the end, what is to be withdrawn is on its way for good.
+class NotificationCenterOfService {
+ public:
+  explicit NotificationCenterOfService(const SessionSettings& settings) {
+    NotificationCenter::setCurrent(AgentNotificationCenter::make(centerOptionsFor(settings)));
+  }
+  ~NotificationCenterOfService() { NotificationCenter::setCurrent(nullptr); }
+  NotificationCenterOfService(const NotificationCenterOfService&) = delete;
+  NotificationCenterOfService& operator=(const NotificationCenterOfService&) = delete;
+};
+
 /// Shows the window once it is known how it is to look and that it is the only one, and then opens the store.
 class Opening {
  public:
@@ -152,13 +167,17 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   QtLoop loop;
   const auto bus = userBus(loop);
   const SystemClock clock;
-  StoreThread store(settingsOf(invocation));
+  const auto settings = settingsOf(invocation);
+  const NotificationCenterOfService center(settings);
+  WindowReminders reminders(settings, [settings] { return usableService(settings); });
+  StoreThread store(settings);
   DesktopAppearance appearance(bus.get()); // NOLINT(misc-const-correctness): QML takes no pointer to a constant.
   const auto asOf = parseInternetDateTime(invocation.asOf);
   WindowModel model(loop, store, clock, asOf);
   FirstStartModel firstStart(loop, store, clock, asOf, model);
   OverviewModel overview(loop, store, clock, asOf);
   QObject::connect(&model, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
+  FollowUpsModel followUps(loop, store, reminders, model, clock, asOf);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);
@@ -166,7 +185,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   engine.setInitialProperties({{"model", QVariant::fromValue(&model)},
                                {"appearance", QVariant::fromValue(&appearance)},
                                {"firstStart", QVariant::fromValue(&firstStart)},
-                               {"overview", QVariant::fromValue(&overview)}});
+                               {"overview", QVariant::fromValue(&overview)},
+                               {"followUps", QVariant::fromValue(&followUps)}});
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {

@@ -18,6 +18,18 @@ QVariantList exchangesOf(const Conversation& conversation) {
   return exchanges;
 }
 
+QVariantList followUpsInWords(const std::vector<ListedFollowUp>& followUps) {
+  QVariantList shown;
+  for (const auto& followUp : followUps) {
+    const auto& key = followUp.item ? followUp.item->itemKey() : followUp.id;
+    shown.append(QVariantMap{{"id", QString::fromStdString(followUp.id)},
+                             {"itemKey", QString::fromStdString(key)},
+                             {"due", momentInWords(followUp.dueAt)},
+                             {"said", displayText(followUp.said.value_or(""))}});
+  }
+  return shown;
+}
+
 } // namespace
 
 PersonModel::PersonModel(QObject* parent) : QObject(parent) {}
@@ -32,6 +44,7 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
   }
   shown.addresses = addresses.join(tr(", "));
   shown.contact = ContactPicture(reading.history);
+  shown.followUps = followUpsInWords(reading.followUps);
   if (!reading.details) {
     return shown;
   }
@@ -42,12 +55,6 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
   shown.meeting = meetingInWords(details.about);
   shown.exchanges = exchangesOf(details.conversation);
   shown.earlierExchanges = static_cast<int>(details.conversation.earlier);
-  if (details.followUp) {
-    shown.otherMatters.append(tr("You wanted to get back to them. %1").arg(orvan::inWords(*details.followUp)));
-  }
-  for (const auto& followUp : details.furtherFollowUps) {
-    shown.otherMatters.append(tr("A follow-up: %1").arg(orvan::inWords(followUp)));
-  }
   for (const auto& matter : details.others) {
     shown.otherMatters.append(orvan::inWords(matter));
   }

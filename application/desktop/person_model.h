@@ -32,6 +32,8 @@ class PersonModel : public QObject {
   Q_PROPERTY(QVariantList exchanges READ exchanges NOTIFY changed FINAL)
   Q_PROPERTY(int earlierExchanges READ earlierExchanges NOTIFY changed FINAL)
   Q_PROPERTY(QStringList otherMatters READ otherMatters NOTIFY changed FINAL)
+  /// Of maps with "id" and "itemKey", and in words "due" and "said".
+  Q_PROPERTY(QVariantList followUps READ followUps NOTIFY changed FINAL)
   Q_PROPERTY(QStringList decisions READ decisions NOTIFY changed FINAL)
   Q_PROPERTY(orvan::ContactPicture contact READ contact NOTIFY changed FINAL)
 
@@ -54,6 +56,7 @@ class PersonModel : public QObject {
   const QVariantList& exchanges() const noexcept { return shown_.exchanges; }
   int earlierExchanges() const noexcept { return shown_.earlierExchanges; }
   const QStringList& otherMatters() const noexcept { return shown_.otherMatters; }
+  const QVariantList& followUps() const noexcept { return shown_.followUps; }
   const QStringList& decisions() const noexcept { return shown_.decisions; }
   const ContactPicture& contact() const noexcept { return shown_.contact; }
 
@@ -73,6 +76,7 @@ class PersonModel : public QObject {
     QVariantList exchanges;
     int earlierExchanges = 0;
     QStringList otherMatters;
+    QVariantList followUps;
     QStringList decisions;
     ContactPicture contact;
 

@@ -29,6 +29,12 @@ void rememberAsShown(const CatchUpList& list, Instant asOf, Session& session) {
   rememberShown(items, asOf, session);
 }
 
+std::optional<Instant> nextDueAfter(Instant asOf, Connection& connection) {
+  const auto scheduled = followUps(FollowUpChoice::scheduled, connection);
+  const auto next = std::ranges::find_if(scheduled, [asOf](const auto& followUp) { return followUp.dueAt > asOf; });
+  return next == scheduled.end() ? std::nullopt : std::optional{next->dueAt};
+}
+
 /// Whether the person merely has no item, which is no fault.
 bool meansNoItem(const Error& error) {
   return error.code() == SessionError::noReasonNow || error.code() == SessionError::personHidden;
@@ -55,7 +61,9 @@ ListReading readList(Session& session, Instant asOf) {
   rememberAsShown(list, asOf, session);
   const auto broughtInAt =
       session.readableStore().read([](Connection& connection) { return lastBroughtIn(connection); });
-  return {std::move(list), asOf, broughtInAt, version};
+  const auto nextDueAt =
+      session.readableStore().read([asOf](Connection& connection) { return nextDueAfter(asOf, connection); });
+  return {std::move(list), asOf, broughtInAt, version, nextDueAt};
 }
 
 std::optional<PersonReading> readPerson(Session& session, const std::string& personKey, Instant asOf) {
@@ -66,8 +74,15 @@ std::optional<PersonReading> readPerson(Session& session, const std::string& per
   }
   auto addresses =
       session.readableStore().read([&personKey](Connection& connection) { return addressesOf(personKey, connection); });
-  PersonReading reading{personKey, person->displayName(), std::move(addresses), detailsOf(personKey, session, asOf),
-                        session.isHidden(personKey), {}};
+  auto followUps = session.readableStore().read(
+      [&personKey](Connection& connection) { return followUpsOf(personKey, FollowUpChoice::scheduled, connection); });
+  PersonReading reading{personKey,
+                        person->displayName(),
+                        std::move(addresses),
+                        detailsOf(personKey, session, asOf),
+                        session.isHidden(personKey),
+                        {},
+                        std::move(followUps)};
   if (!reading.isHidden) {
     reading.history = contactHistory(session, personKey, asOf);
   }

@@ -9,6 +9,7 @@
 #include "application/session/catch_up_list.h"
 #include "application/session/contact_history.h"
 #include "application/session/item_details.h"
+#include "application/session/listed_follow_up.h"
 #include "application/session/people_list.h"
 #include "application/session/session.h"
 
@@ -24,6 +25,8 @@ struct ListReading {
   std::optional<Instant> broughtInAt;
   /// See dataVersion(); from before the list was read.
   std::int64_t dataVersion;
+  /// When a follow-up comes due next, which the list shows from then on.
+  std::optional<Instant> nextDueAt = {};
 };
 
 /// Remembers the list as shown, except for what is older.
@@ -39,6 +42,8 @@ struct PersonReading {
   bool isHidden = false;
   /// Nothing is told of those who are hidden.
   ContactHistory history;
+  /// The scheduled ones, in the order of their times.
+  std::vector<ListedFollowUp> followUps = {};
 };
 
 /// Nothing when there is nobody of that key any more.

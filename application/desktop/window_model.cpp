@@ -31,6 +31,9 @@ WindowModel::WindowModel(QtLoop& loop, StoreThread& store, const Clock& clock, s
   minute_.setInterval(1min);
   minute_.setTimerType(Qt::VeryCoarseTimer);
   connect(&minute_, &QTimer::timeout, this, [this] { setIsSeen(true); });
+  due_.setSingleShot(true);
+  due_.setTimerType(Qt::PreciseTimer);
+  connect(&due_, &QTimer::timeout, this, &WindowModel::readListSoon);
 }
 
 Instant WindowModel::now() const {
@@ -108,6 +111,7 @@ void WindowModel::take(ListReading reading, std::uint64_t number) {
   });
   setPage(Showing);
   showRows();
+  awaitDue(reading_->nextDueAt);
   Q_EMIT listRead();
   Q_EMIT freshnessChanged();
   if (chosen_.isEmpty()) {
@@ -117,11 +121,32 @@ void WindowModel::take(ListReading reading, std::uint64_t number) {
   }
 }
 
+void WindowModel::awaitDue(std::optional<Instant> nextDueAt) {
+  // As far as a timer goes; further, the list is read again for nothing once.
+  constexpr std::chrono::milliseconds longest = 24h;
+  due_.stop();
+  if (nextDueAt && !asOf_) {
+    due_.start(std::clamp(std::chrono::ceil<std::chrono::milliseconds>(*nextDueAt - now()), 0ms, longest));
+  }
+}
+
 bool WindowModel::isDecidedOn(const QString& itemKey) const {
   const auto key = itemKey.toStdString();
   const auto& undoable = undoPeriod_.decision();
   return (undoable && undoable->itemKey == key) || std::ranges::any_of(savings_, [&key](const auto& saving) {
            return saving->state != Saving::State::failed && saving->decision.itemKey == key;
+         });
+}
+
+bool WindowModel::isEnding(const ListedFollowUp& followUp) const {
+  const auto& key = followUp.item ? followUp.item->itemKey() : followUp.id;
+  const auto isEnd = [&key](const DecisionToSave& decision) {
+    const auto* action = std::get_if<AttentionItemAction>(&decision.action);
+    return decision.itemKey == key && (action == nullptr || action->kind() != AttentionItemAction::Kind::snooze);
+  };
+  const auto& undoable = undoPeriod_.decision();
+  return (undoable && isEnd(*undoable)) || std::ranges::any_of(savings_, [&isEnd](const auto& saving) {
+           return saving->state == Saving::State::underWay && isEnd(saving->decision);
          });
 }
 
@@ -205,12 +230,13 @@ void WindowModel::chooseNear(int row) {
 Task<void> WindowModel::readChosen(QString personKey) {
   const auto asOf = now();
   try {
-    const auto reading = co_await store_.ask(
+    auto reading = co_await store_.ask(
         [key = personKey.toStdString(), asOf](Session& session) { return readPerson(session, key, asOf); });
     if (chosen_ != personKey) {
       co_return;
     }
     if (reading) {
+      std::erase_if(reading->followUps, [this](const auto& followUp) { return isEnding(followUp); });
       person_.show(*reading, absenceOf(*reading));
     } else {
       chooseNear(0);
@@ -328,8 +354,26 @@ void WindowModel::decide(const AttentionItemAction& action) {
   if (row == nullptr) {
     return;
   }
+  beginUndoPeriod(DecisionToSave{row->personKey, row->displayName, row->itemKey.toStdString(), action});
+}
+
+void WindowModel::endFollowUp(const QString& followUpID, FollowUpToEnd::End end) {
+  const auto shown = person_.followUps();
+  const auto found =
+      std::ranges::find(shown, QVariant{followUpID}, [](const auto& followUp) { return followUp.toMap().value("id"); });
+  if (found != shown.end()) {
+    beginUndoPeriod(DecisionToSave{person_.personKey(), person_.displayName(),
+                                   found->toMap().value("itemKey").toString().toStdString(),
+                                   FollowUpToEnd{followUpID.toStdString(), end}});
+  }
+}
+
+void WindowModel::onFollowUpEnded(std::function<void(const std::string&)> handler) {
+  followUpEnded_ = std::move(handler);
+}
+
+void WindowModel::beginUndoPeriod(const DecisionToSave& decision) {
   const int place = list_.rowOf(chosen_);
-  const DecisionToSave decision{row->personKey, row->displayName, row->itemKey.toStdString(), action};
   told_.clear();
   hasTriedToClose_ = false;
   // This one takes the place of what could not be saved about the same matter.
@@ -341,7 +385,11 @@ void WindowModel::decide(const AttentionItemAction& action) {
   }
   second_.start();
   showRows();
-  chooseNear(place);
+  if (place >= 0 && list_.rowOf(chosen_) < 0) {
+    chooseNear(place);
+  } else {
+    choose(chosen_);
+  }
   Q_EMIT noticeChanged();
   Q_EMIT secondsToUndoChanged();
 }
@@ -375,10 +423,15 @@ void WindowModel::save(DecisionToSave decision) {
 
 void WindowModel::give(const std::shared_ptr<Saving>& saving) {
   saving->state = Saving::State::underWay;
-  store_.post([this, saving, asOf = now()](Session& session) {
-    const auto end = saving->isDone ? SavingEnd::saved : orvan::save(saving->decision, session, asOf);
-    saving->isDone = end != SavingEnd::failed;
-    loop_.post([this, saving, end] { ended(saving, end); });
+  // The window may be gone by then.
+  store_.post([this, &loop = loop_, saving, followUpEnded = followUpEnded_, asOf = now()](Session& session) {
+    const auto outcome =
+        saving->isDone ? SavingOutcome{SavingEnd::saved} : orvan::save(saving->decision, session, asOf);
+    saving->isDone = outcome.end != SavingEnd::failed;
+    if (outcome.endedFollowUp && followUpEnded) {
+      followUpEnded(*outcome.endedFollowUp);
+    }
+    loop.post([this, saving, end = outcome.end] { ended(saving, end); });
   });
 }
 
@@ -392,10 +445,17 @@ void WindowModel::ended(const std::shared_ptr<Saving>& saving, SavingEnd end) {
     readListSoon();
   }
   if (end == SavingEnd::lapsed) {
-    told_ = tr("The reason has changed meanwhile, so nothing was done: %1").arg(saving->decision.displayName);
+    told_ = lapsedInWords(saving->decision);
   }
   Q_EMIT noticeChanged();
   goOnClosing();
+}
+
+QString WindowModel::lapsedInWords(const DecisionToSave& decision) {
+  const auto text = std::holds_alternative<FollowUpToEnd>(decision.action)
+                        ? tr("The follow-up was over already, so nothing was done: %1")
+                        : tr("The reason has changed meanwhile, so nothing was done: %1");
+  return text.arg(decision.displayName);
 }
 
 bool WindowModel::hasUnsaved() const {
@@ -437,7 +497,9 @@ QString WindowModel::noticeText() const {
     case CouldNotSave:
       return tr("Couldn't save — try again");
     case CanUndo:
-      return orvan::inWords(undoPeriod_.decision()->action, undoPeriod_.decision()->displayName);
+      return std::visit(
+          [this](const auto& action) { return orvan::inWords(action, undoPeriod_.decision()->displayName); },
+          undoPeriod_.decision()->action);
     case Told:
       return told_;
     case NoNotice:

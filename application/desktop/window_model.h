@@ -7,6 +7,7 @@
 #include <QVariantList>
 #include <QtQmlIntegration>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -117,6 +118,14 @@ class WindowModel : public QObject {
   /// Tries to save again what could not be saved.
   Q_INVOKABLE void saveAgain();
   Q_INVOKABLE void forgetNotice();
+  /// Ends one of the shown person's follow-ups, as can be undone and is saved like a decision.
+  void endFollowUp(const QString& followUpID, FollowUpToEnd::End end);
+  /// Called on the store's thread with each follow-up that has ended, so that its reminder goes, too.
+  void onFollowUpEnded(std::function<void(const std::string& followUpID)> handler);
+
+  /// For what was written to the store by other means.
+  void readAgain() { readListSoon(); }
+
   /// Says what something came to, until the user decides something else.
   Q_INVOKABLE void tell(const QString& text);
 
@@ -171,13 +180,17 @@ class WindowModel : public QObject {
   /// After the row at that place is gone.
   void chooseNear(int row);
   bool isDecidedOn(const QString& itemKey) const;
+  bool isEnding(const ListedFollowUp& followUp) const;
+  void awaitDue(std::optional<Instant> nextDueAt);
   QString absenceOf(const PersonReading& reading) const;
   FoundPerson inWords(const ListedPerson& person) const;
 
   void decide(const AttentionItemAction& action);
+  void beginUndoPeriod(const DecisionToSave& decision);
   void save(DecisionToSave decision);
   void give(const std::shared_ptr<Saving>& saving);
   void ended(const std::shared_ptr<Saving>& saving, SavingEnd end);
+  static QString lapsedInWords(const DecisionToSave& decision);
   void endUndoPeriod();
   void goOnClosing();
   bool hasUnsaved() const;
@@ -205,12 +218,14 @@ class WindowModel : public QObject {
 
   UndoPeriod<DecisionToSave> undoPeriod_;
   std::vector<std::shared_ptr<Saving>> savings_;
+  std::function<void(const std::string&)> followUpEnded_;
   QString told_;
   bool isClosing_ = false;
   bool hasTriedToClose_ = false;
 
   QTimer second_;
   QTimer minute_;
+  QTimer due_;
 };
 
 } // namespace orvan

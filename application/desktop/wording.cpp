@@ -57,6 +57,51 @@ QString sentenceFor(const CommitmentEvidence& commitment, const About& about) {
   return withAbout(Wording::tr("Still open since %1").arg(dateOf(commitment.detectedAt())), about);
 }
 
+/// With places for the person and the time.
+QString sentenceFor(AgentControlError unreached) {
+  switch (unreached) {
+    case AgentControlError::noBus:
+    case AgentControlError::noAgent:
+      return Wording::tr("Noted for %2: %1. The reminder service does not run here; the reminder comes once it does.");
+    case AgentControlError::locked:
+      return Wording::tr(
+          "Noted for %2: %1. The reminder service waits for the desktop's keyring; the reminder comes once that is "
+          "unlocked.");
+    default:
+      return Wording::tr(
+          "Noted for %2: %1. The reminder service could not take the reminder; “orvan reminders” tells why.");
+  }
+}
+
+QString sentenceFor(const ReminderEnd& reminder) {
+  if (reminder.unreached) {
+    return sentenceFor(*reminder.unreached);
+  }
+  if (reminder.hindrance == EffectReasonToken::authorizationPending) {
+    return reminder.comesByItself
+               ? Wording::tr(
+                     "Noted for %2: %1. The desktop asks you whether reminders are allowed; when you allow them, this "
+                     "one is set.")
+               : Wording::tr(
+                     "Noted for %2: %1. The desktop asks you whether reminders are allowed; when you have allowed "
+                     "them, “orvan reminders reconcile” sets this one.");
+  }
+  if (reminder.hindrance == EffectReasonToken::notificationsDenied) {
+    return Wording::tr(
+        "Noted for %2: %1. No reminder comes, because reminders are not allowed; “orvan reminders allow” allows them.");
+  }
+  if (reminder.hindrance == EffectReasonToken::followUpNotLive) {
+    return Wording::tr("The follow-up is over already: %1");
+  }
+  if (reminder.hindrance) {
+    return Wording::tr("Noted for %2: %1. No reminder is set yet; “orvan reminders reconcile” tries again.");
+  }
+  return reminder.canBeShown ? Wording::tr("You will be reminded on %2: %1")
+                             : Wording::tr(
+                                   "Noted for %2: %1. Nothing here shows notifications; the reminder comes as soon as "
+                                   "something does.");
+}
+
 } // namespace
 
 QString displayText(std::string_view text) {
@@ -100,8 +145,12 @@ QString inWords(const Matter& matter) {
 }
 
 QString inWords(const ListedFollowUp& followUp) {
-  const auto due = Wording::tr("Due %1").arg(displayText(humanMomentText(followUp.dueAt)));
+  const auto due = Wording::tr("Due %1").arg(momentInWords(followUp.dueAt));
   return followUp.said ? Wording::tr("%1: %2").arg(due, displayText(*followUp.said)) : due;
+}
+
+QString momentInWords(Instant moment) {
+  return displayText(humanMomentText(moment));
 }
 
 QString writerOf(const Exchange& exchange) {
@@ -194,6 +243,15 @@ QString inWords(ProposedAddress::Ground ground) {
       return Wording::tr("named in much of the mail");
   }
   return {};
+}
+
+QString inWords(const FollowUpToEnd& followUp, const QString& displayName) {
+  return followUp.end == FollowUpToEnd::End::completed ? Wording::tr("Follow-up done: %1").arg(displayName)
+                                                       : Wording::tr("Follow-up cancelled: %1").arg(displayName);
+}
+
+QString inWords(const ReminderEnd& reminder, const QString& displayName, Instant dueAt) {
+  return sentenceFor(reminder).arg(displayName, momentInWords(dueAt));
 }
 
 QString freshnessInWords(std::optional<Instant> broughtInAt, Instant now) {

@@ -7,6 +7,8 @@
 
 #include "OrvanPlatform/instant.h"
 #include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
+#include "application/desktop/decision_to_save.h"
+#include "application/desktop/window_reminders.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/item_details.h"
 #include "application/session/listed_follow_up.h"
@@ -35,6 +37,9 @@ QString inWords(const Matter& matter);
 /// When a follow-up is due, and what the user said of it.
 QString inWords(const ListedFollowUp& followUp);
 
+/// A date with the time of day.
+QString momentInWords(Instant moment);
+
 /// Who wrote, or that there was a meeting.
 QString writerOf(const Exchange& exchange);
 
@@ -48,6 +53,10 @@ QString inWords(const AttentionItemState& state);
 
 /// What the user just did: "Dismissed: Ada Marsh".
 QString inWords(const AttentionItemAction& action, const QString& displayName);
+QString inWords(const FollowUpToEnd& followUp, const QString& displayName);
+
+/// What became of the reminder of a follow-up that the user has just noted down, with its person and its time.
+QString inWords(const ReminderEnd& reminder, const QString& displayName, Instant dueAt);
 
 /// What a source holds.
 QString inWords(SourceKind kind);
