@@ -1,6 +1,5 @@
 #include "application/cli/backup_commands.h"
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,7 +7,6 @@
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/human_date.h"
 #include "OrvanPlatform/printable_text.h"
-#include "OrvanSpineCore/key_file.h"
 #include "application/backup/backup.h"
 #include "application/backup/backup_error.h"
 #include "application/backup/restore.h"
@@ -182,19 +180,6 @@ void runRestore(const CommandContext& context, const RestoreArguments& arguments
   report(plan, done);
 }
 
-/// A file that has this key already is one from an attempt that went no further.
-void keepKey(const StoreKey& key, const path& file) {
-  const auto bytes = key.loadLocalStoreKey();
-  if (!bytes) {
-    throw Error(CredentialVaultError::keyMissing, "keeping the former key");
-  }
-  const KeyFile kept(file);
-  const auto found = kept.loadLocalStoreKey();
-  if (!found || !std::ranges::equal(found->bytes(), bytes->bytes())) {
-    kept.keep(bytes->bytes());
-  }
-}
-
 void runRekey(const CommandContext& context, const RekeyArguments& arguments) {
   const auto store = examinedStoreOf(context);
   const auto place = store.key.place();
@@ -207,7 +192,7 @@ void runRekey(const CommandContext& context, const RekeyArguments& arguments) {
              "Backups made so far open with the present key only; keep it with --keep-old-key FILE, or say with --yes "
              "that it may go.");
   if (keepsOld) {
-    keepKey(store.key, arguments.keepOldKey);
+    writeCopyOfKey(store.key, arguments.keepOldKey);
   }
   changeStoreKey(store.store, store.key, *place);
   if (context.output == OutputForm::json) {

@@ -6,6 +6,7 @@
 
 #include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/encrypted_store.h"
+#include "OrvanSpineCore/key_file.h"
 #include "OrvanStore/store_error.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_failure.h"
@@ -98,6 +99,18 @@ void moveStoreKey(const std::filesystem::path& store, const StoreKey& key, KeyPl
   }
   key.pending().keep(bytes->bytes(), place);
   key.replaceWithPending();
+}
+
+void writeCopyOfKey(const StoreKey& key, const std::filesystem::path& file) {
+  const auto bytes = key.loadLocalStoreKey();
+  if (!bytes) {
+    throw Error(CredentialVaultError::keyMissing, "keeping the former key");
+  }
+  const KeyFile copy(file);
+  const auto found = copy.loadLocalStoreKey();
+  if (!found || !isSame(*found, *bytes)) {
+    copy.keep(bytes->bytes());
+  }
 }
 
 void settleKeyChange(const std::filesystem::path& store, const StoreKey& key) {

@@ -19,6 +19,11 @@ void changeStoreKey(const std::filesystem::path& store, const StoreKey& key, Key
 /// Brings the key to another place; nothing about the store changes. Throws as StoreKey::keep() does.
 void moveStoreKey(const std::filesystem::path& store, const StoreKey& key, KeyPlace place);
 
+/// Writes the key's bytes into a new file, readable by its owner alone, for backups that only this key opens. A file
+/// that has this key already is one from an attempt that went no further. Throws CredentialVaultError::keyExists when
+/// there is anything else.
+void writeCopyOfKey(const StoreKey& key, const std::filesystem::path& file);
+
 /// Ends a change of the key that was interrupted: of the two keys, the one that opens the store becomes or stays the
 /// key, and the other goes. When neither opens it, both stay. Only looks for two files where there is
 /// nothing to end.
