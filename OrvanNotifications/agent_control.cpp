@@ -81,6 +81,8 @@ void readInstant(AgentState& state, const std::string& key, Instant value) {
     state.nextDue = value;
   } else if (key == "lastRefresh") {
     state.lastRefresh = value;
+  } else if (key == "runningSince") {
+    state.runningSince = value;
   }
 }
 

@@ -30,6 +30,8 @@ struct AgentState {
   /// When the next reminder is due.
   std::optional<Instant> nextDue = std::nullopt;
   std::optional<Instant> lastRefresh = std::nullopt;
+  /// Nothing when the service is older than this and does not say.
+  std::optional<Instant> runningSince = std::nullopt;
 };
 
 } // namespace orvan

@@ -119,7 +119,8 @@ class Agent {
             .lastRefresh = [this] { return refreshing_->lastRefresh(); },
             .refreshingWasSet = [this](bool isOn) { setRefreshing(isOn); },
             .authorizationChanged = [this](const std::string& application,
-                                           AuthorizationStatus status) { authorizationChanged(application, status); }};
+                                           AuthorizationStatus status) { authorizationChanged(application, status); },
+            .runningSince = SystemClock().now()};
   }
 
   void nameAnswered(std::expected<NameRequest, BusFailure> answer) {

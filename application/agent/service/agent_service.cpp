@@ -332,6 +332,7 @@ void AgentService::writeState(BusWriter& entries) const {
   writeText(entries, "service", desktop_.serviceName());
   entries.entry("serviceCapabilities", "as", [&](BusWriter& value) { value.texts(desktop_.capabilities()); });
   writeInstant(entries, "lastRefresh", status_.lastRefresh());
+  writeInstant(entries, "runningSince", status_.runningSince);
 }
 
 void AgentService::authorizationChanged(const std::string& application, AuthorizationStatus status) {

@@ -30,6 +30,7 @@ struct AgentStatus {
   std::function<std::optional<Instant>()> lastRefresh;
   std::function<void(bool isOn)> refreshingWasSet;
   std::function<void(const std::string& application, AuthorizationStatus status)> authorizationChanged;
+  std::optional<Instant> runningSince = std::nullopt;
 };
 
 /// The agent's object on the bus: what agent_protocol says, for programs of this user and nobody else. What is asked
