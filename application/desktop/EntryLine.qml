@@ -2,65 +2,71 @@ import QtQuick
 import OrvanRelationshipAttention
 import Orvan.Desktop
 
-// A line to write into with what is done with it beside, and what is wrong with it beneath.
+// A field with what is done with what is written there, and beneath it what is wrong with that.
 Item {
-    id: entry
+    id: line
 
     required property AttentionLook look
-    property string label: ""
-    property string actionText: ""
+    required property string label
+    required property string action
+    property string hint: label
+    property alias text: entry.text
     property string fault: ""
-    property alias text: field.text
+    property bool isRefused: fault.length > 0
+    property bool isEnabled: true
 
-    signal accepted
+    signal written(text: string)
+    signal edited
 
-    implicitHeight: field.height + (faultText.visible ? faultText.height + 4 : 0)
-
-    function focusField() {
-        field.forceActiveFocus(Qt.TabFocusReason)
+    function write() {
+        if (isEnabled && entry.text.trim().length > 0)
+            written(entry.text)
     }
 
+    function focusEntry() {
+        entry.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    readonly property real lineHeight: Math.max(entry.implicitHeight, button.implicitHeight)
+
+    implicitHeight: lineHeight + (trouble.visible ? trouble.implicitHeight + 4 : 0)
+
     TextEntry {
-        id: field
+        id: entry
 
+        look: line.look
         anchors.left: parent.left
-        anchors.right: action.left
-        anchors.rightMargin: 8
-        look: entry.look
-        label: entry.label
-        isRefused: entry.fault.length > 0
+        y: (line.lineHeight - height) / 2
+        width: parent.width - button.width - 10
+        label: line.label
+        hint: line.hint
+        isRefused: line.isRefused
+        Accessible.description: line.fault
 
-        Accessible.description: entry.fault
-
-        onAccepted: {
-            if (text.trim().length > 0)
-                entry.accepted()
-        }
+        onAccepted: line.write()
+        onTextEdited: line.edited()
     }
 
     ActionButton {
-        id: action
+        id: button
 
+        look: line.look
         anchors.right: parent.right
-        anchors.verticalCenter: field.verticalCenter
-        look: entry.look
+        y: (line.lineHeight - height) / 2
         isFramed: true
-        enabled: field.text.trim().length > 0
-        text: entry.actionText
-        onClicked: entry.accepted()
+        enabled: line.isEnabled && entry.text.trim().length > 0
+        text: line.action
+        onClicked: line.write()
     }
 
-    PlainText {
-        id: faultText
+    TroubleText {
+        id: trouble
 
-        look: entry.look
+        look: line.look
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.top: field.bottom
-        anchors.topMargin: 4
+        y: line.lineHeight + 4
         visible: text.length > 0
-        text: entry.fault
-        color: entry.look.isDark ? "#ffb4a8" : "#a02a1a"
-        Accessible.role: Accessible.AlertMessage
+        text: line.fault
     }
 }

@@ -53,7 +53,7 @@ Item {
                 if (page.start.addresses.countChosen > 0)
                     forward.forceActiveFocus(Qt.TabFocusReason)
                 else
-                    address.focusField()
+                    address.focusEntry()
             } else if (page.start.step === FirstStartModel.Choosing) {
                 forward.forceActiveFocus()
             }
@@ -245,9 +245,9 @@ Item {
                     visible: !page.isBegun
                     look: page.look
                     label: qsTr("Path of a mailbox, a calendar, contacts or a folder of these")
-                    actionText: qsTr("Add")
+                    action: qsTr("Add")
                     fault: page.start.pathFault
-                    onAccepted: page.start.addPath(text)
+                    onWritten: text => page.start.addPath(text)
 
                     Connections {
                         target: page.start
@@ -314,11 +314,11 @@ Item {
                     visible: page.start.step === FirstStartModel.ChoosingAddresses
                     look: page.look
                     label: qsTr("Another mail address of yours")
-                    actionText: qsTr("Add")
+                    action: qsTr("Add")
                     fault: page.start.addressFault
-                    onAccepted: {
+                    onWritten: text => {
                         if (page.start.addAddress(text))
-                            text = ""
+                            address.text = ""
                     }
                 }
             }

@@ -22,6 +22,7 @@ Templates.Popup {
         ["/", qsTr("Search people")],
         ["F5", qsTr("Read what is new")],
         ["O", qsTr("Overview of everybody")],
+        ["Ctrl ,", qsTr("Settings")],
         ["Ctrl +  Ctrl −  Ctrl 0", qsTr("Larger, smaller, usual text")],
         ["?", qsTr("These keys")]
     ]

@@ -9,6 +9,7 @@ Window {
 
     required property WindowModel model
     required property OverviewModel overview
+    required property SettingsModel settings
     required property DesktopAppearance appearance
     required property FirstStartModel firstStart
     required property FollowUpsModel followUps
@@ -77,6 +78,8 @@ Window {
                 window.place = "start"
             else if (window.showsPeople)
                 list.forceActiveFocus()
+            if (window.isShowing)
+                window.settings.sources.look()
         }
 
         function onListRead() {
@@ -160,6 +163,11 @@ Window {
         sequences: [StandardKey.Refresh]
         enabled: window.isShowing
         onActivated: window.firstStart.readNew()
+    }
+    Shortcut {
+        sequences: ["Ctrl+,"]
+        enabled: window.isShowing && !keysPage.visible && !mainMenu.visible && !snoozeMenu.visible
+        onActivated: window.place = "settings"
     }
     Shortcut {
         sequences: ["F10"]
@@ -334,6 +342,7 @@ Window {
                 id: list
 
                 anchors.fill: parent
+                anchors.bottomMargin: stateLine.height
                 visible: !window.isSearching
                 window: window.model
                 look: look
@@ -344,11 +353,23 @@ Window {
                 id: results
 
                 anchors.fill: parent
+                anchors.bottomMargin: stateLine.height
                 visible: window.isSearching
                 window: window.model
                 look: look
                 onOpened: window.showPerson()
                 Keys.onEscapePressed: window.showList()
+            }
+
+            StateLine {
+                id: stateLine
+
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.bottom: parent.bottom
+                settings: window.settings
+                look: look
+                onClicked: window.place = "settings"
             }
 
             Column {
@@ -470,6 +491,25 @@ Window {
                 look: overviewLoader.windowLook
                 isNarrow: window.isNarrow
                 onChosen: personKey => window.show(personKey)
+            }
+        }
+
+        Loader {
+            id: settingsLoader
+
+            readonly property AttentionLook windowLook: look
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: bar.bottom
+            anchors.bottom: strip.top
+            active: window.isShowing && window.place === "settings"
+            focus: active
+            onLoaded: item.forceActiveFocus(Qt.OtherFocusReason)
+
+            sourceComponent: SettingsPage {
+                settings: window.settings
+                look: settingsLoader.windowLook
             }
         }
 

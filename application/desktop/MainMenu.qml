@@ -44,6 +44,16 @@ PopupMenu {
 
         MenuChoice {
             look: menu.look
+            text: qsTr("Settings")
+            detail: qsTr("Ctrl+,")
+            onClicked: {
+                menu.close()
+                menu.chosen("settings")
+            }
+        }
+
+        MenuChoice {
+            look: menu.look
             text: qsTr("Keys")
             detail: "?"
             onClicked: {

@@ -25,6 +25,7 @@
 #include "application/desktop/follow_ups_model.h"
 #include "application/desktop/overview_model.h"
 #include "application/desktop/qt_executor.h"
+#include "application/desktop/settings_model.h"
 #include "application/desktop/single_instance.h"
 #include "application/desktop/store_thread.h"
 #include "application/desktop/user_language.h"
@@ -178,6 +179,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   OverviewModel overview(loop, store, clock, asOf);
   QObject::connect(&model, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
   FollowUpsModel followUps(loop, store, reminders, model, clock, asOf);
+  SettingsModel settingsModel(loop, store, clock, asOf);
+  QObject::connect(&settingsModel, &SettingsModel::storeChanged, &model, &WindowModel::readAgain);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);
@@ -186,7 +189,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
                                {"appearance", QVariant::fromValue(&appearance)},
                                {"firstStart", QVariant::fromValue(&firstStart)},
                                {"overview", QVariant::fromValue(&overview)},
-                               {"followUps", QVariant::fromValue(&followUps)}});
+                               {"followUps", QVariant::fromValue(&followUps)},
+                               {"settings", QVariant::fromValue(&settingsModel)}});
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {

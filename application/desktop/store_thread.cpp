@@ -6,16 +6,18 @@ StoreThread::StoreThread(SessionSettings settings) : settings_(std::move(setting
 
 // NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, and then there is no way on.
 StoreThread::~StoreThread() {
-  boost::asio::post(worker_.get(), [this] {
-    if (session_ != nullptr) {
-      session_->finish();
-      session_.reset();
-    }
-  });
+  boost::asio::post(worker_.get(), [this] { close(); });
 }
 
 void StoreThread::startAgain() {
   boost::asio::post(worker_.get(), [this] { session_.reset(); });
+}
+
+void StoreThread::close() noexcept {
+  if (session_ != nullptr) {
+    session_->finish();
+    session_.reset();
+  }
 }
 
 Session& StoreThread::session() {

@@ -32,7 +32,14 @@ class StoreThread {
     co_return co_await runOn(worker_.get(), perform(*this, std::move(work)));
   }
 
-  /// The same without a result, which starts even if the caller's event loop never runs again. It must not throw.
+  /// The same while this thread has nothing of the store open, for what needs the store to itself. What is asked after
+  /// it opens the store anew.
+  template <typename Work>
+  Task<std::invoke_result_t<Work&, const SessionSettings&>> askWhileClosed(Work work) {
+    co_return co_await runOn(worker_.get(), performWhileClosed(*this, std::move(work)));
+  }
+
+  /// Like ask() without a result, which starts even if the caller's event loop never runs again. It must not throw.
   template <typename Work>
   void post(Work work) {
     boost::asio::post(worker_.get(), [this, work = std::move(work)]() mutable { work(session()); });
@@ -47,7 +54,14 @@ class StoreThread {
     co_return work(store.session());
   }
 
+  template <typename Work>
+  static Task<std::invoke_result_t<Work&, const SessionSettings&>> performWhileClosed(StoreThread& store, Work work) {
+    store.close();
+    co_return work(store.settings_);
+  }
+
   /// On the store's thread alone, as is `session_`.
+  void close() noexcept;
   Session& session();
 
   SessionSettings settings_;

@@ -102,6 +102,8 @@ class WindowModel : public QObject {
   /// The same for whom the user names.
   void chooseCalled(const QString& person);
   Q_INVOKABLE void searchFor(const QString& text);
+  /// Reads the list and the chosen person again.
+  Q_INVOKABLE void readAgain() { readListSoon(); }
 
   /// Ends of a snooze to offer, as maps with "label", "date" and "day"; and the day of today.
   Q_INVOKABLE QVariantList snoozeChoices() const;
