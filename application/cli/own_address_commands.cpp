@@ -14,8 +14,7 @@
 #include "application/cli/json_output.h"
 #include "application/import/address/normal_address.h"
 #include "application/import/ledger/own_addresses.h"
-#include "application/import/ledger/people_ledger.h"
-#include "application/import/ledger/stable_id.h"
+#include "application/session/own_address_change.h"
 
 namespace orvan {
 namespace {
@@ -23,40 +22,11 @@ namespace {
 constexpr const char* readAgain =
     "Mail and calendars are read again from their beginning by the next 'orvan refresh' or import.";
 
-/// Somebody whom an address was taken for.
-struct Holder {
-  std::string personKey;
-  std::string displayName;
-  /// Whether other addresses are theirs too.
-  bool hasOthers;
-};
-
-/// An address that was added.
-struct AddedAddress {
-  std::string address;
-  std::optional<Holder> takenFrom;
-};
-
 std::string addressIn(const std::string& written) {
   if (auto address = normalAddress(written)) {
     return *std::move(address);
   }
   throw CommandFailure(ExitCode::wrongCommandLine, "'orvan me' takes mail addresses, such as robin@example.org.");
-}
-
-std::optional<Holder> holderOf(const std::string& address, Connection& connection) {
-  const auto identityID = identityIDOf(address);
-  const auto personKey = personOfIdentity(identityID, connection);
-  if (!personKey) {
-    return std::nullopt;
-  }
-  const auto name = connection.fetchOptionalText("SELECT display_name FROM person WHERE id = ?", *personKey);
-  const auto other = connection.fetchOptionalInteger(R"sql(
-SELECT 1 FROM identity_membership
-WHERE canonical_person_id = ? AND source_identity_id <> ? AND ended_at IS NULL AND state IN ('high_conf', 'confirmed')
-)sql",
-                                                     *personKey, identityID);
-  return Holder{*personKey, name.value_or(address), other.has_value()};
 }
 
 bool isAmong(const std::vector<OwnAddress>& addresses, const std::string& address) {
@@ -102,20 +72,7 @@ void runList(const CommandContext& context) {
 
 // Adding
 
-std::vector<AddedAddress> add(const std::vector<std::string>& addresses, std::string_view now, Connection& connection) {
-  const auto known = ownAddresses(connection);
-  std::vector<AddedAddress> added;
-  for (const auto& address : addresses) {
-    const bool isRepeated = std::ranges::find(added, address, &AddedAddress::address) != added.end();
-    if (!isAmong(known, address) && !isRepeated) {
-      added.push_back({address, holderOf(address, connection)});
-    }
-  }
-  rememberOwnAddresses(addresses, now, connection, ToldBy::user);
-  return added;
-}
-
-std::string inWords(const AddedAddress& added) {
+std::string inWords(const AddedOwnAddress& added) {
   auto isYours = printableText(added.address) + " is yours now.";
   if (!added.takenFrom) {
     return isYours;
@@ -125,23 +82,17 @@ std::string inWords(const AddedAddress& added) {
                                                : " It was taken for " + name + ", who is nobody else any more.");
 }
 
-Json toJson(const AddedAddress& added) {
+Json toJson(const AddedOwnAddress& added) {
   return {{"address", added.address},
           {"takenFrom", added.takenFrom ? Json(added.takenFrom->personKey) : Json(nullptr)}};
-}
-
-bool isAnythingRead(DatabaseQueue& store) {
-  return store.read([](Connection& connection) {
-    return connection.fetchOptionalInteger(
-               "SELECT EXISTS (SELECT 1 FROM mail_reference) OR EXISTS (SELECT 1 FROM calendar_entry)") != 0;
-  });
 }
 
 void runAdd(const CommandContext& context, const std::vector<std::string>& written) {
   std::vector<std::string> addresses;
   std::ranges::transform(written, std::back_inserter(addresses), addressIn);
-  const auto added = context.session.writableStore().write(
-      [&](Connection& connection) { return add(addresses, formatInternetDateTime(context.asOf), connection); });
+  const auto added = context.session.writableStore().write([&](Connection& connection) {
+    return addOwnAddresses(addresses, formatInternetDateTime(context.asOf), connection);
+  });
   if (context.output == OutputForm::json) {
     auto list = Json::array();
     std::ranges::transform(added, std::back_inserter(list), [](const auto& one) { return toJson(one); });
@@ -154,7 +105,7 @@ void runAdd(const CommandContext& context, const std::vector<std::string>& writt
   }
   if (added.empty()) {
     output.line("That is known; nothing was changed.");
-  } else if (isAnythingRead(context.session.writableStore())) {
+  } else if (context.session.writableStore().read(isAnythingRead)) {
     output.line(readAgain);
   }
 }
@@ -185,7 +136,7 @@ void runRemove(const CommandContext& context, const std::string& written) {
     requireAnother(ownAddresses(connection), address);
     return giveUpOwnAddress(address, formatInternetDateTime(context.asOf), connection);
   });
-  const auto holder = store.read([&](Connection& connection) { return holderOf(address, connection); });
+  const auto holder = store.read([&](Connection& connection) { return holderOfAddress(address, connection); });
   if (context.output == OutputForm::json) {
     printJson({{"removed", address},
                {"personKey", holder ? Json(holder->personKey) : Json(nullptr)},
