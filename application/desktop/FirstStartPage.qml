@@ -37,12 +37,25 @@ Item {
 
     onIsAtAddressesChanged: followsEnd = isAtAddresses
 
+    function scroll(by: real) {
+        flick.contentY = Math.max(0, Math.min(flick.contentHeight - flick.height, flick.contentY + by))
+    }
+
+    Keys.onDownPressed: scroll(look.pixelSize(40))
+    Keys.onUpPressed: scroll(-look.pixelSize(40))
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
+            scroll(0.9 * (event.key === Qt.Key_PageDown ? flick.height : -flick.height))
+            event.accepted = true
+        }
+    }
+
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("First steps")
 
     Component.onCompleted: {
         start.look()
-        forward.forceActiveFocus()
+        forceActiveFocus()
     }
 
     Connections {
@@ -54,8 +67,6 @@ Item {
                     forward.forceActiveFocus(Qt.TabFocusReason)
                 else
                     address.focusEntry()
-            } else if (page.start.step === FirstStartModel.Choosing) {
-                forward.forceActiveFocus()
             }
         }
     }
@@ -344,6 +355,7 @@ Item {
                 ActionButton {
                     id: forward
 
+                    anchors.left: parent.left
                     look: page.look
                     isFramed: true
                     points: 13

@@ -376,7 +376,8 @@ Window {
                 anchors.left: parent.left
                 anchors.right: parent.right
                 anchors.margins: 20
-                y: 40
+                // Beneath what opens the older ones.
+                y: window.model.olderCount > 0 ? look.pixelSize(20) + 40 : 40
                 spacing: 6
                 visible: window.showsPeople && list.visible && list.count === 0
 
@@ -385,16 +386,22 @@ Window {
                     width: parent.width
                     points: 13
                     font.weight: Font.Medium
-                    text: window.model.hasPeople ? qsTr("Nobody is waiting for you.") : qsTr("Orvan knows nobody yet.")
+                    text: !window.model.hasPeople ? qsTr("Orvan knows nobody yet.")
+                        : window.firstStart.reading.isAnythingUnread ? qsTr("Nobody is waiting for you so far.")
+                        : qsTr("Nobody is waiting for you.")
                 }
 
                 PlainText {
                     look: look
                     width: parent.width
                     color: look.secondaryText
-                    text: window.model.hasPeople
-                        ? qsTr("Every question is answered, and nothing is left open. When that changes, you see it here.")
-                        : qsTr("Let it look for your mail, calendars and contacts. People appear here as soon as they are found.")
+                    text: window.firstStart.reading.isAnythingUnread
+                        ? qsTr("Not everything is read yet. People appear here as they are found.")
+                        : !window.model.hasPeople
+                        ? qsTr("Let it look for your mail, calendars and contacts. People appear here as soon as they are found.")
+                        : window.model.olderCount > 0
+                        ? qsTr("Only what is older is still open. When that changes, you see it here.")
+                        : qsTr("Every question is answered, and nothing is left open. When that changes, you see it here.")
                 }
 
                 ActionButton {

@@ -377,19 +377,19 @@ Task<void> FirstStartModel::makeAndRemember() {
   } catch (...) {
     const auto words = failureOfCurrentException();
     failure_ = tr("%1. %2").arg(words.title, words.text);
-    hasKey_ = isThere(store_.settings().keyFile);
-    hasStore_ = isThere(store_.settings().store);
   }
+  hasKey_ = isThere(store_.settings().keyFile);
+  hasStore_ = isThere(store_.settings().store);
   Q_EMIT failureChanged();
   Q_EMIT placeChanged();
   if (!failure_.isEmpty()) {
     setStep(ChoosingAddresses);
     co_return;
   }
-  hasStore_ = true;
   hasSeenWhatIsLeft_ = true;
   setStep(Begun);
   window_.tryAgain();
+  reading_.offerToGoOn();
   reading_.readNew();
 }
 

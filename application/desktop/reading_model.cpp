@@ -71,6 +71,7 @@ void ReadingModel::forget() {
 }
 
 void ReadingModel::offerToGoOn() {
+  isAnythingUnread_ = true;
   if (state_ == Quiet) {
     setState(Unfinished);
   }
@@ -80,6 +81,7 @@ void ReadingModel::take(ImportEnd end) {
   run_.reset();
   tick_.stop();
   end_ = std::move(end);
+  isAnythingUnread_ = end_.isStopped || end_.failure;
   setState(end_.failure ? Failed : end_.isStopped ? Stopped : end_.troubles.empty() ? Quiet : Troubled);
   Q_EMIT ended();
 }

@@ -25,6 +25,8 @@ class ReadingModel : public QObject {
   QML_UNCREATABLE("The first start has it.")
   Q_PROPERTY(State state READ state NOTIFY stateChanged FINAL)
   Q_PROPERTY(bool isReading READ isReading NOTIFY stateChanged FINAL)
+  /// Whether what is known is known in part only, as far as this window knows.
+  Q_PROPERTY(bool isAnythingUnread READ isAnythingUnread NOTIFY stateChanged FINAL)
   /// What is read, or what became of it: a sentence.
   Q_PROPERTY(QString text READ text NOTIFY progressed FINAL)
   /// How much and how fast; may be empty.
@@ -53,6 +55,7 @@ class ReadingModel : public QObject {
 
   State state() const noexcept { return state_; }
   bool isReading() const noexcept { return state_ == Reading || state_ == Stopping; }
+  bool isAnythingUnread() const noexcept { return isAnythingUnread_; }
   QString text() const;
   QString detail() const;
   double share() const;
@@ -81,6 +84,7 @@ class ReadingModel : public QObject {
   SessionSettings settings_;
   std::function<Instant()> now_;
   State state_ = Quiet;
+  bool isAnythingUnread_ = false;
   ImportEnd end_;
   QTimer tick_;
   std::unique_ptr<ImportRun> run_;
