@@ -235,10 +235,12 @@ Window {
             Templates.TextField {
                 id: search
 
+                readonly property real before: back.visible ? back.width + 24 : 16
+
                 visible: window.place === "people"
                 anchors.verticalCenter: parent.verticalCenter
-                x: back.visible ? (look.isRightToLeft ? 16 : back.width + 24) : (parent.width - width) / 2
-                width: window.isNarrow ? parent.width - menuButton.width - (back.visible ? back.width + 40 : 32)
+                x: !window.isNarrow ? (parent.width - width) / 2 : look.isRightToLeft ? parent.width - width - before : before
+                width: window.isNarrow ? parent.width - before - menuButton.width - 20
                                        : Math.min(look.pixelSize(300), parent.width - 2 * (freshness.width + menuButton.width) - 80)
                 implicitHeight: contentHeight + topPadding + bottomPadding
                 padding: 8
