@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -145,7 +146,7 @@ void runSplit(const CommandContext& context, const std::string& written) {
   }
   const auto [parted, left] = context.session.writableStore().write([&](Connection& connection) {
     const auto from = personKeyCalled(*address, connection);
-    const auto own = splitAddress(*address, context.asOf, connection);
+    const auto own = splitAddress(*address, context.asOf, connection).personID;
     return std::pair{tellOf(own, connection), tellOf(from, connection)};
   });
   if (context.output == OutputForm::json) {
@@ -157,18 +158,30 @@ void runSplit(const CommandContext& context, const std::string& written) {
   }
 }
 
+/// Whether there was something to do.
+bool rename(const std::string& personKey, const std::string& name, Instant now, Connection& connection) {
+  if (name.empty()) {
+    return giveNameBackForUser(personKey, now, connection).has_value();
+  }
+  renamePersonForUser(personKey, name, now, connection);
+  return true;
+}
+
 void runRename(const CommandContext& context, const std::string& person, const std::string& name) {
-  const auto [before, after] = context.session.writableStore().write([&](Connection& connection) {
+  const auto [before, after, isDone] = context.session.writableStore().write([&](Connection& connection) {
     const auto personKey = personKeyCalled(person, connection);
     const auto earlier = tellOf(personKey, connection);
-    renamePersonForUser(personKey, name, context.asOf, connection);
-    return std::pair{earlier, tellOf(personKey, connection)};
+    const bool isRenamed = rename(personKey, name, context.asOf, connection);
+    return std::tuple{earlier, tellOf(personKey, connection), isRenamed};
   });
   if (context.output == OutputForm::json) {
     printJson(toJson(after));
+  } else if (!isDone) {
+    HumanOutput{}.line(inWords(before) + " is called as mail says already.");
   } else {
     const HumanOutput output;
-    output.line(inWords(before) + " is called " + printableText(after.displayName) + " now, whatever mail says.");
+    output.line(inWords(before) + " is called " + printableText(after.displayName) +
+                (name.empty() ? " now, as mail says." : " now, whatever mail says."));
     output.line(canBeTakenBack);
   }
 }
@@ -308,7 +321,9 @@ void addRename(CommandSet& commands, CLI::App& people) {
       {"rename", nullptr, "Call a person by another name", "orvan people rename ada@hill.example \"Ada Marsh\""},
       [person, name](const auto& context) { runRename(context, *person, *name); });
   takePerson(rename, *person);
-  rename.add_option("NAME", *name, "The name to use from now on")->type_name("")->required()->check(notEmpty());
+  rename.add_option("NAME", *name, "The name to use from now on; \"\" for the one that mail gives")
+      ->type_name("")
+      ->required();
 }
 
 void addSuggest(CommandSet& commands, CLI::App& people) {

@@ -147,8 +147,8 @@ WHERE mailbox.address = ?
 
 } // namespace
 
-void mergePeopleForUser(const std::string& survivorID, std::span<const std::string> otherIDs, Instant now,
-                        Connection& connection) {
+std::int64_t mergePeopleForUser(const std::string& survivorID, std::span<const std::string> otherIDs, Instant now,
+                                Connection& connection) {
   requireDifferent(survivorID, otherIDs);
   std::vector<std::string> all{survivorID};
   std::string words = "made one with";
@@ -165,10 +165,10 @@ void mergePeopleForUser(const std::string& survivorID, std::span<const std::stri
     takeNameOfMerged(survivorID, otherID, connection);
     noteMoves(moves, now, people.recorder(), connection);
   }
-  recordAction({UserActionKind::merge, survivorID, words, people.changes()}, now, connection);
+  return recordAction({UserActionKind::merge, survivorID, words, people.changes()}, now, connection);
 }
 
-std::string splitAddress(const std::string& address, Instant now, Connection& connection) {
+PartedAddress splitAddress(const std::string& address, Instant now, Connection& connection) {
   const auto [identityID, personID] = membershipOf(address, connection);
   if (identitiesOf(personID, connection).size() == 1) {
     refuse(PersonCorrectionError::onlyAddress);
@@ -180,13 +180,14 @@ std::string splitAddress(const std::string& address, Instant now, Connection& co
   const auto moves = moveIdentity(identityID, ownID, nowText, connection);
   nameAfterThoseThatStayed(personID, identityID, connection);
   noteMoves(moves, now, people.recorder(), connection);
-  recordAction(
+  const auto action = recordAction(
       {UserActionKind::split, ownID, "parted from " + nameAndAddressOf(personID, connection), people.changes()}, now,
       connection);
-  return ownID;
+  return {ownID, action};
 }
 
-void renamePersonForUser(const std::string& personID, const std::string& name, Instant now, Connection& connection) {
+std::int64_t renamePersonForUser(const std::string& personID, const std::string& name, Instant now,
+                                 Connection& connection) {
   const auto before = nameOf(personID, connection);
   const auto after = std::string{trimmed(printableText(name))};
   if (after.empty()) {
@@ -195,7 +196,19 @@ void renamePersonForUser(const std::string& personID, const std::string& name, I
   PeopleRecorder people({personID}, connection);
   renamePerson(personID, after, connection);
   noteCorrection(CorrectionTarget::person, personID, now, people.recorder(), connection);
-  recordAction({UserActionKind::rename, personID, "renamed from " + before, people.changes()}, now, connection);
+  return recordAction({UserActionKind::rename, personID, "renamed from " + before, people.changes()}, now, connection);
+}
+
+std::optional<std::int64_t> giveNameBackForUser(const std::string& personID, Instant now, Connection& connection) {
+  if (!isNamedByUser(personID, connection)) {
+    return std::nullopt;
+  }
+  const auto before = nameOf(personID, connection);
+  PeopleRecorder people({personID}, connection);
+  nameAfterIdentities(personID, connection);
+  noteCorrection(CorrectionTarget::person, personID, now, people.recorder(), connection);
+  return recordAction({UserActionKind::rename, personID, "no longer called " + before, people.changes()}, now,
+                      connection);
 }
 
 } // namespace orvan

@@ -6,7 +6,6 @@
 #include "application/corrections/action_journal.h"
 #include "application/corrections/user_correction.h"
 #include "application/corrections/wrong_reason.h"
-#include "application/session/item_lookup.h"
 #include "application/session/reason_in_words.h"
 
 namespace orvan {
@@ -59,13 +58,14 @@ std::optional<std::string> waitingMailIn(const FoundItem& found) {
 }
 
 template <typename Correct>
-void correct(Session& session, const AttentionCatchUpItem& item, const std::string& words, Instant asOf,
-             Correct change) {
-  session.writableStore().write([&](Connection& connection) {
+std::int64_t correct(Session& session, const AttentionCatchUpItem& item, const std::string& words, Instant asOf,
+                     Correct change) {
+  return session.writableStore().write([&](Connection& connection) {
     ChangeRecorder recorder(connection);
     change(recorder, connection);
-    recordAction({UserActionKind::wrong, item.personKey(), words + reasonInWords(item.whyNow()), recorder.changes()},
-                 asOf, connection);
+    return recordAction(
+        {UserActionKind::wrong, item.personKey(), words + reasonInWords(item.whyNow()), recorder.changes()}, asOf,
+        connection);
   });
 }
 
@@ -74,49 +74,59 @@ void correct(Session& session, const AttentionCatchUpItem& item, const std::stri
 Hiding hide(Session& session, const HidingTarget& target, Instant now) {
   const auto hiding = session.writableStore().write([&](Connection& connection) {
     if (auto thing = hiddenThing(target.scope, target.targetID, connection)) {
-      return Hiding{Outcome::wasSo, *std::move(thing)};
+      return Hiding{Outcome::wasSo, *std::move(thing), std::nullopt};
     }
     ChangeRecorder recorder(connection);
     hide(target.scope, target.targetID, now, recorder, connection);
     noteIfPerson(target, now, recorder, connection);
-    recordAction(
+    const auto action = recordAction(
         {UserActionKind::hide, target.personID, "hidden" + thingInWords(target.scope, target.name), recorder.changes()},
         now, connection);
-    return Hiding{Outcome::done, hiddenThing(target.scope, target.targetID, connection).value()};
+    return Hiding{Outcome::done, hiddenThing(target.scope, target.targetID, connection).value(), action};
   });
   session.readAgain();
   return hiding;
 }
 
-void unhide(Session& session, const HiddenThing& thing, Instant now) {
-  session.writableStore().write([&](Connection& connection) {
+std::int64_t unhide(Session& session, const HiddenThing& thing, Instant now) {
+  const auto action = session.writableStore().write([&](Connection& connection) {
     ChangeRecorder recorder(connection);
     unhide(thing, now, recorder, connection);
-    recordAction({UserActionKind::unhide, thing.personID, "shown again" + thingInWords(thing.scope, thing.name),
-                  recorder.changes()},
-                 now, connection);
+    return recordAction({UserActionKind::unhide, thing.personID, "shown again" + thingInWords(thing.scope, thing.name),
+                         recorder.changes()},
+                        now, connection);
   });
   session.readAgain();
+  return action;
 }
 
 std::string_view caseName(WrongReason reason) noexcept {
   return reason == WrongReason::noQuestion ? "noQuestion" : "notWaiting";
 }
 
+std::optional<WrongReason> wrongReasonIn(const FoundItem& found) {
+  if (questionIn(found)) {
+    return WrongReason::noQuestion;
+  }
+  return waitingMailIn(found) ? std::optional{WrongReason::notWaiting} : std::nullopt;
+}
+
 Correction sayWrong(Session& session, const std::string& item, Instant asOf) {
   session.openForDeciding();
   auto found = itemCalled(item, session, asOf);
   if (const auto openLoopID = questionIn(found)) {
-    correct(session, found.item, "no question: ", asOf, [&](ChangeRecorder& recorder, Connection& connection) {
-      dropQuestion(*openLoopID, asOf, recorder, connection);
-    });
-    return {WrongReason::noQuestion, std::move(found.item)};
+    const auto action =
+        correct(session, found.item, "no question: ", asOf, [&](ChangeRecorder& recorder, Connection& connection) {
+          dropQuestion(*openLoopID, asOf, recorder, connection);
+        });
+    return {WrongReason::noQuestion, std::move(found.item), action};
   }
   if (const auto mailID = waitingMailIn(found)) {
-    correct(session, found.item, "not waiting: ", asOf, [&](ChangeRecorder& recorder, Connection& connection) {
-      settleConversation(found.item.personKey(), *mailID, asOf, recorder, connection);
-    });
-    return {WrongReason::notWaiting, std::move(found.item)};
+    const auto action =
+        correct(session, found.item, "not waiting: ", asOf, [&](ChangeRecorder& recorder, Connection& connection) {
+          settleConversation(found.item.personKey(), *mailID, asOf, recorder, connection);
+        });
+    return {WrongReason::notWaiting, std::move(found.item), action};
   }
   throw Error(SessionError::reasonStands, "taking a reason for wrong");
 }

@@ -54,6 +54,34 @@ WHERE i.thread_id = ? AND i.occurred_at <= ? AND )sql";
   return conversation;
 }
 
+void addQuestions(const std::string& personKey, const std::string& threadID, Conversation& conversation,
+                  Connection& connection) {
+  auto rows = connection.query(R"sql(
+SELECT i.id, said.statement
+FROM claim c
+JOIN claim_text said ON said.claim_id = c.id
+JOIN claim_evidence proof ON proof.claim_id = c.id
+JOIN interaction i ON i.source_event_id = proof.source_event_id AND i.thread_id = ?2
+WHERE c.person_id = ?1 AND c.kind = 'asked_question' AND said.statement <> ''
+)sql",
+                               personKey, threadID);
+  while (rows.next()) {
+    const auto asked = std::ranges::find(conversation.exchanges, rows.text(Column{0}), &Exchange::interactionID);
+    if (asked != conversation.exchanges.end()) {
+      asked->question = std::string{rows.text(Column{1})};
+    }
+  }
+}
+
+Conversation conversationAbout(const About& about, const std::string& personKey, Instant asOf, Connection& connection) {
+  if (!about.threadID) {
+    return {};
+  }
+  auto conversation = conversationIn(*about.threadID, asOf, connection);
+  addQuestions(personKey, *about.threadID, conversation, connection);
+  return conversation;
+}
+
 /// The item rests on the first of its kind. That its own conversation waits for a reply is told by the conversation. A
 /// follow-up rests on none of them.
 std::vector<Matter> mattersBeside(const FoundItem& found, const About& about, Connection& connection) {
@@ -123,12 +151,13 @@ ItemDetails itemDetails(const std::string& text, Session& session, Instant asOf)
   const SharedNames shared(session.outlooks(asOf));
   return session.readableStore().read([&](Connection& connection) {
     auto about = aboutOf(found, connection);
-    auto conversation = about.threadID ? conversationIn(*about.threadID, asOf, connection) : Conversation{};
+    auto conversation = conversationAbout(about, personKey, asOf, connection);
     auto address = shared.addressToTell(found.item.displayName(), personKey, connection);
     auto others = mattersBeside(found, about, connection);
     auto further = furtherFollowUps(found, connection);
-    return ItemDetails{found.item,        std::move(address), std::move(about), std::move(conversation),
-                       std::move(others), std::move(records), found.followUp,   std::move(further)};
+    return ItemDetails{found.item,          std::move(address), std::move(about), std::move(conversation),
+                       std::move(others),   std::move(records), found.followUp,   std::move(further),
+                       wrongReasonIn(found)};
   });
 }
 

@@ -8,6 +8,7 @@
 
 #include "OrvanRelationshipAttention/catch_up/attention_catch_up.h"
 #include "application/session/about.h"
+#include "application/session/correction.h"
 #include "application/session/listed_follow_up.h"
 #include "application/session/session.h"
 
@@ -23,6 +24,8 @@ struct Exchange {
   std::string occurredAt;
   /// Who wrote a mail that was received: a name, or else an address.
   std::optional<std::string> from;
+  /// What the person whom the item is of asked in it, in their words.
+  std::optional<std::string> question = {};
 };
 
 /// The case's name.
@@ -50,6 +53,8 @@ struct ItemDetails {
   /// The follow-up that the item is of, and the person's others that are scheduled.
   std::optional<ListedFollowUp> followUp = {};
   std::vector<ListedFollowUp> furtherFollowUps = {};
+  /// What sayWrong() would take for wrong; nothing when it would refuse.
+  std::optional<WrongReason> canBeWrong = {};
 };
 
 /// The details of what itemCalled() finds, as they stand at `asOf`; of a person without a reason now, those of the

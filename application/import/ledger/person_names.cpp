@@ -22,11 +22,11 @@ std::optional<std::string> nameOf(std::string_view personID, Connection& connect
   return connection.fetchOptionalText("SELECT display_name FROM person WHERE id = ?", personID);
 }
 
+} // namespace
+
 bool isNamedByUser(std::string_view personID, Connection& connection) {
   return connection.fetchOptionalInteger("SELECT 1 FROM person_naming WHERE person_id = ?", personID).has_value();
 }
-
-} // namespace
 
 void takeNameOfIdentity(std::string_view identityID, std::string_view name, NameSource source, Connection& connection) {
   connection.execute(R"sql(
@@ -80,6 +80,23 @@ WHERE person.id = ?1
   AND NOT EXISTS (SELECT 1 FROM person_naming naming WHERE naming.person_id = ?1)
 )sql",
                      personID, leftIdentityID);
+}
+
+void nameAfterIdentities(std::string_view personID, Connection& connection) {
+  connection.execute("DELETE FROM person_naming WHERE person_id = ?", personID);
+  connection.execute(R"sql(
+UPDATE person SET display_name = best.display_name
+FROM (
+  SELECT mailbox.display_name
+  FROM identity_membership im
+  JOIN source_identity mailbox ON mailbox.id = im.source_identity_id
+  WHERE im.canonical_person_id = ?1 AND im.ended_at IS NULL AND im.state IN ('high_conf', 'confirmed')
+  ORDER BY mailbox.name_rank DESC, mailbox.id
+  LIMIT 1
+) best
+WHERE person.id = ?1
+)sql",
+                     personID);
 }
 
 void renamePerson(std::string_view personID, std::string_view name, Connection& connection) {

@@ -26,6 +26,12 @@ void takeUsersNameOf(std::string_view otherID, std::string_view survivorID, Conn
 /// An identity left a person. If they were called after it alone, they are called as the best of those that stayed.
 void nameAfterThoseThatStayed(std::string_view personID, std::string_view leftIdentityID, Connection& connection);
 
+/// The user's word for a person, which no import changes, is withdrawn: they are called as the best of their
+/// identities.
+void nameAfterIdentities(std::string_view personID, Connection& connection);
+
+bool isNamedByUser(std::string_view personID, Connection& connection);
+
 /// What the user says, which no import changes.
 void renamePerson(std::string_view personID, std::string_view name, Connection& connection);
 
