@@ -4,8 +4,8 @@
 #include "application/cli/commands.h"
 #include "application/cli/human_output.h"
 #include "application/cli/json_output.h"
-#include "application/cli/mail_program.h"
 #include "application/cli/showing.h"
+#include "application/process/mail_program.h"
 #include "application/session/item_lookup.h"
 #include "application/session/message_address.h"
 

@@ -1,7 +1,9 @@
-#include "application/cli/mail_program.h"
+#include "application/process/mail_program.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,7 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <iterator>
-#include <optional>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -99,6 +101,18 @@ bool succeeds(pid_t program) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+/// Whether the program still runs after that time. Where the kernel cannot tell, it does not.
+bool outlasts(pid_t program, std::chrono::milliseconds patience) {
+  const auto descriptor = static_cast<int>(syscall(SYS_pidfd_open, program, 0));
+  if (descriptor < 0) {
+    return false;
+  }
+  pollfd ending{.fd = descriptor, .events = POLLIN, .revents = 0};
+  const bool isOver = poll(&ending, 1, static_cast<int>(patience.count())) != 0;
+  close(descriptor);
+  return !isOver;
+}
+
 /// Without a mail program, xdg-open would have a web browser try. A desktop that cannot tell is given the chance.
 bool lacksMailProgram() {
   Pipe pipe;
@@ -117,7 +131,7 @@ bool lacksMailProgram() {
 
 } // namespace
 
-HandingOver handToMailProgram(const std::string& address) {
+HandingOver handToMailProgram(const std::string& address, std::optional<std::chrono::milliseconds> patience) {
   if (lacksMailProgram()) {
     return HandingOver::noMailProgram;
   }
@@ -125,6 +139,11 @@ HandingOver handToMailProgram(const std::string& address) {
   const auto program = start({"xdg-open", address}, streams);
   if (!program) {
     return HandingOver::noOpener;
+  }
+  if (patience && outlasts(*program, *patience)) {
+    // Somebody has to wait for it, or what is left of it stays until we end. The thread touches nothing of ours.
+    std::thread([ended = *program] { succeeds(ended); }).detach();
+    return HandingOver::done;
   }
   return succeeds(*program) ? HandingOver::done : HandingOver::failed;
 }
