@@ -11,6 +11,9 @@ ListView {
     required property AttentionLook look
 
     signal opened
+    // Each is about the chosen person.
+    signal snoozeAsked(anchor: Item)
+    signal menuAsked(row: Item, x: real, y: real)
 
     function move(steps: int) {
         const to = Math.max(0, Math.min(count - 1, currentIndex + steps))
@@ -65,6 +68,8 @@ ListView {
     }
 
     delegate: CatchUpRow {
+        id: row
+
         width: ListView.view.width
         window: list.window
         look: list.look
@@ -72,6 +77,22 @@ ListView {
             list.window.choose(personKey)
             list.forceActiveFocus()
             list.opened()
+        }
+        onSnoozeAsked: anchor => {
+            list.window.choose(personKey)
+            list.snoozeAsked(anchor)
+        }
+        onDismissed: {
+            list.window.choose(personKey)
+            list.window.dismiss()
+        }
+        onResolved: {
+            list.window.choose(personKey)
+            list.window.resolve()
+        }
+        onMenuAsked: (x, y) => {
+            list.window.choose(personKey)
+            list.menuAsked(row, x, y)
         }
     }
 

@@ -16,8 +16,14 @@ Item {
     required property AttentionLook look
 
     readonly property bool isChosen: window.chosen === personKey
+    // What can be done with the row lies over its first line, so that nothing moves when it comes and goes.
+    readonly property bool showsActions: isChosen || pointer.hovered
 
     signal opened
+    signal snoozeAsked(anchor: Item)
+    signal dismissed
+    signal resolved
+    signal menuAsked(x: real, y: real)
 
     implicitHeight: content.implicitHeight + 24
 
@@ -31,6 +37,8 @@ Item {
     Accessible.onPressAction: opened()
 
     Rectangle {
+        id: ground
+
         anchors.fill: parent
         anchors.leftMargin: 8
         anchors.rightMargin: 8
@@ -46,6 +54,11 @@ Item {
 
     TapHandler {
         onTapped: row.opened()
+    }
+
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: event => row.menuAsked(event.position.x, event.position.y)
     }
 
     Column {
@@ -96,6 +109,55 @@ Item {
             wrapMode: Text.NoWrap
             elide: Text.ElideRight
             Accessible.ignored: true
+        }
+    }
+
+    // By the mouse; the keys s, d and r do the same.
+    component Action: ActionButton {
+        required property string whom
+
+        points: 11
+        focusPolicy: Qt.NoFocus
+        Accessible.name: qsTr("%1: %2", "an action, and whom it concerns").arg(text).arg(whom)
+    }
+
+    Rectangle {
+        anchors.right: parent.right
+        anchors.rightMargin: 12
+        y: 9
+        width: actions.width + 8
+        height: actions.height
+        visible: row.showsActions
+        radius: 6
+        color: Qt.tint(row.look.background, ground.color)
+
+        Row {
+            id: actions
+
+            anchors.right: parent.right
+
+            Action {
+                id: snooze
+
+                look: row.look
+                whom: row.displayName
+                text: qsTr("Snooze")
+                onClicked: row.snoozeAsked(snooze)
+            }
+
+            Action {
+                look: row.look
+                whom: row.displayName
+                text: qsTr("Dismiss")
+                onClicked: row.dismissed()
+            }
+
+            Action {
+                look: row.look
+                whom: row.displayName
+                text: qsTr("Resolve")
+                onClicked: row.resolved()
+            }
         }
     }
 }

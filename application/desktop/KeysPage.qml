@@ -19,6 +19,8 @@ Templates.Popup {
         ["R", qsTr("Resolve")],
         ["F", qsTr("Be reminded of the person")],
         ["U", qsTr("Undo")],
+        ["M", qsTr("Open message")],
+        [qsTr("Menu  Shift F10"), qsTr("More about the person")],
         ["/", qsTr("Search people")],
         ["F5", qsTr("Read what is new")],
         ["O", qsTr("Overview of everybody")],

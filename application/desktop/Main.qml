@@ -10,6 +10,7 @@ Window {
     required property WindowModel model
     required property OverviewModel overview
     required property SettingsModel settings
+    required property CorrectionsModel corrections
     required property DesktopAppearance appearance
     required property FirstStartModel firstStart
     required property FollowUpsModel followUps
@@ -24,7 +25,8 @@ Window {
     // What the window is opened at: the people, or a page that takes the whole of it.
     property string place: "people"
     readonly property bool showsPeople: isShowing && place === "people"
-    readonly property bool takesKeys: showsPeople && !snoozeMenu.visible && !remindMenu.visible && !keysPage.visible && !mainMenu.visible
+    readonly property bool takesKeys: showsPeople && !snoozeMenu.visible && !remindMenu.visible && !keysPage.visible
+                                      && !mainMenu.visible && !correctionMenus.isOpen
 
     function showPerson() {
         showsPerson = true
@@ -130,6 +132,16 @@ Window {
         sequences: ["U", StandardKey.Undo]
         enabled: window.takesKeys
         onActivated: window.model.undo()
+    }
+    Shortcut {
+        sequences: ["M"]
+        enabled: window.takesKeys
+        onActivated: correctionMenus.openMessage()
+    }
+    Shortcut {
+        sequences: ["Menu", "Shift+F10"]
+        enabled: window.takesKeys
+        onActivated: correctionMenus.openAt(list.visible && list.currentItem ? list.currentItem : page.moreButton)
     }
     Shortcut {
         sequences: ["/", StandardKey.Find]
@@ -349,6 +361,8 @@ Window {
                 window: window.model
                 look: look
                 onOpened: window.showPerson()
+                onSnoozeAsked: anchor => window.snooze(anchor)
+                onMenuAsked: (row, x, y) => correctionMenus.openAtPoint(row, x, y)
             }
 
             SearchResults {
@@ -439,8 +453,10 @@ Window {
                 window: window.model
                 followUps: window.followUps
                 look: look
+                corrections: window.corrections
                 onSnoozeRequested: anchor => window.snooze(anchor)
                 onRemindRequested: anchor => remindMenu.openAt(anchor)
+                onMoreRequested: anchor => correctionMenus.openAt(anchor)
             }
 
             // That the keyboard is at the right.
@@ -555,6 +571,16 @@ Window {
             window: window.model
             followUps: window.followUps
             look: look
+            onClosed: (list.visible ? list : page).forceActiveFocus(Qt.PopupFocusReason)
+        }
+
+        CorrectionMenus {
+            id: correctionMenus
+
+            window: window.model
+            corrections: window.corrections
+            look: look
+            onClosed: (list.visible ? list : page).forceActiveFocus(Qt.PopupFocusReason)
         }
 
         MainMenu {

@@ -9,12 +9,16 @@ Flickable {
 
     required property WindowModel window
     required property FollowUpsModel followUps
+    required property CorrectionsModel corrections
     required property AttentionLook look
     readonly property PersonModel person: window.person
     readonly property bool isAbsent: person.absence.length > 0
 
+    readonly property alias moreButton: more
+
     signal snoozeRequested(anchor: Item)
     signal remindRequested(anchor: Item)
+    signal moreRequested(anchor: Item)
 
     function scroll(distance: real) {
         contentY = Math.max(0, Math.min(Math.max(0, contentHeight - height), contentY + distance))
@@ -63,30 +67,49 @@ Flickable {
 
         Item {
             width: parent.width
-            height: Math.max(name.implicitHeight, remind.implicitHeight)
+            height: Math.max(name.height, besideName.height)
 
             PlainText {
                 id: name
 
                 look: page.look
                 anchors.left: parent.left
-                anchors.right: remind.left
-                anchors.rightMargin: 16
+                anchors.right: besideName.left
+                anchors.rightMargin: 12
                 points: 20
                 text: page.person.displayName
                 font.weight: Font.DemiBold
                 Accessible.role: Accessible.Heading
             }
 
-            ActionButton {
-                id: remind
+            Row {
+                id: besideName
 
-                look: page.look
                 anchors.right: parent.right
-                y: (name.font.pixelSize * 1.3 - height) / 2
-                text: qsTr("Remind me")
-                Accessible.role: Accessible.ButtonMenu
-                onClicked: page.remindRequested(remind)
+                spacing: 6
+
+                ActionButton {
+                    id: remind
+
+                    anchors.verticalCenter: parent.verticalCenter
+                    look: page.look
+                    text: qsTr("Remind me")
+                    Accessible.role: Accessible.ButtonMenu
+                    onClicked: page.remindRequested(remind)
+                }
+
+                ActionButton {
+                    id: more
+
+                    anchors.verticalCenter: parent.verticalCenter
+                    look: page.look
+                    points: 16
+                    color: page.look.text
+                    text: "…"
+                    Accessible.name: qsTr("More about %1").arg(page.person.displayName)
+                    Accessible.role: Accessible.ButtonMenu
+                    onClicked: page.moreRequested(more)
+                }
             }
         }
 
@@ -177,6 +200,29 @@ Flickable {
             }
         }
 
+        Row {
+            width: parent.width
+            topPadding: 10
+            spacing: 10
+            visible: page.isAbsent && (page.person.choices.isHidden || page.person.choices.isSnoozed)
+
+            ActionButton {
+                look: page.look
+                isFramed: true
+                visible: page.person.choices.isHidden
+                text: qsTr("Show again")
+                onClicked: page.corrections.showAgain(page.person.personKey, page.person.displayName)
+            }
+
+            ActionButton {
+                look: page.look
+                isFramed: true
+                visible: page.person.choices.isSnoozed && !page.person.choices.isHidden
+                text: qsTr("Bring back now")
+                onClicked: page.corrections.bringBack(page.person.personKey, page.person.displayName)
+            }
+        }
+
         Heading {
             look: page.look
             visible: page.person.followUps.length > 0
@@ -259,16 +305,21 @@ Flickable {
 
                 required property var modelData
 
+                readonly property int dateWidth: page.look.pixelSize(96)
+                readonly property int writerWidth: page.look.pixelSize(120)
+                // Where there is no room for three columns, what was written stands beneath who wrote it.
+                readonly property bool isTight: width < page.look.pixelSize(400)
+
                 width: content.width
-                height: writer.implicitHeight
+                height: (isTight ? writer.height : 0) + Math.max(isTight ? 0 : writer.height, words.height) + 6
 
                 Accessible.role: Accessible.StaticText
-                Accessible.name: modelData.date + ", " + modelData.writer
+                Accessible.name: [modelData.date, modelData.writer, modelData.words].filter(text => text.length > 0).join(qsTr(", "))
 
                 PlainText {
                     look: page.look
                     anchors.left: parent.left
-                    width: page.look.pixelSize(110)
+                    width: exchange.dateWidth
                     text: exchange.modelData.date
                     color: page.look.secondaryText
                     Accessible.ignored: true
@@ -279,14 +330,37 @@ Flickable {
 
                     look: page.look
                     anchors.left: parent.left
-                    anchors.leftMargin: page.look.pixelSize(110)
-                    anchors.right: parent.right
-                    bottomPadding: 6
+                    anchors.leftMargin: exchange.dateWidth
+                    width: exchange.isTight ? parent.width - exchange.dateWidth : exchange.writerWidth - 12
                     text: exchange.modelData.writer
                     color: exchange.modelData.isOwn ? page.look.accent : page.look.text
+                    wrapMode: Text.NoWrap
+                    elide: Text.ElideRight
+                    Accessible.ignored: true
+                }
+
+                PlainText {
+                    id: words
+
+                    look: page.look
+                    anchors.left: parent.left
+                    anchors.leftMargin: exchange.dateWidth + (exchange.isTight ? 0 : exchange.writerWidth)
+                    anchors.right: parent.right
+                    y: exchange.isTight ? writer.height : 0
+                    text: exchange.modelData.words
+                    color: exchange.modelData.isQuestion ? page.look.text : page.look.secondaryText
                     Accessible.ignored: true
                 }
             }
+        }
+
+        ActionButton {
+            anchors.left: parent.left
+            anchors.leftMargin: -6
+            look: page.look
+            visible: page.person.choices.hasMessage && !page.person.choices.isHidden
+            text: qsTr("Open message")
+            onClicked: page.corrections.openMessage(page.person.itemKey)
         }
 
         Heading {
@@ -304,6 +378,47 @@ Flickable {
 
                 width: content.width
                 text: modelData
+            }
+        }
+
+        Heading {
+            look: page.look
+            visible: page.person.choices.hiddenThings.length > 0
+            text: qsTr("What you hide of it")
+        }
+
+        Repeater {
+            model: page.person.choices.hiddenThings
+
+            Item {
+                id: hidden
+
+                required property var modelData
+
+                width: content.width
+                height: Math.max(thing.height, showAgain.height)
+
+                PlainText {
+                    id: thing
+
+                    look: page.look
+                    anchors.left: parent.left
+                    anchors.right: showAgain.left
+                    anchors.rightMargin: 10
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: hidden.modelData.words
+                }
+
+                ActionButton {
+                    id: showAgain
+
+                    look: page.look
+                    anchors.right: parent.right
+                    text: qsTr("Show again")
+                    Accessible.description: hidden.modelData.words
+                    onClicked: page.corrections.showThingAgain(page.person.personKey, page.person.displayName,
+                                                               hidden.modelData.key)
+                }
             }
         }
 

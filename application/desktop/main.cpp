@@ -20,6 +20,7 @@
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanRelationshipAttention/ui/attention_views.h"
+#include "application/desktop/corrections_model.h"
 #include "application/desktop/desktop_appearance.h"
 #include "application/desktop/first_start_model.h"
 #include "application/desktop/follow_ups_model.h"
@@ -181,6 +182,7 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   FollowUpsModel followUps(loop, store, reminders, model, clock, asOf);
   SettingsModel settingsModel(loop, store, clock, asOf);
   QObject::connect(&settingsModel, &SettingsModel::storeChanged, &model, &WindowModel::readAgain);
+  CorrectionsModel corrections(loop, store, model);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);
@@ -190,7 +192,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
                                {"firstStart", QVariant::fromValue(&firstStart)},
                                {"overview", QVariant::fromValue(&overview)},
                                {"followUps", QVariant::fromValue(&followUps)},
-                               {"settings", QVariant::fromValue(&settingsModel)}});
+                               {"settings", QVariant::fromValue(&settingsModel)},
+                               {"corrections", QVariant::fromValue(&corrections)}});
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {

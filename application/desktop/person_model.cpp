@@ -13,7 +13,9 @@ QVariantList exchangesOf(const Conversation& conversation) {
   for (const auto& exchange : conversation.exchanges) {
     exchanges.append(QVariantMap{{"date", dateOf(exchange.occurredAt)},
                                  {"writer", writerOf(exchange)},
-                                 {"isOwn", exchange.kind == Exchange::Kind::sent}});
+                                 {"isOwn", exchange.kind == Exchange::Kind::sent},
+                                 {"words", wordsOf(exchange)},
+                                 {"isQuestion", exchange.question.has_value()}});
   }
   return exchanges;
 }
@@ -30,6 +32,11 @@ QVariantList followUpsInWords(const std::vector<ListedFollowUp>& followUps) {
   return shown;
 }
 
+bool isInConversation(const std::optional<std::string>& question, const Conversation& conversation) {
+  return question &&
+         std::ranges::find(conversation.exchanges, question, &Exchange::question) != conversation.exchanges.end();
+}
+
 } // namespace
 
 PersonModel::PersonModel(QObject* parent) : QObject(parent) {}
@@ -38,19 +45,18 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
   Shown shown;
   shown.personKey = QString::fromStdString(reading.personKey);
   shown.displayName = displayText(reading.displayName);
-  QStringList addresses;
-  for (const auto& address : reading.addresses) {
-    addresses.append(displayText(address));
-  }
-  shown.addresses = addresses.join(tr(", "));
   shown.contact = ContactPicture(reading.history);
   shown.followUps = followUpsInWords(reading.followUps);
+  shown.addresses = joinedForDisplay(reading.addresses);
+  shown.choices = choicesFor(reading);
   if (!reading.details) {
     return shown;
   }
   const auto& details = *reading.details;
   shown.itemKey = QString::fromStdString(details.item.itemKey());
-  shown.question = displayText(details.about.question.value_or(""));
+  if (!isInConversation(details.about.question, details.conversation)) {
+    shown.question = displayText(details.about.question.value_or(""));
+  }
   shown.subject = displayText(details.about.subject.value_or(""));
   shown.meeting = meetingInWords(details.about);
   shown.exchanges = exchangesOf(details.conversation);

@@ -8,6 +8,7 @@
 
 #include "OrvanRelationshipAttention/ui/attention_why_now_model.h"
 #include "application/desktop/contact_picture.h"
+#include "application/desktop/person_choices.h"
 #include "application/desktop/store_readings.h"
 
 namespace orvan {
@@ -25,10 +26,11 @@ class PersonModel : public QObject {
   Q_PROPERTY(orvan::AttentionWhyNowModel* whyNow READ whyNow CONSTANT FINAL)
   /// Why they are not on the list; empty when they are.
   Q_PROPERTY(QString absence READ absence NOTIFY changed FINAL)
+  /// Empty when it stands among the exchanges.
   Q_PROPERTY(QString question READ question NOTIFY changed FINAL)
   Q_PROPERTY(QString subject READ subject NOTIFY changed FINAL)
   Q_PROPERTY(QString meeting READ meeting NOTIFY changed FINAL)
-  /// Of maps with "date" and "writer" and "isOwn", in the order of their time.
+  /// Of maps with "date", "writer", "isOwn", "words" and "isQuestion", in the order of their time.
   Q_PROPERTY(QVariantList exchanges READ exchanges NOTIFY changed FINAL)
   Q_PROPERTY(int earlierExchanges READ earlierExchanges NOTIFY changed FINAL)
   Q_PROPERTY(QStringList otherMatters READ otherMatters NOTIFY changed FINAL)
@@ -36,6 +38,7 @@ class PersonModel : public QObject {
   Q_PROPERTY(QVariantList followUps READ followUps NOTIFY changed FINAL)
   Q_PROPERTY(QStringList decisions READ decisions NOTIFY changed FINAL)
   Q_PROPERTY(orvan::ContactPicture contact READ contact NOTIFY changed FINAL)
+  Q_PROPERTY(orvan::PersonChoices choices READ choices NOTIFY changed FINAL)
 
  public:
   explicit PersonModel(QObject* parent = nullptr);
@@ -59,6 +62,7 @@ class PersonModel : public QObject {
   const QVariantList& followUps() const noexcept { return shown_.followUps; }
   const QStringList& decisions() const noexcept { return shown_.decisions; }
   const ContactPicture& contact() const noexcept { return shown_.contact; }
+  const PersonChoices& choices() const noexcept { return shown_.choices; }
 
  Q_SIGNALS:
   void changed();
@@ -79,6 +83,7 @@ class PersonModel : public QObject {
     QVariantList followUps;
     QStringList decisions;
     ContactPicture contact;
+    PersonChoices choices;
 
     bool operator==(const Shown&) const = default;
   };

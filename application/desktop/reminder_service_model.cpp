@@ -6,7 +6,6 @@
 #include "OrvanNotifications/agent_control.h"
 #include "OrvanNotifications/agent_control_error.h"
 #include "OrvanPlatform/error.h"
-#include "OrvanPlatform/human_date.h"
 #include "application/desktop/refusal_in_words.h"
 #include "application/desktop/reminder_service_reading.h"
 #include "application/desktop/wording.h"
@@ -30,10 +29,6 @@ ServiceAnswer askService(const SessionSettings& settings) {
     }
     return {.reading = std::nullopt, .error = static_cast<AgentControlError>(error.code().value())};
   }
-}
-
-QString momentInWords(Instant moment) {
-  return displayText(humanMomentText(moment));
 }
 
 } // namespace

@@ -51,6 +51,14 @@ std::optional<ItemDetails> detailsOf(const std::string& personKey, Session& sess
   }
 }
 
+std::vector<HiddenThing> hiddenWith(const std::string& personKey, Connection& connection) {
+  auto things = hiddenThings(connection);
+  std::erase_if(things, [&personKey](const HiddenThing& thing) {
+    return thing.personID != personKey || thing.scope == HiddenScope::person;
+  });
+  return things;
+}
+
 } // namespace
 
 ListReading readList(Session& session, Instant asOf) {
@@ -83,6 +91,8 @@ std::optional<PersonReading> readPerson(Session& session, const std::string& per
                         session.isHidden(personKey),
                         {},
                         std::move(followUps)};
+  reading.hiddenThings =
+      session.readableStore().read([&personKey](Connection& connection) { return hiddenWith(personKey, connection); });
   if (!reading.isHidden) {
     reading.history = contactHistory(session, personKey, asOf);
   }

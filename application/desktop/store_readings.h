@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "OrvanPlatform/instant.h"
+#include "application/corrections/hiding.h"
 #include "application/session/catch_up_list.h"
 #include "application/session/contact_history.h"
 #include "application/session/item_details.h"
@@ -44,6 +45,8 @@ struct PersonReading {
   ContactHistory history;
   /// The scheduled ones, in the order of their times.
   std::vector<ListedFollowUp> followUps = {};
+  /// Conversations and mails with them.
+  std::vector<HiddenThing> hiddenThings = {};
 };
 
 /// Nothing when there is nobody of that key any more.

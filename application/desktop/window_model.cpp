@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "OrvanPlatform/error.h"
+#include "application/corrections/taking_back.h"
+#include "application/desktop/correction_in_words.h"
 #include "application/desktop/snooze_choices.h"
 #include "application/desktop/wording.h"
 #include "application/session/snooze_end.h"
@@ -132,8 +134,8 @@ void WindowModel::awaitDue(std::optional<Instant> nextDueAt) {
 
 bool WindowModel::isDecidedOn(const QString& itemKey) const {
   const auto key = itemKey.toStdString();
-  const auto& undoable = undoPeriod_.decision();
-  return (undoable && undoable->itemKey == key) || std::ranges::any_of(savings_, [&key](const auto& saving) {
+  const auto* undoable = decisionToUndo();
+  return (undoable != nullptr && undoable->itemKey == key) || std::ranges::any_of(savings_, [&key](const auto& saving) {
            return saving->state != Saving::State::failed && saving->decision.itemKey == key;
          });
 }
@@ -144,8 +146,8 @@ bool WindowModel::isEnding(const ListedFollowUp& followUp) const {
     const auto* action = std::get_if<AttentionItemAction>(&decision.action);
     return decision.itemKey == key && (action == nullptr || action->kind() != AttentionItemAction::Kind::snooze);
   };
-  const auto& undoable = undoPeriod_.decision();
-  return (undoable && isEnd(*undoable)) || std::ranges::any_of(savings_, [&isEnd](const auto& saving) {
+  const auto* undoable = decisionToUndo();
+  return (undoable != nullptr && isEnd(*undoable)) || std::ranges::any_of(savings_, [&isEnd](const auto& saving) {
            return saving->state == Saving::State::underWay && isEnd(saving->decision);
          });
 }
@@ -260,9 +262,19 @@ Task<void> WindowModel::findCalled(QString person) {
   }
 }
 
+QString WindowModel::noteOnUndecided(const QString& personKey) const {
+  const auto* decision = decisionToUndo();
+  return decision != nullptr && decision->personKey == personKey
+             ? tr("You have just decided about this. Undo brings it back.")
+             : QString{};
+}
+
 QString WindowModel::absenceOf(const PersonReading& reading) const {
   if (list_.rowOf(QString::fromStdString(reading.personKey)) >= 0) {
     return {};
+  }
+  if (const auto note = noteOnUndecided(QString::fromStdString(reading.personKey)); !note.isEmpty()) {
+    return note;
   }
   if (const auto found = notShown_.find(reading.personKey); found != notShown_.end()) {
     return orvan::inWords(found->second);
@@ -302,13 +314,11 @@ Task<void> WindowModel::findPeople(QString text) {
 FoundPerson WindowModel::inWords(const ListedPerson& person) const {
   const auto key = QString::fromStdString(person.personKey);
   FoundPerson found{key, displayText(person.displayName), {}, tr("Nothing is waiting between you.")};
-  QStringList addresses;
-  for (const auto& address : person.addresses) {
-    addresses.append(displayText(address));
-  }
-  found.addresses = addresses.join(tr(", "));
+  found.addresses = joinedForDisplay(person.addresses);
   if (const auto* row = list_.rowFor(key)) {
     found.standing = row->headline;
+  } else if (const auto note = noteOnUndecided(key); !note.isEmpty()) {
+    found.standing = note;
   } else if (const auto reason = notShown_.find(person.personKey); reason != notShown_.end()) {
     found.standing = orvan::inWords(reason->second);
   } else if (reading_) {
@@ -381,7 +391,7 @@ void WindowModel::beginUndoPeriod(const DecisionToSave& decision) {
     return saving->state == Saving::State::failed && saving->decision.itemKey == decision.itemKey;
   });
   if (auto earlier = undoPeriod_.begin(decision, clock_.monotonicNow())) {
-    save(*std::move(earlier));
+    saveDecisionIn(*std::move(earlier));
   }
   second_.start();
   showRows();
@@ -395,18 +405,76 @@ void WindowModel::beginUndoPeriod(const DecisionToSave& decision) {
 }
 
 void WindowModel::undo() {
-  if (const auto decision = undoPeriod_.take()) {
-    second_.stop();
+  const auto undoable = undoPeriod_.take();
+  if (!undoable) {
+    return;
+  }
+  second_.stop();
+  if (const auto* correction = std::get_if<SavedCorrection>(&*undoable)) {
+    begin(takeBack(*correction));
+  } else {
     showRows();
-    choose(decision->personKey);
-    Q_EMIT noticeChanged();
+    choose(std::get<DecisionToSave>(*undoable).personKey);
+  }
+  Q_EMIT noticeChanged();
+}
+
+Task<void> WindowModel::takeBack(SavedCorrection correction) {
+  const auto asOf = now();
+  try {
+    co_await store_.ask([number = correction.action, asOf](Session& session) {
+      session.writableStore().write([&](Connection& connection) { return undoAction(number, asOf, connection); });
+      session.readAgain();
+    });
+    choose(correction.personKey);
+  } catch (...) {
+    tell(refusalOfCurrentException());
+  }
+  readListSoon();
+}
+
+void WindowModel::saveBeforeAnotherAction() {
+  told_.clear();
+  if (auto earlier = undoPeriod_.take()) {
+    second_.stop();
+    saveDecisionIn(*std::move(earlier));
+  }
+  Q_EMIT noticeChanged();
+}
+
+void WindowModel::offerUndo(SavedCorrection correction) {
+  hasTriedToClose_ = false;
+  if (auto earlier = undoPeriod_.begin(std::move(correction), clock_.monotonicNow())) {
+    saveDecisionIn(*std::move(earlier));
+  }
+  second_.start();
+  readListSoon();
+  Q_EMIT noticeChanged();
+  Q_EMIT secondsToUndoChanged();
+}
+
+void WindowModel::chooseNeighbourOf(const QString& personKey) {
+  const int row = list_.rowOf(personKey);
+  if (chosen_ == personKey && row >= 0) {
+    choose(list_.personAt(row + 1 < list_.count() ? row + 1 : row - 1));
+  }
+}
+
+const DecisionToSave* WindowModel::decisionToUndo() const {
+  const auto& undoable = undoPeriod_.decision();
+  return undoable ? std::get_if<DecisionToSave>(&*undoable) : nullptr;
+}
+
+void WindowModel::saveDecisionIn(Undoable undoable) {
+  if (auto* decision = std::get_if<DecisionToSave>(&undoable)) {
+    save(std::move(*decision));
   }
 }
 
 void WindowModel::endUndoPeriod() {
   if (auto due = undoPeriod_.takeDue(clock_.monotonicNow())) {
     second_.stop();
-    save(*std::move(due));
+    saveDecisionIn(*std::move(due));
     Q_EMIT noticeChanged();
   } else {
     Q_EMIT secondsToUndoChanged();
@@ -497,9 +565,7 @@ QString WindowModel::noticeText() const {
     case CouldNotSave:
       return tr("Couldn't save — try again");
     case CanUndo:
-      return std::visit(
-          [this](const auto& action) { return orvan::inWords(action, undoPeriod_.decision()->displayName); },
-          undoPeriod_.decision()->action);
+      return orvan::inWords(*undoPeriod_.decision());
     case Told:
       return told_;
     case NoNotice:
@@ -509,14 +575,14 @@ QString WindowModel::noticeText() const {
 }
 
 void WindowModel::saveAtEnd() {
-  if (auto decision = undoPeriod_.take()) {
-    save(*std::move(decision));
+  if (auto undoable = undoPeriod_.take()) {
+    saveDecisionIn(*std::move(undoable));
   }
   saveAgain();
 }
 
 bool WindowModel::mayClose() {
-  const bool isGivenUp = hasTriedToClose_ && !undoPeriod_.decision();
+  const bool isGivenUp = hasTriedToClose_ && decisionToUndo() == nullptr;
   saveAtEnd();
   const bool isUnderWay =
       std::ranges::any_of(savings_, [](const auto& saving) { return saving->state == Saving::State::underWay; });

@@ -24,6 +24,7 @@
 #include "application/desktop/store_thread.h"
 #include "application/desktop/store_watch.h"
 #include "application/desktop/undo_period.h"
+#include "application/desktop/undoable.h"
 
 namespace orvan {
 
@@ -90,6 +91,9 @@ class WindowModel : public QObject {
   QString noticeText() const;
   int secondsToUndo() const;
 
+  /// The moment that the window takes for now.
+  Instant now() const;
+
   /// Opens the store and reads the list; after a failure, anew. Whom `person` names by key, name or address is chosen.
   void start(const QString& person = {});
   Q_INVOKABLE void tryAgain();
@@ -102,8 +106,6 @@ class WindowModel : public QObject {
   /// The same for whom the user names.
   void chooseCalled(const QString& person);
   Q_INVOKABLE void searchFor(const QString& text);
-  /// Reads the list and the chosen person again.
-  Q_INVOKABLE void readAgain() { readListSoon(); }
 
   /// Ends of a snooze to offer, as maps with "label", "date" and "day"; and the day of today.
   Q_INVOKABLE QVariantList snoozeChoices() const;
@@ -125,11 +127,16 @@ class WindowModel : public QObject {
   /// Called on the store's thread with each follow-up that has ended, so that its reminder goes, too.
   void onFollowUpEnded(std::function<void(const std::string& followUpID)> handler);
 
-  /// For what was written to the store by other means.
-  void readAgain() { readListSoon(); }
-
   /// Says what something came to, until the user decides something else.
   Q_INVOKABLE void tell(const QString& text);
+
+  /// What was decided is given to the store's thread now, before anything that is asked of it next: it cannot be undone
+  /// any more. What was told is forgotten.
+  void saveBeforeAnotherAction();
+  /// For ten seconds, or until the user does something else. The list is read again.
+  void offerUndo(SavedCorrection correction);
+  /// Chooses somebody near, if the person is chosen and on the list: they are about to leave it.
+  void chooseNeighbourOf(const QString& personKey);
 
   /// Whether the window may close now. If not, what is left is being saved, and readyToClose() follows; or it could not
   /// be saved, which the window tells, and then it may close when asked again.
@@ -166,7 +173,6 @@ class WindowModel : public QObject {
 
   static bool hasPeopleIn(const CatchUpList& list) { return !list.rows.empty() || !list.notShown.empty(); }
 
-  Instant now() const;
   void begin(Task<void> task);
   void readListSoon();
   Task<void> readListUntilCurrent();
@@ -189,7 +195,13 @@ class WindowModel : public QObject {
 
   void decide(const AttentionItemAction& action);
   void beginUndoPeriod(const DecisionToSave& decision);
+  /// The decision that can be undone, if it is one that can.
+  const DecisionToSave* decisionToUndo() const;
   void save(DecisionToSave decision);
+  /// A correction is saved as it is.
+  void saveDecisionIn(Undoable undoable);
+  Task<void> takeBack(SavedCorrection correction);
+  QString noteOnUndecided(const QString& personKey) const;
   void give(const std::shared_ptr<Saving>& saving);
   void ended(const std::shared_ptr<Saving>& saving, SavingEnd end);
   static QString lapsedInWords(const DecisionToSave& decision);
@@ -218,7 +230,7 @@ class WindowModel : public QObject {
   QString chosen_;
   QString searched_;
 
-  UndoPeriod<DecisionToSave> undoPeriod_;
+  UndoPeriod<Undoable> undoPeriod_;
   std::vector<std::shared_ptr<Saving>> savings_;
   std::function<void(const std::string&)> followUpEnded_;
   QString told_;

@@ -108,6 +108,14 @@ QString displayText(std::string_view text) {
   return QString::fromStdString(printableText(text));
 }
 
+QString joinedForDisplay(std::span<const std::string> texts) {
+  QStringList words;
+  for (const auto& text : texts) {
+    words.append(displayText(text));
+  }
+  return words.join(Wording::tr(", "));
+}
+
 QString headingOf(ListPart part) {
   switch (part) {
     case ListPart::followUp:
@@ -156,13 +164,34 @@ QString momentInWords(Instant moment) {
 QString writerOf(const Exchange& exchange) {
   switch (exchange.kind) {
     case Exchange::Kind::sent:
-      return Wording::tr("You wrote");
+      return Wording::tr("You", "who wrote");
     case Exchange::Kind::meeting:
-      return Wording::tr("You met");
+      return Wording::tr("Meeting");
     case Exchange::Kind::received:
       break;
   }
-  return exchange.from ? Wording::tr("%1 wrote").arg(displayText(*exchange.from)) : Wording::tr("Somebody wrote");
+  return exchange.from ? displayText(*exchange.from) : Wording::tr("Somebody");
+}
+
+QString wordsOf(const Exchange& exchange) {
+  if (exchange.question) {
+    return quoted(*exchange.question);
+  }
+  return exchange.kind == Exchange::Kind::meeting ? QString{} : Wording::tr("wrote", "in a table: who, what");
+}
+
+QString inWords(const HiddenThing& thing) {
+  if (thing.scope == HiddenScope::mail) {
+    return thing.name.empty() ? Wording::tr("A mail that waits for nothing")
+                              : Wording::tr("%1, a mail that waits for nothing").arg(quoted(thing.name));
+  }
+  return thing.name.empty() ? Wording::tr("A conversation") : Wording::tr("%1, a conversation").arg(quoted(thing.name));
+}
+
+QString inWords(SuggestionGround ground) {
+  return ground == SuggestionGround::sameName
+             ? Wording::tr("May be the same: goes by the same full name.")
+             : Wording::tr("May be the same: goes by the same full name, which a contact card of yours has, too.");
 }
 
 QString dateOf(std::string_view timestamp) {
@@ -184,9 +213,9 @@ QString inWords(const NotShown& person) {
       return person.until ? Wording::tr("Snoozed until %1.").arg(displayText(humanDateText(*person.until)))
                           : Wording::tr("Snoozed.");
     case NotShownReason::dismissed:
-      return Wording::tr("You dismissed this reason.");
+      return Wording::tr("You dismissed this reason. A new one brings them back by itself.");
     case NotShownReason::resolved:
-      return Wording::tr("You resolved this.");
+      return Wording::tr("You resolved this. A new reason brings them back by itself.");
     case NotShownReason::beyondTheCap:
       return Wording::tr("Not looked at: the list looks at the people you deal with most.");
     case NotShownReason::hidden:

@@ -3,10 +3,14 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <span>
+#include <string>
 #include <string_view>
 
 #include "OrvanPlatform/instant.h"
 #include "OrvanRelationshipAttention/catch_up/attention_item_disposition.h"
+#include "application/corrections/hiding.h"
+#include "application/corrections/person_suggestions.h"
 #include "application/desktop/decision_to_save.h"
 #include "application/desktop/window_reminders.h"
 #include "application/session/catch_up_list.h"
@@ -20,6 +24,9 @@ namespace orvan {
 // What the window says in words of its own, in the language of the user. Texts of the user's data are made printable.
 
 QString displayText(std::string_view text);
+
+/// Several, with commas between them.
+QString joinedForDisplay(std::span<const std::string> texts);
 
 /// The heading of a part of the list.
 QString headingOf(ListPart part);
@@ -40,8 +47,17 @@ QString inWords(const ListedFollowUp& followUp);
 /// A date with the time of day.
 QString momentInWords(Instant moment);
 
-/// Who wrote, or that there was a meeting.
+/// Who wrote, or that it was a meeting.
 QString writerOf(const Exchange& exchange);
+
+/// What they asked, or else only that they wrote. Empty for a meeting.
+QString wordsOf(const Exchange& exchange);
+
+/// What is hidden beside people: "“The boat”, a conversation".
+QString inWords(const HiddenThing& thing);
+
+/// Why somebody may be the same as another.
+QString inWords(SuggestionGround ground);
 
 /// The date of a timestamp of the store.
 QString dateOf(std::string_view timestamp);

@@ -13,6 +13,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanTestSupport/manual_clock.h"
 #include "application/cli/command_line.h"
+#include "application/desktop/corrections_model.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -129,6 +130,58 @@ END
 TEST_F(Window, ShowsWhatAnotherProgramDecided) {
   run({"dismiss", "bo@hill.example"});
   EXPECT_TRUE(waitUntil([this] { return model_.list()->count() == 2; }));
+}
+
+class Corrections : public Window {
+ protected:
+  bool waitForRows(int count) {
+    return waitUntil([&] { return model_.list()->count() == count; });
+  }
+  bool waitForName(const QString& name) {
+    return waitUntil([&] { return model_.list()->rows().front().displayName == name; });
+  }
+  const CatchUpListRow& first() { return model_.list()->rows().front(); }
+
+  CorrectionsModel corrections_{loop_, store_, model_};
+};
+
+TEST_F(Corrections, AreSavedAtOnceAndTakenBackByTheSameUndoAsDecisions) {
+  model_.dismiss();
+  const auto hidden = first();
+  corrections_.hide(hidden.personKey, hidden.displayName);
+  EXPECT_TRUE(waitForRows(1));
+  EXPECT_EQ(decisionsInStore(), 1U) << "what was decided before is not undone any more";
+  EXPECT_EQ(model_.noticeText(), "Hidden: " + hidden.displayName);
+  EXPECT_NE(model_.chosen(), hidden.personKey);
+  EXPECT_TRUE(Session(settings()).isHidden(hidden.personKey.toStdString()));
+
+  model_.undo();
+  EXPECT_TRUE(waitForRows(2));
+  EXPECT_EQ(model_.chosen(), hidden.personKey);
+  EXPECT_EQ(model_.notice(), WindowModel::NoNotice);
+
+  corrections_.sayWrong(hidden.personKey, hidden.displayName, hidden.itemKey);
+  EXPECT_TRUE(waitForRows(1));
+  EXPECT_TRUE(model_.mayClose()) << "nothing is left to be saved";
+}
+
+TEST_F(Corrections, PutRightWhoIsWhoAndTellWhatKeepsThemFromIt) {
+  const auto ada = first();
+  const auto bo = model_.list()->rows()[1];
+  corrections_.rename(ada.personKey, ada.displayName, " Aunt Ada ");
+  EXPECT_TRUE(waitForName("Aunt Ada"));
+  corrections_.rename(ada.personKey, "Aunt Ada", "");
+  EXPECT_TRUE(waitForName(ada.displayName));
+
+  corrections_.makeOne(ada.personKey, ada.displayName, bo.personKey, bo.displayName);
+  EXPECT_TRUE(waitForRows(2));
+  model_.undo();
+  EXPECT_TRUE(waitForRows(3));
+
+  corrections_.hide(bo.personKey, bo.displayName);
+  EXPECT_TRUE(waitForRows(2));
+  corrections_.makeOne(ada.personKey, ada.displayName, bo.personKey, bo.displayName);
+  EXPECT_TRUE(waitUntil([this] { return model_.notice() == WindowModel::Told; })) << "one is hidden, the other is not";
 }
 
 } // namespace
