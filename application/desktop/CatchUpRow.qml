@@ -127,7 +127,7 @@ Item {
         y: 9
         width: actions.width + 8
         height: actions.height
-        visible: row.showsActions
+        visible: row.showsActions && width < row.width * 0.6
         radius: 6
         color: Qt.tint(row.look.background, ground.color)
 

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Templates as Templates
 import OrvanRelationshipAttention
 import Orvan.Desktop
 
@@ -84,6 +85,10 @@ PopupMenu {
             activeFocusOnTab: true
             boundsBehavior: Flickable.StopAtBounds
             highlightMoveDuration: 0
+
+            Templates.ScrollBar.vertical: QuietScrollBar {
+                look: menu.look
+            }
 
             Accessible.role: Accessible.List
             Accessible.name: qsTr("People found")
