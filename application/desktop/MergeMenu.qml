@@ -187,9 +187,8 @@ PopupMenu {
             look: menu.look
             width: parent.width
             visible: menu.isAsking
-            text: qsTr("%1 is called %2 from then on, and has all the mail, meetings and decisions of both.")
+            text: qsTr("Both become %1 (%2), with all the mail, meetings and decisions of both.").arg(menu.person.displayName)
                 .arg([menu.person.addresses, menu.otherAddresses].filter(text => text.length > 0).join(qsTr(", ")))
-                .arg(menu.person.displayName)
             color: menu.look.secondaryText
         }
 

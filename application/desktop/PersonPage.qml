@@ -307,11 +307,12 @@ Flickable {
 
                 readonly property int dateWidth: page.look.pixelSize(96)
                 readonly property int writerWidth: page.look.pixelSize(120)
-                // Where there is no room for three columns, what was written stands beneath who wrote it.
+                // Where there is no room for three columns, what was asked stands beneath who asked it.
                 readonly property bool isTight: width < page.look.pixelSize(400)
+                readonly property bool showsWords: !isTight || modelData.isQuestion
 
                 width: content.width
-                height: (isTight ? writer.height : 0) + Math.max(isTight ? 0 : writer.height, words.height) + 6
+                height: Math.max(writer.height, showsWords ? words.y + words.height : 0) + 6
 
                 Accessible.role: Accessible.StaticText
                 Accessible.name: [modelData.date, modelData.writer, modelData.words].filter(text => text.length > 0).join(qsTr(", "))
@@ -347,6 +348,7 @@ Flickable {
                     anchors.leftMargin: exchange.dateWidth + (exchange.isTight ? 0 : exchange.writerWidth)
                     anchors.right: parent.right
                     y: exchange.isTight ? writer.height : 0
+                    visible: exchange.showsWords
                     text: exchange.modelData.words
                     color: exchange.modelData.isQuestion ? page.look.text : page.look.secondaryText
                     Accessible.ignored: true
