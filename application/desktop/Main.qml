@@ -75,6 +75,17 @@ Window {
             window.close()
         }
 
+        function onPersonCalled() {
+            window.place = "people"
+            search.text = ""
+            window.showPerson()
+        }
+
+        function onNobodyCalled(text: string) {
+            window.place = "people"
+            search.text = text
+        }
+
         function onPageChanged() {
             if (window.model.page === WindowModel.NoStore)
                 window.place = "start"

@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "OrvanPlatform/error.h"
 #include "OrvanRelationshipAttention/follow_up/follow_up_scheduler.h"
 #include "application/desktop/wording.h"
 
@@ -93,6 +94,37 @@ void FollowUpsModel::added(bool isNoted) {
   }
   window_.readAgain();
   Q_EMIT noted();
+}
+
+Task<std::optional<ListedFollowUp>> FollowUpsModel::find(std::string followUpID) {
+  co_return co_await store_.ask([followUpID](Session& session) {
+    return session.readableStore().read([&](Connection& connection) { return followUpWithID(followUpID, connection); });
+  });
+}
+
+void FollowUpsModel::showPersonOf(const std::string& followUpID) {
+  startOn(loop_, showWhenFound(followUpID));
+}
+
+Task<void> FollowUpsModel::showWhenFound(std::string followUpID) {
+  try {
+    if (const auto followUp = co_await find(std::move(followUpID))) {
+      window_.chooseCalled(QString::fromStdString(followUp->personKey));
+    }
+  } catch (const Error&) { // NOLINT(bugprone-empty-catch): a store that does not open is told of with the list.
+  }
+}
+
+Task<bool> FollowUpsModel::tellsOf(std::string followUpID) {
+  const auto followUp = co_await find(std::move(followUpID));
+  // On the list, it is from now on.
+  window_.readAgain();
+  if (!followUp || window_.chosen() != QString::fromStdString(followUp->personKey)) {
+    co_return false;
+  }
+  window_.tell(tr("Now is when you wanted to get back to %1: %2")
+                   .arg(displayText(followUp->displayName), displayText(followUp->said.value_or(""))));
+  co_return true;
 }
 
 void FollowUpsModel::complete(const QString& followUpID) {

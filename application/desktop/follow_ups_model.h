@@ -41,6 +41,11 @@ class FollowUpsModel : public QObject {
   Q_INVOKABLE void complete(const QString& followUpID);
   Q_INVOKABLE void cancel(const QString& followUpID);
 
+  /// Shows the person whom a follow-up is about.
+  void showPersonOf(const std::string& followUpID);
+  /// Tells of a follow-up that comes due now when the window shows its person; whether it did.
+  Task<bool> tellsOf(std::string followUpID);
+
  Q_SIGNALS:
   /// It is in the store.
   void noted();
@@ -50,6 +55,8 @@ class FollowUpsModel : public QObject {
   void remind(Instant dueAt, const QString& about);
   void add(const NewFollowUp& followUp, const QString& displayName);
   void added(bool isNoted);
+  Task<std::optional<ListedFollowUp>> find(std::string followUpID);
+  Task<void> showWhenFound(std::string followUpID);
 
   QtLoop& loop_;
   StoreThread& store_;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -15,6 +16,7 @@
 #include <string_view>
 #include <utility>
 
+#include "OrvanNotifications/protocol.h"
 #include "OrvanPlatform/bus/bus_connection.h"
 #include "OrvanPlatform/clock.h"
 #include "OrvanPlatform/error.h"
@@ -22,10 +24,13 @@
 #include "OrvanRelationshipAttention/ui/attention_views.h"
 #include "application/desktop/corrections_model.h"
 #include "application/desktop/desktop_appearance.h"
+#include "application/desktop/ending_signals.h"
 #include "application/desktop/first_start_model.h"
 #include "application/desktop/follow_ups_model.h"
 #include "application/desktop/overview_model.h"
+#include "application/desktop/person_link.h"
 #include "application/desktop/qt_executor.h"
+#include "application/desktop/reminder_in_front.h"
 #include "application/desktop/settings_model.h"
 #include "application/desktop/single_instance.h"
 #include "application/desktop/store_thread.h"
@@ -43,11 +48,18 @@ void qml_register_types_Orvan_Desktop();
 namespace orvan {
 namespace {
 
+constexpr auto activationVariable = "XDG_ACTIVATION_TOKEN";
+
 struct Invocation {
   std::string store;
   std::string keyFile;
   std::string person;
+  std::string link;
   std::string asOf;
+  /// What the desktop gave this program to come to the front with.
+  std::string activationToken;
+
+  SingleInstance::Wish wish() const { return {link.empty() ? person : link, activationToken}; }
 };
 
 std::optional<int> exitCodeOfReading(Invocation& invocation, int argc, char** argv) {
@@ -56,6 +68,11 @@ std::optional<int> exitCodeOfReading(Invocation& invocation, int argc, char** ar
   program.add_option("--store", invocation.store, "The store file (default: in your data folder)")->type_name("FILE");
   program.add_option("--key-file", invocation.keyFile, "The file with the store's key")->type_name("FILE");
   program.add_option("--person", invocation.person, "Whom to show: a key, a name or an address")->type_name("PERSON");
+  program.add_option("LINK", invocation.link, "A link to a person: orvan://person/KEY")
+      ->type_name("")
+      ->check([](const std::string& text) {
+        return personKeyIn(text) ? std::string{} : std::string{"that is no link such as orvan://person/p-2l7i7jza"};
+      });
   program.add_option("--as-of", invocation.asOf, "Take this moment for now, in whole seconds: 2026-03-04T09:15:00Z")
       ->type_name("RFC3339")
       ->check([](const std::string& text) {
@@ -110,19 +127,40 @@ std::unique_ptr<BusConnection> userBus(QtLoop& loop) {
 /// needed; at the end, what is to be withdrawn is on its way for good.
 class NotificationCenterOfService {
  public:
-  explicit NotificationCenterOfService(const SessionSettings& settings) {
-    NotificationCenter::setCurrent(AgentNotificationCenter::make(centerOptionsFor(settings)));
+  /// `clicked` is called, on a thread of the centre's, with the follow-up of a reminder that the user clicked on and
+  /// the service leaves to us; with "" when it stood for several.
+  NotificationCenterOfService(const SessionSettings& settings, std::function<void(const std::string&)> clicked) {
+    auto options = centerOptionsFor(settings);
+    options.activated = [clicked = std::move(clicked)](const std::string& followUpID, const std::string& action) {
+      if (action == agent_protocol::clickAction) {
+        clicked(followUpID);
+      }
+    };
+    NotificationCenter::setCurrent(AgentNotificationCenter::make(std::move(options)));
   }
   ~NotificationCenterOfService() { NotificationCenter::setCurrent(nullptr); }
   NotificationCenterOfService(const NotificationCenterOfService&) = delete;
   NotificationCenterOfService& operator=(const NotificationCenterOfService&) = delete;
 };
 
+/// Qt looks for it in the environment alone, when a window asks to be activated, and takes it out of there afterwards.
+/// Nothing else of ours changes the environment while it runs; where Qt does not look, this does not, either.
+void takeLeaveToComeToTheFront(const std::string& activationToken) {
+  if (!activationToken.empty() && QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) {
+    qputenv(activationVariable, QByteArray::fromStdString(activationToken));
+  }
+}
+
+/// While the window is in front, it answers for its reminders.
+void standInFront(const QQuickWindow& window, const std::shared_ptr<NotificationCenterDelegate>& delegate) {
+  NotificationCenter::current()->setDelegate(window.isActive() ? delegate : nullptr);
+}
+
 /// Shows the window once it is known how it is to look and that it is the only one, and then opens the store.
 class Opening {
  public:
-  Opening(QQuickWindow& window, WindowModel& model, std::string person)
-      : window_(window), model_(model), person_(std::move(person)) {}
+  Opening(QQuickWindow& window, WindowModel& model, SingleInstance::Wish wish)
+      : window_(window), model_(model), wish_(std::move(wish)) {}
 
   void appearanceSettled() {
     isSettled_ = true;
@@ -139,12 +177,13 @@ class Opening {
     isFirst_ = true;
     goOn();
   }
-  void show(const std::string& person) {
+  void show(const SingleInstance::Wish& wish) {
+    takeLeaveToComeToTheFront(wish.activationToken);
     window_.show();
     window_.raise();
     window_.requestActivate();
-    if (!person.empty()) {
-      model_.chooseCalled(QString::fromStdString(person));
+    if (!wish.person.empty()) {
+      model_.chooseCalled(QString::fromStdString(wish.person));
     }
   }
 
@@ -153,13 +192,16 @@ class Opening {
     if (isSettled_ && isFirst_) {
       keepMemoryOutOfCrashDumps();
       window_.show();
-      model_.start(QString::fromStdString(person_));
+      if (!wish_.activationToken.empty()) {
+        window_.requestActivate();
+      }
+      model_.start(QString::fromStdString(wish_.person));
     }
   }
 
   QQuickWindow& window_;
   WindowModel& model_;
-  std::string person_;
+  SingleInstance::Wish wish_;
   bool isSettled_ = false;
   bool isFirst_ = false;
 };
@@ -170,7 +212,10 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   const auto bus = userBus(loop);
   const SystemClock clock;
   const auto settings = settingsOf(invocation);
-  const NotificationCenterOfService center(settings);
+  std::function<void(const std::string&)> reminderClicked;
+  const NotificationCenterOfService center(settings, [&](const std::string& followUpID) {
+    loop.post([&reminderClicked, followUpID] { reminderClicked(followUpID); });
+  });
   WindowReminders reminders(settings, [settings] { return usableService(settings); });
   StoreThread store(settings);
   DesktopAppearance appearance(bus.get()); // NOLINT(misc-const-correctness): QML takes no pointer to a constant.
@@ -202,15 +247,24 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   }
 
   rememberPlaceOf(*window);
-  Opening opening(*window, model, invocation.person);
+  Opening opening(*window, model, invocation.wish());
+  reminderClicked = [&](const std::string& followUpID) {
+    opening.show({});
+    followUps.showPersonOf(followUpID);
+  };
+  const auto inFront = std::make_shared<ReminderInFront>(loop, settings, followUps);
+  QObject::connect(window, &QQuickWindow::activeChanged, &application, [&] { standInFront(*window, inFront); });
+  const EndingSignals ending;
+  QObject::connect(&ending, &EndingSignals::asked, &application, [] { QGuiApplication::exit(0); });
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &model, [&model] { model.saveAtEnd(); });
   QObject::connect(&appearance, &DesktopAppearance::settled, &application, [&opening] { opening.appearanceSettled(); });
   std::optional<SingleInstance> instance;
   if (bus == nullptr) {
     opening.claimed(SingleInstance::Claim::first);
   } else {
     instance.emplace(*bus, store.settings().store);
-    instance->onShow([&opening](const std::string& person) { opening.show(person); });
-    instance->claim(invocation.person, [&opening](auto claim) { opening.claimed(claim); });
+    instance->onShow([&opening](const SingleInstance::Wish& wish) { opening.show(wish); });
+    instance->claim(invocation.wish(), [&opening](auto claim) { opening.claimed(claim); });
   }
   const int code = QGuiApplication::exec();
   model.saveAtEnd();
@@ -230,6 +284,8 @@ int main(int argc, char** argv) try {
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Orvan"));
   QGuiApplication::setDesktopFileName(QStringLiteral("org.orvan.Orvan"));
   orvan::chooseHowToDraw();
+  // Before Qt may take it.
+  invocation.activationToken = qgetenv(orvan::activationVariable).toStdString();
   // Takes Qt's own options off the command line.
   QGuiApplication application(argc, argv);
   if (const auto code = orvan::exitCodeOfReading(invocation, argc, argv)) {

@@ -25,31 +25,35 @@ std::string busNameFor(const std::filesystem::path& store) {
 SingleInstance::SingleInstance(BusConnection& bus, const std::filesystem::path& store)
     : bus_(bus), name_(busNameFor(store)) {
   BusInterface window(interfaceName);
-  window.method("Show", "s", "", [this](BusCall call) {
-    const auto person = call.arguments().text();
+  window.method("Show", "ss", "", [this](BusCall call) {
+    auto arguments = call.arguments();
+    Wish wish;
+    wish.person = arguments.text();
+    wish.activationToken = arguments.text();
     call.answer();
     if (onShow_) {
-      onShow_(person);
+      onShow_(wish);
     }
   });
   exported_ = bus_.exportInterface(windowPath, std::move(window));
 }
 
-void SingleInstance::claim(const std::string& person, std::function<void(Claim)> answer) {
-  bus_.requestName(name_, [this, person, answer = std::move(answer)](std::expected<NameRequest, BusFailure> request) {
+void SingleInstance::claim(const Wish& wish, std::function<void(Claim)> answer) {
+  bus_.requestName(name_, [this, wish, answer = std::move(answer)](std::expected<NameRequest, BusFailure> request) {
     // A bus that gives no names does not keep the user from their window.
     if (!request || *request == NameRequest::owned) {
       answer(Claim::first);
     } else {
-      handOver(person, answer);
+      handOver(wish, answer);
     }
   });
 }
 
-void SingleInstance::handOver(const std::string& person, const std::function<void(Claim)>& answer) {
+void SingleInstance::handOver(const Wish& wish, const std::function<void(Claim)>& answer) {
   using namespace std::chrono_literals;
   bus_.call(
-      {name_, windowPath, interfaceName}, "Show", [&person](BusWriter& writer) { writer.text(person); }, 5s,
+      {name_, windowPath, interfaceName}, "Show",
+      [&wish](BusWriter& writer) { writer.text(wish.person).text(wish.activationToken); }, 5s,
       [answer](const BusAnswer& shown) { answer(shown ? Claim::handedOver : Claim::notAnswered); });
 }
 

@@ -23,18 +23,26 @@ class SingleInstance {
 
   SingleInstance(BusConnection& bus, const std::filesystem::path& store);
 
-  /// Calls `answer` once. `person` is whom a window that is there already is to show; it may be empty.
-  void claim(const std::string& person, std::function<void(Claim)> answer);
+  /// What a window is to show when somebody starts another.
+  struct Wish {
+    /// Whom, as on the command line; may be empty.
+    std::string person;
+    /// The desktop's leave to come to the front; may be empty.
+    std::string activationToken;
+  };
 
-  /// What to do when somebody starts another window, with the person whom that was to show or "".
-  void onShow(std::function<void(const std::string& person)> handler) { onShow_ = std::move(handler); }
+  /// Calls `answer` once. `wish` is for a window that is there already.
+  void claim(const Wish& wish, std::function<void(Claim)> answer);
+
+  /// What to do when somebody starts another window.
+  void onShow(std::function<void(const Wish& wish)> handler) { onShow_ = std::move(handler); }
 
  private:
-  void handOver(const std::string& person, const std::function<void(Claim)>& answer);
+  void handOver(const Wish& wish, const std::function<void(Claim)>& answer);
 
   BusConnection& bus_;
   std::string name_;
-  std::function<void(const std::string&)> onShow_;
+  std::function<void(const Wish&)> onShow_;
   BusSubscription exported_;
 };
 

@@ -7,8 +7,10 @@
 #include "OrvanPlatform/error.h"
 #include "application/corrections/taking_back.h"
 #include "application/desktop/correction_in_words.h"
+#include "application/desktop/person_link.h"
 #include "application/desktop/snooze_choices.h"
 #include "application/desktop/wording.h"
+#include "application/session/person_lookup.h"
 #include "application/session/snooze_end.h"
 
 namespace orvan {
@@ -253,12 +255,18 @@ void WindowModel::chooseCalled(const QString& person) {
 }
 
 Task<void> WindowModel::findCalled(QString person) {
+  const auto linked = personKeyIn(person.toStdString());
   try {
-    choose(QString::fromStdString(
-        co_await store_.ask([text = person.toStdString()](Session& session) { return session.personKeyOf(text); })));
-  } catch (const Error&) {
-    // A store that does not open is told of with the list; whoever is not found is looked for by the user.
-    searchFor(person);
+    choose(QString::fromStdString(co_await store_.ask(
+        [text = linked.value_or(person.toStdString())](Session& session) { return session.personKeyOf(text); })));
+    Q_EMIT personCalled();
+  } catch (const PersonNotFound&) {
+    if (linked) {
+      tell(tr("Whom the link means is not in this store."));
+    } else {
+      Q_EMIT nobodyCalled(person);
+    }
+  } catch (const Error&) { // NOLINT(bugprone-empty-catch): a store that does not open is told of with the list.
   }
 }
 

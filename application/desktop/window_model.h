@@ -103,7 +103,7 @@ class WindowModel : public QObject {
   void setIsWrittenTo(StoreUse use);
   /// Shows a person at the right, on the list or not.
   Q_INVOKABLE void choose(const QString& personKey);
-  /// The same for whom the user names.
+  /// The same for whom the user names, by key, name or address, or with a link; then personCalled() follows.
   void chooseCalled(const QString& person);
   Q_INVOKABLE void searchFor(const QString& text);
 
@@ -157,6 +157,10 @@ class WindowModel : public QObject {
   void noticeChanged();
   void secondsToUndoChanged();
   void readyToClose();
+  /// Somebody is shown because they were asked for from without.
+  void personCalled();
+  /// Nobody goes by that name, or several do.
+  void nobodyCalled(const QString& text);
 
  private:
   /// A decision that was given to the store's thread.

@@ -130,16 +130,17 @@ TEST(Desktop, ShowsOneWindowForAStore) {
   SingleInstance second(*secondBus, "/home/robin/store.db");
   SingleInstance other(*thirdBus, "/home/robin/other.db");
   std::vector<SingleInstance::Claim> claims;
-  std::string shown;
-  first.onShow([&shown](const std::string& person) { shown = person; });
+  SingleInstance::Wish shown;
+  first.onShow([&shown](const SingleInstance::Wish& wish) { shown = wish; });
   const auto claim = [&claims](SingleInstance& instance) {
-    instance.claim("ada@hill.example", [&claims](auto answer) { claims.push_back(answer); });
+    instance.claim({"ada@hill.example", "leave"}, [&claims](auto answer) { claims.push_back(answer); });
     const auto count = claims.size() + 1;
     waitUntil([&] { return claims.size() == count; });
   };
   claim(first);
   claim(second);
-  EXPECT_EQ(shown, "ada@hill.example");
+  EXPECT_EQ(shown.person, "ada@hill.example");
+  EXPECT_EQ(shown.activationToken, "leave");
   claim(other);
   EXPECT_EQ(claims, (std::vector{SingleInstance::Claim::first, SingleInstance::Claim::handedOver,
                                  SingleInstance::Claim::first}));
