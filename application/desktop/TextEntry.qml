@@ -26,7 +26,6 @@ Templates.TextField {
     selectionColor: look.accent
     selectedTextColor: look.isDark ? "#101014" : "#ffffff"
     selectByMouse: true
-    // Paths and addresses read from the left everywhere; what is written there is no prose.
     horizontalAlignment: TextInput.AlignLeft
     font.pixelSize: look.pixelSize(12)
     activeFocusOnTab: true

@@ -17,12 +17,12 @@ void SettingsPart::forgetAnswer() {
 }
 
 void SettingsPart::begin(Task<void> task) {
+  forgetAnswer();
+  count(1);
   startOn(tools_.loop, attend(std::move(task)));
 }
 
 Task<void> SettingsPart::attend(Task<void> task) {
-  count(1);
-  forgetAnswer();
   try {
     co_await std::move(task);
   } catch (...) {

@@ -63,7 +63,7 @@ class SettingsPart : public QObject {
   /// Looks how it stands, and shows that.
   virtual Task<void> refresh() = 0;
 
-  /// Runs what the user asked for, one after the other. What it throws becomes the answer.
+  /// Runs what the user asked for; what it throws becomes the answer. The answer before is forgotten at once.
   void begin(Task<void> task);
   void setGlance(const QString& glance);
   void say(const QString& sentence);

@@ -139,7 +139,7 @@ void SourcesModel::show() {
   if (sources.isEmpty()) {
     setGlance(tr("No sources yet"));
   } else if (unreadable > 0) {
-    setGlance(tr("%1 of %2 cannot be read").arg(unreadable).arg(sources.size()));
+    setGlance(tr("%1 of %2 sources cannot be read").arg(unreadable).arg(sources.size()));
   } else {
     setGlance(sources.size() == 1 ? tr("1 source") : tr("%1 sources").arg(sources.size()));
   }
