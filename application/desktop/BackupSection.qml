@@ -106,6 +106,7 @@ SettingsSection {
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             isFramed: true
+            enabled: section.backup.progress < 1
             text: qsTr("Stop")
             Accessible.name: qsTr("Stop the backup")
             onClicked: section.backup.stop()

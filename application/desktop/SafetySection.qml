@@ -84,7 +84,7 @@ SettingsSection {
             width: parent.width
             label: qsTr("File for the present key")
             hint: qsTr("Keep the present key in… (may stay empty)")
-            isRefused: section.safety.isRefusal
+            isRefused: section.safety.isRefusal && text.length > 0
         }
 
         Flow {

@@ -14,13 +14,14 @@ Flickable {
         contentY = Math.max(0, Math.min(Math.max(0, contentHeight - height), contentY + distance))
     }
 
-    // What has the keyboard is in sight.
+    // What has the keyboard is in sight, and so is what it says beneath.
     function reveal(item: Item) {
         const top = item.mapToItem(content, 0, 0).y + content.y
+        const below = look.pixelSize(72)
         if (top - 24 < contentY)
             scroll(top - 24 - contentY)
-        else if (top + item.height + 24 > contentY + height)
-            scroll(top + item.height + 24 - contentY - height)
+        else if (top + item.height + below > contentY + height)
+            scroll(top + item.height + below - contentY - height)
     }
 
     function holds(item: Item): bool {
