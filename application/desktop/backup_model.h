@@ -12,7 +12,7 @@ namespace orvan {
 
 /// Copies of the store for the day when it is lost. Belongs to Qt's thread; the copying has a thread of its own, for
 /// which the destructor waits as long as the step under way lasts.
-class BackupModel : public SettingsPart {
+class BackupModel : public orvan::SettingsPart {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("The settings have it.")

@@ -9,7 +9,7 @@
 namespace orvan {
 
 /// The people, conversations and sources that the user keeps from being shown. Belongs to Qt's thread.
-class HiddenThingsModel : public SettingsPart {
+class HiddenThingsModel : public orvan::SettingsPart {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("The settings have it.")

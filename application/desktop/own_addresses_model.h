@@ -8,7 +8,7 @@
 namespace orvan {
 
 /// The mail addresses that are the user's own. Belongs to Qt's thread.
-class OwnAddressesModel : public SettingsPart {
+class OwnAddressesModel : public orvan::SettingsPart {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("The settings have it.")

@@ -10,7 +10,7 @@ struct ReminderServiceReading;
 
 /// How reminders are: whether they are allowed, what they say, and the service that shows them. It is asked over the
 /// bus, on a thread for what may take long. Belongs to Qt's thread.
-class ReminderServiceModel : public SettingsPart {
+class ReminderServiceModel : public orvan::SettingsPart {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("The settings have it.")

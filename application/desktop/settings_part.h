@@ -28,7 +28,7 @@ struct SettingsTools {
 };
 
 /// One part of the settings: how it stands in a few words, whether it is at work, and what that came to. Belongs to
-/// Qt's thread.
+/// Qt's thread. What derives from it names it with its namespace, by which QML's tools know it.
 class SettingsPart : public QObject {
   Q_OBJECT
   QML_ELEMENT

@@ -9,7 +9,7 @@
 namespace orvan {
 
 /// The mailboxes, calendars and address books that are kept up to date. Belongs to Qt's thread.
-class SourcesModel : public SettingsPart {
+class SourcesModel : public orvan::SettingsPart {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("The settings have it.")

@@ -37,15 +37,13 @@ void requireUsable(const SessionSettings& settings) {
   ApplicationStore::requireUsableFile(settings.store);
 }
 
-void moveKeyOf(Session& session, KeyPlace place) {
-  const auto& settings = session.settings();
+Task<void> moveKeyOf(SessionSettings settings, KeyPlace place) {
   requireUsable(settings);
-  // A key that does not open the store would be moved for nothing.
-  session.readableStore();
   const StoreKey key(settings.keyFile);
   if (key.place() != place) {
     moveStoreKey(settings.store, key, place);
   }
+  co_return;
 }
 
 /// What came of changing the key.
@@ -110,7 +108,9 @@ void StoreSafetyModel::moveKeyToFile() {
 }
 
 Task<void> StoreSafetyModel::moveKey(KeyPlace place) {
-  co_await tools().store.ask([place](Session& session) { moveKeyOf(session, place); });
+  // A key that does not open the store would be moved for nothing.
+  co_await tools().store.ask([](Session& session) { session.openForReading(); });
+  co_await runOn(moving_.get(), moveKeyOf(tools().store.settings(), place));
   co_await refresh();
   say(place == KeyPlace::keyring
           ? tr("The key is in the desktop's keyring now. Keep a copy of it elsewhere: a backup can write one.")

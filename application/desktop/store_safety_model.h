@@ -3,13 +3,15 @@
 #include <filesystem>
 #include <optional>
 
+#include "OrvanPlatform/work_executor.h"
 #include "application/desktop/settings_part.h"
 #include "application/store/store_key.h"
 
 namespace orvan {
 
-/// Where what Orvan knows lies, how it is encrypted, and where its key is. Belongs to Qt's thread.
-class StoreSafetyModel : public SettingsPart {
+/// Where what Orvan knows lies, how it is encrypted, and where its key is. Belongs to Qt's thread. The destructor waits
+/// for a keyring that is asking the user for its password.
+class StoreSafetyModel : public orvan::SettingsPart {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("The settings have it.")
@@ -49,6 +51,8 @@ class StoreSafetyModel : public SettingsPart {
   QString encryption_;
   QString size_;
   std::optional<KeyPlace> place_;
+  /// A keyring may ask the user, who takes their time; nothing else waits for that.
+  WorkExecutor moving_;
 };
 
 } // namespace orvan
