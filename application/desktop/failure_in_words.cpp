@@ -6,6 +6,7 @@
 #include "OrvanPlatform/error.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
+#include "application/session/session_error.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_failure.h"
 
@@ -110,6 +111,11 @@ FailureInWords inWords(const Error& error) {
   }
   if (isOf<CredentialVaultError>(code)) {
     return inWords(static_cast<CredentialVaultError>(code.value()));
+  }
+  if (code == SessionError::cannotMakeFolder) {
+    return {Failure::tr("The folder for the store could not be made"),
+            Failure::tr("The folder around it has to be yours, and on a disk that can be written to."),
+            {}};
   }
   return inWords(ApplicationStoreError::cannotReachStore);
 }

@@ -170,6 +170,7 @@ Task<void> FirstStartModel::lookAround() {
   hasStore_ = isThere(store_.settings().store);
   hasKey_ = isThere(store_.settings().keyFile);
   Q_EMIT placeChanged();
+  known_.clear();
   sources_.clear();
   offered_.clear();
   addresses_.clear();
@@ -222,6 +223,7 @@ Task<void> FirstStartModel::lookForKeyring() {
 }
 
 void FirstStartModel::show(const Known& known) {
+  known_ = known.sources;
   for (const auto& source : known.sources) {
     addSource({source.kind, source.path},
               {inWords(source.kind), displayText(source.path.string()), tr("remembered already"), true, true});
@@ -232,7 +234,7 @@ void FirstStartModel::show(const Known& known) {
 }
 
 void FirstStartModel::offer(const DiscoveredSource& source) {
-  if (isOffered(source.path)) {
+  if (isOffered(source.path) || isBroughtIn(source, known_)) {
     return;
   }
   const auto size = source.bytes == 0 ? tr("empty")
@@ -363,6 +365,25 @@ void FirstStartModel::begin() {
   }
 }
 
+QString FirstStartModel::whyItCouldNotBegin() const {
+  const bool isOfKeyring = isKeyForKeyring_ && !isThere(store_.settings().keyFile);
+  try {
+    throw;
+  } catch (const Error& error) {
+    if (isOfKeyring && error.code() == CredentialVaultError::vaultLocked) {
+      return tr(
+          "Your keyring is locked. Unlock it with the desktop's password program and start again, or keep the key "
+          "in a file.");
+    }
+    if (isOfKeyring && error.code().category() == make_error_code(CredentialVaultError{}).category()) {
+      return tr("The keyring did not take the key. Start again, or keep the key in a file.");
+    }
+  } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): told below.
+  }
+  const auto words = failureOfCurrentException();
+  return tr("%1. %2 %3", "what is wrong, what to do, and a command").arg(words.title, words.text, words.commands);
+}
+
 Task<void> FirstStartModel::makeAndRemember() {
   setStep(Beginning);
   failure_.clear();
@@ -375,8 +396,7 @@ Task<void> FirstStartModel::makeAndRemember() {
       window_.tell(tr("%1: %2").arg(displayText(trouble.name), displayText(trouble.sentence)));
     }
   } catch (...) {
-    const auto words = failureOfCurrentException();
-    failure_ = tr("%1. %2").arg(words.title, words.text);
+    failure_ = whyItCouldNotBegin();
   }
   hasKey_ = isThere(store_.settings().keyFile);
   hasStore_ = isThere(store_.settings().store);
@@ -412,7 +432,9 @@ Task<void> FirstStartModel::seeWhatIsLeft() {
 
 void FirstStartModel::endReading() {
   window_.readAgain();
-  if (reading_.state() == ReadingModel::Quiet) {
+  if (reading_.end().countSources == 0 && !reading_.end().failure) {
+    Q_EMIT needed();
+  } else if (reading_.state() == ReadingModel::Quiet) {
     const auto count = static_cast<int>(reading_.end().countNew);
     window_.tell(count > 0 ? tr("Everything is read; %n new.", "mails, meetings and contacts", count)
                            : tr("Everything is read; nothing is new."));

@@ -133,6 +133,8 @@ class FirstStartModel : public QObject {
   bool isOffered(const std::filesystem::path& path) const;
   std::vector<std::filesystem::path> chosenMail() const;
   Wish wish() const;
+  /// For the exception that is being handled.
+  QString whyItCouldNotBegin() const;
   void endReading();
 
   QtLoop& loop_;
@@ -156,6 +158,7 @@ class FirstStartModel : public QObject {
   QString failure_;
 
   CheckListModel sources_;
+  std::vector<RememberedSource> known_;
   /// As the rows have them.
   std::vector<RecognizedSource> offered_;
   CheckListModel addresses_;

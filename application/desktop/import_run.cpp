@@ -70,6 +70,7 @@ ImportEnd ImportRun::read(const SessionSettings& settings, Instant now) {
   Refresh refresh(store, {addressesIn(store), now, &watch_},
                   std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now()));
   ImportEnd end;
+  end.countSources = sources.size();
   for (std::size_t i = 0; i < sources.size(); ++i) {
     if (watch_.isStopRequested()) {
       end.isStopped = true;

@@ -35,6 +35,8 @@ struct ImportStep {
 struct ImportEnd {
   /// It was asked to stop before everything was read. What was read is in the store.
   bool isStopped = false;
+  /// How many are remembered.
+  std::size_t countSources = 0;
   /// How many mails, meetings and cards were new.
   std::int64_t countNew = 0;
   /// What could not be read, by its whole path. Everything else is in the store.

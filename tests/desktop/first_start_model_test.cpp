@@ -100,7 +100,7 @@ TEST_F(FirstStart, SaysWhatIsWrongAndLosesNothingOfWhatWasChosen) {
 
   std::ofstream(folder_.path() / "data") << "a file where the folder should be";
   start_.begin();
-  EXPECT_TRUE(waitUntil([this] { return !start_.failure().isEmpty(); }));
+  EXPECT_TRUE(waitUntil([this] { return start_.failure().contains("folder"); }));
   EXPECT_EQ(start_.step(), FirstStartModel::ChoosingAddresses);
   EXPECT_EQ(start_.addresses()->countChosen(), 2);
 
