@@ -1,8 +1,6 @@
 #include "application/desktop/first_start_model.h"
 
-#include <QDir>
 #include <QLocale>
-#include <QUrl>
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -13,6 +11,7 @@
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanSpineCore/secret_service/secret_service_vault.h"
 #include "application/desktop/wording.h"
+#include "application/desktop/written_path.h"
 #include "application/import/address/normal_address.h"
 #include "application/import/ledger/own_addresses.h"
 #include "application/session/store_creation.h"
@@ -45,16 +44,6 @@ FirstStartModel::Keyring askForKeyring() {
 template <typename Work>
 Task<std::invoke_result_t<Work&>> performing(Work work) {
   co_return work();
-}
-
-std::filesystem::path pathWritten(const QString& written) {
-  auto text = written.trimmed();
-  if (text.startsWith(QStringLiteral("file:"))) {
-    text = QUrl(text).toLocalFile();
-  } else if (text == QStringLiteral("~") || text.startsWith(QStringLiteral("~/"))) {
-    text = QDir::homePath() + text.mid(1);
-  }
-  return text.toStdString();
 }
 
 } // namespace
@@ -132,11 +121,11 @@ Instant FirstStartModel::now() const {
 }
 
 QString FirstStartModel::storePlace() const {
-  return displayText(store_.settings().store.string());
+  return shownPath(store_.settings().store);
 }
 
 QString FirstStartModel::keyFilePlace() const {
-  return displayText(store_.settings().keyFile.string());
+  return shownPath(store_.settings().keyFile);
 }
 
 void FirstStartModel::setStep(Step step) {
@@ -199,7 +188,7 @@ Task<void> FirstStartModel::lookAround() {
           return std::pair{std::move(discovery), ownAddressesInSettings(mail, places)};
         }));
     for (const auto& trouble : found.first.troubles) {
-      addRemark(tr("%1: %2").arg(displayText(trouble.name), displayText(trouble.sentence)));
+      addRemark(tr("%1: %2").arg(shownPath(trouble.name), displayText(trouble.sentence)));
     }
     for (const auto& note : found.first.notes) {
       addRemark(displayText(note));
@@ -226,7 +215,7 @@ void FirstStartModel::show(const Known& known) {
   known_ = known.sources;
   for (const auto& source : known.sources) {
     addSource({source.kind, source.path},
-              {inWords(source.kind), displayText(source.path.string()), tr("remembered already"), true, true});
+              {inWords(source.kind), shownPath(source.path), tr("remembered already"), true, true});
   }
   for (const auto& own : known.addresses) {
     addresses_.append({displayText(own.address), {}, tr("known already"), true, true});
@@ -240,7 +229,7 @@ void FirstStartModel::offer(const DiscoveredSource& source) {
   const auto size = source.bytes == 0 ? tr("empty")
                                       : QLocale().formattedDataSize(static_cast<qint64>(source.bytes), 0,
                                                                     QLocale::DataSizeTraditionalFormat);
-  auto detail = displayText(source.path.string());
+  auto detail = shownPath(source.path);
   if (source.isInUse) {
     detail = tr("%1 — in use by its program, and can be read all the same").arg(detail);
   }
@@ -263,7 +252,7 @@ void FirstStartModel::addRemark(const QString& line) {
 }
 
 void FirstStartModel::addPath(const QString& written) {
-  auto path = pathWritten(written);
+  auto path = writtenPath(written);
   if (!path.empty()) {
     start(recognize(path.string()));
   }
@@ -275,14 +264,14 @@ Task<void> FirstStartModel::recognize(std::string path) {
     const auto found = co_await runOn(looker_.get(), performing([path] { return recognizeSources(path); }));
     for (const auto& source : found) {
       if (!isOffered(source.path)) {
-        addSource(source, {inWords(source.kind), displayText(source.path.string()), {}, true});
+        addSource(source, {inWords(source.kind), shownPath(source.path), {}, true});
       }
     }
   } catch (const Error& error) {
     const auto sentence = sentenceOnSourceToAdd(error.code());
-    pathFault_ = tr("%1: %2").arg(displayText(path), sentence ? displayText(*sentence) : tr("It cannot be read."));
+    pathFault_ = tr("%1: %2").arg(shownPath(path), sentence ? displayText(*sentence) : tr("It cannot be read."));
   } catch (const std::exception&) {
-    pathFault_ = tr("%1: %2").arg(displayText(path), tr("It cannot be read."));
+    pathFault_ = tr("%1: %2").arg(shownPath(path), tr("It cannot be read."));
   }
   Q_EMIT pathFaultChanged();
 }
@@ -393,7 +382,7 @@ Task<void> FirstStartModel::makeAndRemember() {
       return remember(wish.sources, wish.addresses, wish.now, session.writableStore());
     });
     for (const auto& trouble : refused) {
-      window_.tell(tr("%1: %2").arg(displayText(trouble.name), displayText(trouble.sentence)));
+      window_.tell(tr("%1: %2").arg(shownPath(trouble.name), displayText(trouble.sentence)));
     }
   } catch (...) {
     failure_ = whyItCouldNotBegin();

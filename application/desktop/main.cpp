@@ -228,6 +228,8 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   SettingsModel settingsModel(loop, store, clock, asOf);
   QObject::connect(&settingsModel, &SettingsModel::storeChanged, &model, &WindowModel::readAgain);
   CorrectionsModel corrections(loop, store, model);
+  QObject::connect(settingsModel.sources(), &SourcesModel::added, &firstStart, &FirstStartModel::readNew);
+  QObject::connect(firstStart.reading(), &ReadingModel::ended, settingsModel.sources(), &SourcesModel::look);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);

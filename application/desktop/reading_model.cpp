@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "application/desktop/wording.h"
+#include "application/desktop/written_path.h"
 
 namespace orvan {
 namespace {
@@ -96,7 +97,7 @@ QString ReadingModel::text() const {
       return tr("Stopped. What was read so far is kept.");
     case Troubled: {
       const auto& first = end_.troubles.front();
-      return tr("%1: %2").arg(displayText(first.name), displayText(first.sentence));
+      return tr("%1: %2").arg(shownPath(first.name), displayText(first.sentence));
     }
     case Failed:
       return tr("%1. %2").arg(end_.failure->title, end_.failure->text);

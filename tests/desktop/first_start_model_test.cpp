@@ -74,11 +74,16 @@ class FirstStart : public testing::Test {
 };
 
 TEST_F(FirstStart, LeadsFromNothingToAList) {
+  std::ofstream(home() / ".thunderbird/p/prefs.js")
+      << R"(user_pref("mail.identity.id1.useremail", "Robin@home.example");)";
   EXPECT_TRUE(waitUntil([this] { return window_.page() == WindowModel::NoStore; }));
   chooseAll();
   EXPECT_EQ(start_.sources()->countChosen(), 1);
-  EXPECT_EQ(start_.addresses()->rows().front().title, "robin@orvan.example");
-  EXPECT_TRUE(start_.addresses()->rows().front().isChosen);
+  QStringList addresses;
+  for (const auto& row : start_.addresses()->rows()) {
+    addresses.append(row.isChosen ? row.title : row.title + "?");
+  }
+  EXPECT_EQ(addresses.join(" "), "robin@home.example robin@orvan.example") << "and nobody who wrote";
   EXPECT_FALSE(std::filesystem::exists(settings().store)) << "nothing is made before the user asks for it";
 
   start_.begin();
