@@ -3,7 +3,6 @@
 #include <QLocale>
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <utility>
 
 #include "application/desktop/wording.h"
@@ -110,7 +109,7 @@ QString ReadingModel::text() const {
   if (!step) {
     return tr("Looking for what is new…");
   }
-  const auto name = displayText(std::filesystem::path{step->path}.filename().string());
+  const auto name = shownPath(step->path);
   switch (step->kind) {
     case SourceKind::mail:
       return tr("Reading the mail in %1").arg(name);
