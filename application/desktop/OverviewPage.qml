@@ -22,6 +22,11 @@ FocusScope {
     Component.onCompleted: overview.isShown = true
     Component.onDestruction: overview.isShown = false
 
+    Rectangle {
+        anchors.fill: parent
+        color: page.look.desktop.base
+    }
+
     Flickable {
         id: scroll
 
@@ -31,9 +36,12 @@ FocusScope {
         }
 
         anchors.fill: parent
+        focus: !field.visible
         contentHeight: content.implicitHeight + 56
         clip: true
         boundsBehavior: Flickable.StopAtBounds
+
+        Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
 
         Column {
             id: content
@@ -231,21 +239,23 @@ FocusScope {
 
                 Sample {
                     text: qsTr("too little contact to tell")
-                    color: "transparent"
-                    border.width: 1
-                    border.color: Qt.alpha(page.look.text, 0.42)
+                    color: Qt.alpha(page.look.text, 0.42)
+                    isRing: true
                 }
+            }
 
-                PlainText {
-                    id: summary
+            PlainText {
+                id: summary
 
-                    look: page.look
-                    points: 11
-                    color: page.look.secondaryText
-                    text: field.drawnCount < page.overview.peopleCount
-                        ? qsTr("The larger a dot, the more you exchange. %1 people are shown, and %2 more are not.").arg(field.drawnCount).arg(page.overview.peopleCount - field.drawnCount)
-                        : qsTr("The larger a dot, the more you exchange.")
-                }
+                look: page.look
+                width: parent.width
+                topPadding: 4
+                points: 11
+                visible: field.visible
+                color: page.look.secondaryText
+                text: field.drawnCount < page.overview.peopleCount
+                    ? qsTr("The larger a dot, the more you exchange. %1 people are shown, and %2 more are not.").arg(field.drawnCount).arg(page.overview.peopleCount - field.drawnCount)
+                    : qsTr("The larger a dot, the more you exchange.")
             }
 
             Grid {
@@ -279,8 +289,8 @@ FocusScope {
         id: sample
 
         property alias text: words.text
-        property alias color: mark.color
-        property alias border: mark.border
+        property color color
+        property bool isRing: false
 
         spacing: page.look.pixelSize(6)
 
@@ -291,6 +301,9 @@ FocusScope {
             width: page.look.pixelSize(9)
             height: width
             radius: width / 2
+            color: sample.isRing ? "transparent" : sample.color
+            border.width: sample.isRing ? 1 : 0
+            border.color: sample.color
         }
 
         PlainText {

@@ -193,7 +193,7 @@ void ContactField::paintScale(QPainter& painter) const {
   };
   const std::array marks{Mark{0, tr("today")},        Mark{730, tr("two years ago")}, Mark{30, tr("a month ago")},
                          Mark{365, tr("a year ago")}, Mark{7, tr("a week ago")},      Mark{90, tr("3 months ago")}};
-  const auto edge = 15 * unit_;
+  const auto edge = edgeOfField * unit_;
   const auto line = lineHeight();
   std::vector<QRectF> taken;
   for (const auto& mark : marks) {

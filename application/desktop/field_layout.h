@@ -14,6 +14,9 @@ namespace orvan {
 enum class FieldBand { waitingForUser, nobodyWaits, waitingForThem };
 inline constexpr std::size_t bandsOfField = 3;
 
+/// Today and two years ago lie so many units from the edges, so that the largest dot has room there.
+inline constexpr double edgeOfField = 12;
+
 /// Somebody to find a place for.
 struct FieldEntry {
   FieldBand band;
@@ -45,8 +48,8 @@ struct FieldLayout {
 double distanceFromToday(double daysSinceContact);
 
 /// Lays out people within `size`. `unit` is the length of a pixel of usual text, and `titleHeight` what each band keeps
-/// free at its top. The earlier of the entries get a name first. Takes time with the number of entries and of those
-/// near each other; meant for some hundreds.
+/// free at its top. Those with whom most is exchanged get a name first. Takes time with the square of the number of
+/// entries; meant for some hundreds.
 FieldLayout layOutField(const std::vector<FieldEntry>& entries, QSizeF size, double unit, double titleHeight);
 
 } // namespace orvan

@@ -14,6 +14,7 @@
 #include "OrvanTestSupport/manual_clock.h"
 #include "application/cli/command_line.h"
 #include "application/desktop/corrections_model.h"
+#include "application/desktop/overview_model.h"
 #include "tests/support/test_store.h"
 
 namespace orvan {
@@ -125,6 +126,15 @@ END
   EXPECT_TRUE(waitUntil([this] { return decisionsInStore() == 1; }));
   EXPECT_TRUE(waitUntil([this] { return model_.notice() == WindowModel::NoNotice; }));
   EXPECT_EQ(model_.list()->count(), 2);
+}
+
+TEST_F(Window, HasAnOverviewThatFollowsTheStoreWhileItIsShown) {
+  OverviewModel overview(loop_, store_, *clock_, std::nullopt);
+  QObject::connect(&model_, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
+  overview.setIsShown(true);
+  EXPECT_TRUE(waitUntil([&] { return overview.peopleCount() == 3 && overview.pictureCount() == 3; }));
+  run({"hide", "--yes", "bo@hill.example"});
+  EXPECT_TRUE(waitUntil([&] { return overview.peopleCount() == 2; }));
 }
 
 TEST_F(Window, ShowsWhatAnotherProgramDecided) {
