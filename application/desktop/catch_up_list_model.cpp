@@ -66,12 +66,14 @@ void CatchUpListModel::setRows(std::vector<CatchUpListRow> rows) {
 }
 
 void CatchUpListModel::removeRowsWithout(const std::vector<CatchUpListRow>& rows) {
-  QSet<QString> staying;
+  // A list does not give a row that stays another heading.
+  QSet<std::pair<QString, QString>> staying;
   for (const auto& row : rows) {
-    staying.insert(row.personKey);
+    staying.insert({row.personKey, row.group});
   }
   for (int at = count() - 1; at >= 0; --at) {
-    if (!staying.contains(rows_[static_cast<std::size_t>(at)].personKey)) {
+    const auto& row = rows_[static_cast<std::size_t>(at)];
+    if (!staying.contains({row.personKey, row.group})) {
       beginRemoveRows({}, at, at);
       rows_.erase(rows_.begin() + at);
       endRemoveRows();

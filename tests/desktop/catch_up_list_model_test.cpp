@@ -36,5 +36,16 @@ TEST(CatchUpListModel, ChangesOnlyTheRowsThatChanged) {
             (QList<int>{CatchUpListModel::itemKeyRole, CatchUpListModel::headlineRole}));
 }
 
+TEST(CatchUpListModel, MakesARowAnewThatComesUnderAnotherHeading) {
+  CatchUpListModel model;
+  model.setRows({row("Ada"), row("Bo")});
+  const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+  auto wanted = model.rows();
+  wanted[1].group = "Lately";
+  model.setRows(wanted);
+  EXPECT_EQ(model.rows(), wanted);
+  EXPECT_EQ(inserted.count(), 1);
+}
+
 } // namespace
 } // namespace orvan
