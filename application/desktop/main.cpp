@@ -5,9 +5,12 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -151,6 +154,36 @@ void takeLeaveToComeToTheFront(const std::string& activationToken) {
   }
 }
 
+/// A desktop that goes takes its programs along: Qt calls exit() from within its event loop then, and nothing that
+/// lives in run() comes to its end. While this lives, what the user decided is saved all the same.
+class SavingAtExit {
+ public:
+  SavingAtExit(WindowModel& model, StoreThread& store) : model_(model), store_(store) {
+    current = this;
+    std::atexit([] {
+      if (current != nullptr) {
+        current->save();
+      }
+    });
+  }
+  ~SavingAtExit() { current = nullptr; }
+  SavingAtExit(const SavingAtExit&) = delete;
+  SavingAtExit& operator=(const SavingAtExit&) = delete;
+
+ private:
+  void save() {
+    constexpr std::chrono::seconds longest{10};
+    model_.saveAtEnd();
+    const auto saved = std::make_shared<std::promise<void>>();
+    store_.post([saved](Session&) { saved->set_value(); });
+    saved->get_future().wait_for(longest);
+  }
+
+  static inline SavingAtExit* current = nullptr;
+  WindowModel& model_;
+  StoreThread& store_;
+};
+
 /// While the window is in front, it answers for its reminders.
 void standInFront(const QQuickWindow& window, const std::shared_ptr<NotificationCenterDelegate>& delegate) {
   NotificationCenter::current()->setDelegate(window.isActive() ? delegate : nullptr);
@@ -255,7 +288,10 @@ int run(const Invocation& invocation, QGuiApplication& application) {
     followUps.showPersonOf(followUpID);
   };
   const auto inFront = std::make_shared<ReminderInFront>(loop, settings, followUps);
-  QObject::connect(window, &QQuickWindow::activeChanged, &application, [&] { standInFront(*window, inFront); });
+  // A window that goes tells so, too, and then there is nobody to stand in front any more.
+  const QObject running;
+  QObject::connect(window, &QQuickWindow::activeChanged, &running, [&] { standInFront(*window, inFront); });
+  const SavingAtExit savingAtExit(model, store);
   const EndingSignals ending;
   QObject::connect(&ending, &EndingSignals::asked, &application, [] { QGuiApplication::exit(0); });
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &model, [&model] { model.saveAtEnd(); });
