@@ -133,7 +133,7 @@ TEST_F(Window, HasAnOverviewThatFollowsTheStoreWhileItIsShown) {
   QObject::connect(&model_, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
   overview.setIsShown(true);
   EXPECT_TRUE(waitUntil([&] { return overview.peopleCount() == 3 && overview.pictureCount() == 3; }));
-  run({"hide", "--yes", "bo@hill.example"});
+  run({"hide", "bo@hill.example"});
   EXPECT_TRUE(waitUntil([&] { return overview.peopleCount() == 2; }));
 }
 
