@@ -1,12 +1,14 @@
 import QtQuick
-import QtQuick.Templates as Templates
 import OrvanRelationshipAttention
 
-// Something that can be chosen or not, with what tells it from others beneath and behind it.
-Templates.AbstractButton {
+// Something that can be chosen or not, with what tells it from others beneath and behind it. No button: those stay
+// buttons to assistive technology, whatever they are told.
+Item {
     id: choice
 
     required property AttentionLook look
+    property string text: ""
+    property bool checked: false
     property string detail: ""
     property string note: ""
     // One of several that exclude each other.
@@ -21,34 +23,44 @@ Templates.AbstractButton {
             changed(!checked)
     }
 
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    padding: 8
-    focusPolicy: Qt.StrongFocus
-    hoverEnabled: true
+    implicitHeight: words.implicitHeight + 16
+    activeFocusOnTab: true
     opacity: enabled ? 1 : 0.5
 
     Accessible.role: isOneOf ? Accessible.RadioButton : Accessible.CheckBox
     Accessible.name: note.length > 0 ? qsTr("%1, %2").arg(text).arg(note) : text
     Accessible.description: detail
+    Accessible.focusable: true
+    Accessible.focused: activeFocus
     Accessible.checkable: true
     Accessible.checked: checked
     Accessible.readOnly: isFixed
     Accessible.onPressAction: change()
     Accessible.onToggleAction: change()
 
-    onClicked: change()
+    Keys.onSpacePressed: change()
     Keys.onReturnPressed: change()
     Keys.onEnterPressed: change()
 
-    background: Rectangle {
+    HoverHandler {
+        id: pointer
+    }
+
+    TapHandler {
+        onTapped: choice.change()
+    }
+
+    Rectangle {
+        anchors.fill: parent
         radius: 7
-        color: Qt.alpha(choice.look.accent, choice.hovered && !choice.isFixed ? 0.08 : 0)
-        border.width: choice.visualFocus ? 2 : 0
+        color: Qt.alpha(choice.look.accent, pointer.hovered && !choice.isFixed ? 0.08 : 0)
+        border.width: choice.activeFocus ? 2 : 0
         border.color: choice.look.accent
     }
 
-    contentItem: Item {
-        implicitHeight: words.implicitHeight
+    Item {
+        anchors.fill: parent
+        anchors.margins: 8
 
         Rectangle {
             id: box

@@ -23,6 +23,7 @@ PopupMenu {
         followUps.remindAt(day, time.text, about.text)
     }
 
+    title: qsTr("Remind me")
     onAboutToShow: {
         choices = followUps.choices()
         showsDays = false
