@@ -132,6 +132,26 @@
     </message>
 </context>
 <context>
+    <name>CatchUpRow</name>
+    <message>
+        <source>%1: %2</source>
+        <comment>an action, and whom it concerns</comment>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Snooze</source>
+        <translation>Zurückstellen</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <translation>Verwerfen</translation>
+    </message>
+    <message>
+        <source>Resolve</source>
+        <translation>Erledigen</translation>
+    </message>
+</context>
+<context>
     <name>CheckChoice</name>
     <message>
         <source>%1, %2</source>
@@ -625,6 +645,18 @@
         <source>Settings</source>
         <translation>Einstellungen</translation>
     </message>
+    <message>
+        <source>Open message</source>
+        <translation>Mail öffnen</translation>
+    </message>
+    <message>
+        <source>Menu  Shift F10</source>
+        <translation>Menü  Umschalt F10</translation>
+    </message>
+    <message>
+        <source>More about the person</source>
+        <translation>Mehr zur Person</translation>
+    </message>
 </context>
 <context>
     <name>Main</name>
@@ -709,6 +741,45 @@
     </message>
 </context>
 <context>
+    <name>MergeMenu</name>
+    <message>
+        <source>Make %1 and %2 one person?</source>
+        <translation>Sind %1 und %2 dieselbe Person?</translation>
+    </message>
+    <message>
+        <source>Who is the same as %1?</source>
+        <translation>Wer ist dieselbe Person wie %1?</translation>
+    </message>
+    <message>
+        <source>Search people</source>
+        <translation>Personen suchen</translation>
+    </message>
+    <message>
+        <source>People found</source>
+        <translation>Gefundene Personen</translation>
+    </message>
+    <message>
+        <source>Nobody you deal with has that in their name or address.</source>
+        <translation>Bei niemandem, mit dem du zu tun hast, steht das im Namen oder in der Adresse.</translation>
+    </message>
+    <message>
+        <source>%1 is called %2 from then on, and has all the mail, meetings and decisions of both.</source>
+        <translation>%1 heißt von da an %2 und hat alle Mails, Treffen und Entscheidungen von beiden.</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
+    <message>
+        <source>Make them one</source>
+        <translation>Zusammenführen</translation>
+    </message>
+    <message>
+        <source>Somebody else</source>
+        <translation>Jemand anders</translation>
+    </message>
+</context>
+<context>
     <name>NoticeBar</name>
     <message>
         <source>Undo (%1)</source>
@@ -773,6 +844,45 @@
     </message>
 </context>
 <context>
+    <name>PersonMenu</name>
+    <message>
+        <source>More about %1</source>
+        <translation>Mehr zu %1</translation>
+    </message>
+    <message>
+        <source>Open message</source>
+        <translation>Mail öffnen</translation>
+    </message>
+    <message>
+        <source>there is none</source>
+        <translation>es gibt keine</translation>
+    </message>
+    <message>
+        <source>This is wrong…</source>
+        <translation>Das stimmt nicht …</translation>
+    </message>
+    <message>
+        <source>Rename…</source>
+        <translation>Umbenennen …</translation>
+    </message>
+    <message>
+        <source>Merge with…</source>
+        <translation>Zusammenführen mit …</translation>
+    </message>
+    <message>
+        <source>Hide this conversation</source>
+        <translation>Dieses Gespräch ausblenden</translation>
+    </message>
+    <message>
+        <source>Show again</source>
+        <translation>Wieder zeigen</translation>
+    </message>
+    <message>
+        <source>Hide</source>
+        <translation>Ausblenden</translation>
+    </message>
+</context>
+<context>
     <name>PersonPage</name>
     <message>
         <source>Snooze</source>
@@ -824,6 +934,30 @@
     <message>
         <source>You wanted to get back to them</source>
         <translation>Du wolltest dich melden</translation>
+    </message>
+    <message>
+        <source>More about %1</source>
+        <translation>Mehr zu %1</translation>
+    </message>
+    <message>
+        <source>Show again</source>
+        <translation>Wieder zeigen</translation>
+    </message>
+    <message>
+        <source>Bring back now</source>
+        <translation>Jetzt zurückholen</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
+    <message>
+        <source>Open message</source>
+        <translation>Mail öffnen</translation>
+    </message>
+    <message>
+        <source>What you hide of it</source>
+        <translation>Was du davon ausblendest</translation>
     </message>
 </context>
 <context>
@@ -991,6 +1125,82 @@
         <source>The reminder service is of another version. Start it anew: “systemctl --user restart orvan-agent” in a terminal.</source>
         <translation>Der Erinnerungsdienst ist von einer anderen Version. Starte ihn neu: „systemctl --user restart orvan-agent“ in einem Terminal.</translation>
     </message>
+    <message>
+        <source>They are one person already.</source>
+        <translation>Sie sind schon eine Person.</translation>
+    </message>
+    <message>
+        <source>You hide one of them and not the other. Show or hide both first, so that it is clear what is to hold for them.</source>
+        <translation>Du blendest nur eine der beiden aus. Zeige oder verstecke zuerst beide, damit klar ist, was für sie gelten soll.</translation>
+    </message>
+    <message>
+        <source>Nobody has that address any more.</source>
+        <translation>Diese Adresse hat niemand mehr.</translation>
+    </message>
+    <message>
+        <source>That is their only address.</source>
+        <translation>Das ist die einzige Adresse der Person.</translation>
+    </message>
+    <message>
+        <source>A name needs a letter.</source>
+        <translation>Ein Name braucht einen Buchstaben.</translation>
+    </message>
+    <message>
+        <source>This was changed since, so it stays as it is now.</source>
+        <translation>Das wurde seither geändert und bleibt darum, wie es ist.</translation>
+    </message>
+    <message>
+        <source>This was taken back already.</source>
+        <translation>Das wurde schon zurückgenommen.</translation>
+    </message>
+    <message>
+        <source>This was done too long ago to be taken back.</source>
+        <translation>Das ist zu lange her, um es zurückzunehmen.</translation>
+    </message>
+    <message>
+        <source>What was dismissed or resolved stays so. A new reason brings the person back by itself.</source>
+        <translation>Was verworfen oder erledigt ist, bleibt es. Ein neuer Grund bringt die Person von selbst zurück.</translation>
+    </message>
+    <message>
+        <source>What the store tells of this cannot be read, so it cannot be taken back.</source>
+        <translation>Was der Datenbestand dazu enthält, ist nicht lesbar und lässt sich darum nicht zurücknehmen.</translation>
+    </message>
+    <message>
+        <source>This person is gone meanwhile.</source>
+        <translation>Diese Person gibt es inzwischen nicht mehr.</translation>
+    </message>
+    <message>
+        <source>Only a question and a conversation that waits can be wrong. Dismiss takes any other reason off the list.</source>
+        <translation>Nur eine Frage und ein wartendes Gespräch können falsch sein. Jeden anderen Grund nimmt Verwerfen von der Liste.</translation>
+    </message>
+    <message>
+        <source>This is part of no conversation.</source>
+        <translation>Das gehört zu keinem Gespräch.</translation>
+    </message>
+    <message>
+        <source>This is shown already.</source>
+        <translation>Das ist schon zu sehen.</translation>
+    </message>
+    <message>
+        <source>The reason has changed meanwhile, so nothing was done.</source>
+        <translation>Der Grund hat sich inzwischen geändert, darum geschah nichts.</translation>
+    </message>
+    <message>
+        <source>Nothing was changed. %1</source>
+        <translation>Es wurde nichts geändert. %1</translation>
+    </message>
+    <message>
+        <source>There is no way to reach your mail program: the desktop&apos;s xdg-open is not installed.</source>
+        <translation>Dein Mailprogramm ist nicht zu erreichen: xdg-open ist nicht installiert.</translation>
+    </message>
+    <message>
+        <source>No mail program of yours opens single messages. Make one the program for “mid:” addresses in the desktop&apos;s settings.</source>
+        <translation>Keines deiner Mailprogramme öffnet einzelne Mails. Lege in den Einstellungen der Arbeitsumgebung eines für „mid:“-Adressen fest.</translation>
+    </message>
+    <message>
+        <source>Your mail program did not open the message.</source>
+        <translation>Dein Mailprogramm hat die Mail nicht geöffnet.</translation>
+    </message>
 </context>
 <context>
     <name>RemindMenu</name>
@@ -1071,6 +1281,33 @@
     <message>
         <source>Look again</source>
         <translation>Noch einmal nachsehen</translation>
+    </message>
+</context>
+<context>
+    <name>RenameMenu</name>
+    <message>
+        <source>What do you call them?</source>
+        <translation>Wie nennst du diese Person?</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>As mail says</source>
+        <translation>Wie in den Mails</translation>
+    </message>
+    <message>
+        <source>No mail changes this name. Leave it empty for the one that mail gives.</source>
+        <translation>Keine Mail ändert diesen Namen. Bleibt das Feld leer, gilt der aus den Mails.</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
     </message>
 </context>
 <context>
@@ -1388,22 +1625,6 @@
         <translation>Fällig: %1</translation>
     </message>
     <message>
-        <source>You wrote</source>
-        <translation>Du hast geschrieben</translation>
-    </message>
-    <message>
-        <source>You met</source>
-        <translation>Ihr habt euch getroffen</translation>
-    </message>
-    <message>
-        <source>%1 wrote</source>
-        <translation>%1 hat geschrieben</translation>
-    </message>
-    <message>
-        <source>Somebody wrote</source>
-        <translation>Jemand hat geschrieben</translation>
-    </message>
-    <message>
         <source>Nothing is waiting between you.</source>
         <translation>Zwischen euch ist nichts offen.</translation>
     </message>
@@ -1422,14 +1643,6 @@
     <message>
         <source>Snoozed.</source>
         <translation>Zurückgestellt.</translation>
-    </message>
-    <message>
-        <source>You dismissed this reason.</source>
-        <translation>Du hast diesen Grund verworfen.</translation>
-    </message>
-    <message>
-        <source>You resolved this.</source>
-        <translation>Du hast das erledigt.</translation>
     </message>
     <message>
         <source>Not looked at: the list looks at the people you deal with most.</source>
@@ -1555,6 +1768,119 @@
         <source>Follow-up cancelled: %1</source>
         <translation>Abgesagt: %1</translation>
     </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
+    <message>
+        <source>You</source>
+        <comment>who wrote</comment>
+        <translation>Du</translation>
+    </message>
+    <message>
+        <source>Meeting</source>
+        <translation>Treffen</translation>
+    </message>
+    <message>
+        <source>Somebody</source>
+        <translation>Jemand</translation>
+    </message>
+    <message>
+        <source>wrote</source>
+        <comment>in a table: who, what</comment>
+        <translation>schrieb</translation>
+    </message>
+    <message>
+        <source>A mail that waits for nothing</source>
+        <translation>Eine Mail, die auf nichts wartet</translation>
+    </message>
+    <message>
+        <source>%1, a mail that waits for nothing</source>
+        <translation>%1, eine Mail, die auf nichts wartet</translation>
+    </message>
+    <message>
+        <source>A conversation</source>
+        <translation>Ein Gespräch</translation>
+    </message>
+    <message>
+        <source>%1, a conversation</source>
+        <translation>%1, ein Gespräch</translation>
+    </message>
+    <message>
+        <source>May be the same: goes by the same full name.</source>
+        <translation>Vielleicht dieselbe Person: Der volle Name ist gleich.</translation>
+    </message>
+    <message>
+        <source>May be the same: goes by the same full name, which a contact card of yours has, too.</source>
+        <translation>Vielleicht dieselbe Person: Der volle Name ist gleich und steht auch auf einer deiner Kontaktkarten.</translation>
+    </message>
+    <message>
+        <source>You dismissed this reason. A new one brings them back by itself.</source>
+        <translation>Du hast diesen Grund verworfen. Ein neuer bringt die Person von selbst zurück.</translation>
+    </message>
+    <message>
+        <source>You resolved this. A new reason brings them back by itself.</source>
+        <translation>Du hast das erledigt. Ein neuer Grund bringt die Person von selbst zurück.</translation>
+    </message>
+</context>
+<context>
+    <name>WrongMenu</name>
+    <message>
+        <source>What is wrong about %1?</source>
+        <translation>Was stimmt nicht bei %1?</translation>
+    </message>
+    <message>
+        <source>This is no question</source>
+        <translation>Das ist keine Frage</translation>
+    </message>
+    <message>
+        <source>It is never asked again, whatever mail is read. What else waits between you stays.</source>
+        <translation>Sie gilt nie wieder als Frage, welche Mails auch gelesen werden. Was sonst zwischen euch offen ist, bleibt.</translation>
+    </message>
+    <message>
+        <source>Nothing waits for my answer</source>
+        <translation>Nichts wartet auf meine Antwort</translation>
+    </message>
+    <message>
+        <source>The conversation leaves the list until another mail comes in it.</source>
+        <translation>Das Gespräch verschwindet von der Liste, bis darin eine neue Mail kommt.</translation>
+    </message>
+    <message>
+        <source>The reason itself stands in your mail or calendar. Dismiss takes it off the list for good.</source>
+        <translation>Der Grund selbst steht in deinen Mails oder im Kalender. Verwerfen nimmt ihn endgültig von der Liste.</translation>
+    </message>
+    <message>
+        <source>The name</source>
+        <translation>Der Name</translation>
+    </message>
+    <message>
+        <source>You give another, which no mail changes.</source>
+        <translation>Du gibst einen anderen an, den keine Mail ändert.</translation>
+    </message>
+    <message>
+        <source>They are the same as somebody else</source>
+        <translation>Das ist dieselbe Person wie jemand anders</translation>
+    </message>
+    <message>
+        <source>You choose who that is, and both become one person.</source>
+        <translation>Du wählst, wer das ist, und aus beiden wird eine Person.</translation>
+    </message>
+    <message>
+        <source>%1 is somebody else&apos;s</source>
+        <translation>%1 gehört jemand anderem</translation>
+    </message>
+    <message>
+        <source>The address becomes a person of its own, with its mail.</source>
+        <translation>Aus der Adresse wird eine eigene Person, mit ihren Mails.</translation>
+    </message>
+    <message>
+        <source>They should not be here at all</source>
+        <translation>Die Person gehört gar nicht hierher</translation>
+    </message>
+    <message>
+        <source>They are hidden: never on the list, and nothing reminds of them. The search still finds them.</source>
+        <translation>Sie wird ausgeblendet: Sie steht nie auf der Liste, und nichts erinnert an sie. Die Suche findet sie weiterhin.</translation>
+    </message>
 </context>
 <context>
     <name>orvan::BackupModel</name>
@@ -1624,6 +1950,61 @@
     <message>
         <source>3 months ago</source>
         <translation>vor 3 Monaten</translation>
+    </message>
+</context>
+<context>
+    <name>orvan::CorrectionsModel</name>
+    <message>
+        <source>Hidden: %1</source>
+        <translation>Ausgeblendet: %1</translation>
+    </message>
+    <message>
+        <source>Hidden already: %1</source>
+        <translation>Schon ausgeblendet: %1</translation>
+    </message>
+    <message>
+        <source>Shown again: %1</source>
+        <translation>Wieder zu sehen: %1</translation>
+    </message>
+    <message>
+        <source>Hidden: a conversation with %1</source>
+        <translation>Ausgeblendet: ein Gespräch mit %1</translation>
+    </message>
+    <message>
+        <source>Shown again: a conversation with %1</source>
+        <translation>Wieder zu sehen: ein Gespräch mit %1</translation>
+    </message>
+    <message>
+        <source>One person now: %1 and %2</source>
+        <translation>Jetzt eine Person: %1 und %2</translation>
+    </message>
+    <message>
+        <source>A person of its own now: %1</source>
+        <translation>Jetzt eine eigene Person: %1</translation>
+    </message>
+    <message>
+        <source>Called as mail says: no longer %1</source>
+        <translation>Heißt wie in den Mails: nicht mehr %1</translation>
+    </message>
+    <message>
+        <source>Called as mail says already: %1</source>
+        <translation>Heißt schon wie in den Mails: %1</translation>
+    </message>
+    <message>
+        <source>Renamed: %1</source>
+        <translation>Umbenannt: %1</translation>
+    </message>
+    <message>
+        <source>Noted that this was wrong: %1</source>
+        <translation>Als falsch vermerkt: %1</translation>
+    </message>
+    <message>
+        <source>Back on the list: %1</source>
+        <translation>Wieder auf der Liste: %1</translation>
+    </message>
+    <message>
+        <source>There is no message to open: Orvan knows by name only mail to you.</source>
+        <translation>Es gibt keine Mail zu öffnen: Orvan kann nur Mails an dich benennen.</translation>
     </message>
 </context>
 <context>
@@ -1844,13 +2225,6 @@
     </message>
 </context>
 <context>
-    <name>orvan::PersonModel</name>
-    <message>
-        <source>, </source>
-        <translation>, </translation>
-    </message>
-</context>
-<context>
     <name>orvan::ReadingModel</name>
     <message>
         <source>Some of your mail, calendars and contacts is not read yet.</source>
@@ -2061,10 +2435,6 @@
         <translation>Zwischen euch ist nichts offen.</translation>
     </message>
     <message>
-        <source>, </source>
-        <translation>, </translation>
-    </message>
-    <message>
         <source>The reason has changed meanwhile, so nothing was done: %1</source>
         <translation>Der Grund hat sich inzwischen geändert, darum geschah nichts: %1</translation>
     </message>
@@ -2075,6 +2445,10 @@
     <message>
         <source>The follow-up was over already, so nothing was done: %1</source>
         <translation>Die Vormerkung war schon erledigt, darum geschah nichts: %1</translation>
+    </message>
+    <message>
+        <source>You have just decided about this. Undo brings it back.</source>
+        <translation>Darüber hast du gerade entschieden. Rückgängig bringt es zurück.</translation>
     </message>
 </context>
 </TS>
