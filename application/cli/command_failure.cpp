@@ -4,6 +4,7 @@
 #include <new>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/error_case.h"
 #include "OrvanPlatform/printable_text.h"
 #include "OrvanRelationshipAttention/evidence/attention_evidence_compiler_error.h"
 #include "OrvanSpineCore/credential_vault.h"
@@ -19,11 +20,6 @@
 
 namespace orvan {
 namespace {
-
-template <typename Enumeration>
-bool isOf(const std::error_code& code) {
-  return code.category() == make_error_code(Enumeration{}).category();
-}
 
 std::string sentenceOf(CredentialVaultError error) {
   switch (error) {
@@ -183,26 +179,26 @@ CommandFailure commandFailureOf(const ChangedSince& error) {
 
 CommandFailure commandFailureOf(const Error& error) {
   const auto& code = error.code();
-  if (isOf<ApplicationStoreError>(code)) {
+  if (belongsTo<ApplicationStoreError>(code)) {
     return commandFailureOf(static_cast<ApplicationStoreError>(code.value()));
   }
-  if (isOf<BackupError>(code)) {
+  if (belongsTo<BackupError>(code)) {
     return commandFailureOf(static_cast<BackupError>(code.value()));
   }
-  if (isOf<CredentialVaultError>(code)) {
+  if (belongsTo<CredentialVaultError>(code)) {
     const auto vaultError = static_cast<CredentialVaultError>(code.value());
     return {codeOf(vaultError), sentenceOf(vaultError)};
   }
   if (code == AttentionEvidenceCompilerError::plaintextDatabaseRejected) {
     return commandFailureOf(ApplicationStoreError::plaintextStore);
   }
-  if (isOf<ActionJournalError>(code)) {
+  if (belongsTo<ActionJournalError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<ActionJournalError>(code.value()))};
   }
-  if (isOf<PersonCorrectionError>(code)) {
+  if (belongsTo<PersonCorrectionError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<PersonCorrectionError>(code.value()))};
   }
-  if (isOf<SessionError>(code)) {
+  if (belongsTo<SessionError>(code)) {
     return {ExitCode::failed, sentenceOf(static_cast<SessionError>(code.value()))};
   }
   // The library's own connections open after the application's has told a wrong key from everything else.

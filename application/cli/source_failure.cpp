@@ -1,19 +1,12 @@
 #include "application/cli/source_failure.h"
 
+#include "OrvanPlatform/error_case.h"
 #include "application/import/calendar/calendar_source.h"
 #include "application/import/cards/card_source.h"
 #include "application/import/mail/mail_source_error.h"
 #include "application/import/recognition/source_recognition.h"
 
 namespace orvan {
-namespace {
-
-template <typename Enumeration>
-bool isOf(const std::error_code& code) {
-  return code.category() == make_error_code(Enumeration{}).category();
-}
-
-} // namespace
 
 std::optional<std::string> sourceFailureSentence(const std::error_code& code) {
   // Where another option is the answer, it is named.
@@ -32,8 +25,8 @@ std::optional<std::string> sourceFailureSentence(const std::error_code& code) {
   if (code == MailSourceError::isAFile) {
     return "This is a file; give it with --mbox if it is a mailbox, or name the folder that holds \"cur\" and \"new\".";
   }
-  if (isOf<WrongSource>(code) || isOf<MailSourceError>(code) || isOf<CalendarSourceError>(code) ||
-      isOf<CardSourceError>(code)) {
+  if (belongsTo<WrongSource>(code) || belongsTo<MailSourceError>(code) || belongsTo<CalendarSourceError>(code) ||
+      belongsTo<CardSourceError>(code)) {
     return code.message();
   }
   return std::nullopt;

@@ -1,5 +1,6 @@
 #include "application/sources/source_fault.h"
 
+#include "OrvanPlatform/error_case.h"
 #include "application/import/calendar/calendar_source.h"
 #include "application/import/cards/card_source.h"
 #include "application/import/mail/mail_source_error.h"
@@ -41,11 +42,6 @@ class SourceFaultCategory final : public std::error_category {
   }
 };
 
-template <typename Enumeration>
-bool isOf(const std::error_code& code) {
-  return code.category() == make_error_code(Enumeration{}).category();
-}
-
 SourceFault faultOfMail(MailSourceError error) noexcept {
   switch (error) {
     case MailSourceError::notFound:
@@ -70,13 +66,14 @@ std::error_code make_error_code(SourceFault fault) noexcept {
 }
 
 std::optional<std::string> sentenceOnSource(const std::error_code& code) {
-  if (isOf<SourceFault>(code)) {
+  if (belongsTo<SourceFault>(code)) {
     return code.message();
   }
-  if (isOf<MailSourceError>(code)) {
+  if (belongsTo<MailSourceError>(code)) {
     return make_error_code(faultOfMail(static_cast<MailSourceError>(code.value()))).message();
   }
-  if (isOf<WrongSource>(code) || code == CalendarSourceError::notACalendar || code == CardSourceError::holdsNoCard) {
+  if (belongsTo<WrongSource>(code) || code == CalendarSourceError::notACalendar ||
+      code == CardSourceError::holdsNoCard) {
     return make_error_code(SourceFault::becameSomethingElse).message();
   }
   if (code == CalendarSourceError::cannotRead || code == CardSourceError::cannotRead) {

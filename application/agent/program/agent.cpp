@@ -16,6 +16,7 @@
 #include "OrvanPlatform/bus/bus_connection.h"
 #include "OrvanPlatform/clock.h"
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/error_case.h"
 #include "OrvanPlatform/work_executor.h"
 #include "OrvanRelationshipAttention/follow_up/user_notifications_follow_up_scheduling.h"
 #include "application/agent/desktop/desktop_notifications.h"
@@ -42,11 +43,6 @@ constexpr std::chrono::minutes usualPause{2};
 /// How long a running pass is given to notice that the agent ends.
 constexpr std::chrono::seconds patienceAtTheEnd{3};
 
-template <typename Enumeration>
-bool isOf(const std::error_code& code) {
-  return code.category() == make_error_code(Enumeration{}).category();
-}
-
 Instant now() {
   return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
 }
@@ -61,7 +57,7 @@ KeyPlace placeOfNewKey(const SessionSettings& settings) {
 }
 
 bool isLocked(const std::error_code& code) {
-  return isOf<CredentialVaultError>(code) || code == ApplicationStoreError::keyNotInKeyring;
+  return belongsTo<CredentialVaultError>(code) || code == ApplicationStoreError::keyNotInKeyring;
 }
 
 std::string wordOf(ReminderFileOrigin origin) {
