@@ -1,5 +1,6 @@
 #pragma once
 
+#include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
 #include <array>
@@ -19,6 +20,10 @@ inline UChar32 takeCharacter(std::string_view text, std::size_t& position) noexc
   U8_NEXT(text.data(), next, size, character); // NOLINT(bugprone-inc-dec-in-conditions): within the macro.
   position = static_cast<std::size_t>(next);
   return character;
+}
+
+inline bool isWhiteSpace(UChar32 character) noexcept {
+  return u_isUWhiteSpace(character) != 0;
 }
 
 /// Appends `character`, or U+FFFD when it is negative.

@@ -49,7 +49,7 @@ constexpr std::array browserOffers{"view in browser",    "view in your browser",
                                    "bekijk in browser",  "bekijk deze"};
 constexpr std::array linkWords{"http", "click", "here", "klick", "hier", "cliquez", "aquí", "clic", "klik"};
 
-std::ptrdiff_t wordsOf(std::string_view line) noexcept {
+std::ptrdiff_t wordsInLine(std::string_view line) noexcept {
   return 1 + std::ranges::count(line, ' ');
 }
 
@@ -61,7 +61,7 @@ std::string lowerCasedStart(std::string_view line) {
 /// "Kind regards", "Thanks again": its first or its last word is one that closes.
 bool isClosing(std::string_view line) {
   constexpr std::ptrdiff_t mostWords = 5;
-  if (line.empty() || wordsOf(line) > mostWords || std::string_view{"?:;"}.contains(line.back())) {
+  if (line.empty() || wordsInLine(line) > mostWords || std::string_view{"?:;"}.contains(line.back())) {
     return false;
   }
   const auto lower = lowerCasedStart(line);
@@ -73,7 +73,7 @@ bool isClosing(std::string_view line) {
 bool isName(std::string_view line) noexcept {
   constexpr std::ptrdiff_t mostWords = 4;
   constexpr std::array particles{"van ", "von ", "de ", "da ", "del ", "der ", "den ", "of ", "i. ", "zu "};
-  const auto words = wordsOf(line);
+  const auto words = wordsInLine(line);
   if (words > mostWords || std::string_view{".?!,:;"}.contains(line.back())) {
     return false;
   }
@@ -123,7 +123,7 @@ bool marksBulkMail(std::string_view line) {
   if (containsOneOf(lower, browserOffers)) {
     return true;
   }
-  const bool isEntry = wordsOf(line) <= mostWords && !std::string_view{".!"}.contains(line.back());
+  const bool isEntry = wordsInLine(line) <= mostWords && !std::string_view{".!"}.contains(line.back());
   return containsOneOf(lower, unsubscribing) && !line.contains('?') && (isEntry || containsOneOf(lower, linkWords));
 }
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <span>
 
+#include "application/import/mail/text_search.h"
+
 namespace orvan {
 namespace {
 
@@ -15,21 +17,13 @@ constexpr std::array months{"Jan"sv, "Feb"sv, "Mar"sv, "Apr"sv, "May"sv, "Jun"sv
                             "Jul"sv, "Aug"sv, "Sep"sv, "Oct"sv, "Nov"sv, "Dec"sv};
 
 /// A line that goes on beyond this is none that a mail program wrote.
-constexpr std::size_t mostCharacters = 1000;
+constexpr std::size_t longestLine = 1000;
 /// Weekday, month, day, time, year, and a zone of up to two words.
 constexpr std::size_t fewestDateWords = 5;
 constexpr std::size_t mostDateWords = 7;
 
-bool isDigit(char byte) noexcept {
-  return byte >= '0' && byte <= '9';
-}
-
 bool isLetter(char byte) noexcept {
   return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-}
-
-bool isOneOf(std::span<const std::string_view> names, std::string_view word) noexcept {
-  return std::ranges::find(names, word) != names.end();
 }
 
 bool isNumber(std::string_view word, std::size_t fewest, std::size_t most) noexcept {
@@ -56,7 +50,7 @@ bool endsDate(std::span<const std::string_view> words) noexcept {
 }
 
 bool isDate(std::span<const std::string_view> words) noexcept {
-  return isOneOf(weekdays, words[0]) && isOneOf(months, words[1]) && isNumber(words[2], 1, 2) && isTime(words[3]) &&
+  return isOneOf(words[0], weekdays) && isOneOf(words[1], months) && isNumber(words[2], 1, 2) && isTime(words[3]) &&
          endsDate(words.subspan(4));
 }
 
@@ -73,7 +67,7 @@ std::string_view takeLastWord(std::string_view& text) noexcept {
 
 bool isDatedFromLine(std::string_view line) noexcept {
   constexpr auto start = "From "sv;
-  if (!line.starts_with(start) || line.size() > mostCharacters) {
+  if (!line.starts_with(start) || line.size() > longestLine) {
     return false;
   }
   auto before = line.substr(start.size());

@@ -33,10 +33,6 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 54> namedCha
      {"lsquo", "‘"},  {"rsquo", "’"},  {"ldquo", "“"},  {"rdquo", "”"},  {"bdquo", "„"},  {"laquo", "«"},
      {"raquo", "»"},  {"ndash", "–"},  {"mdash", "—"},  {"bull", "•"},   {"hellip", "…"}, {"euro", "€"}}};
 
-bool isOneOf(const auto& names, std::string_view name) {
-  return std::ranges::any_of(names, [name](const char* known) { return name == known; });
-}
-
 class HtmlReader {
  public:
   explicit HtmlReader(std::string_view html) : rest_{html} {}
@@ -82,7 +78,7 @@ class HtmlReader {
 
   static bool isHidden(std::string_view name, std::string_view tag) {
     const bool mayHaveClass = name == "div" || name == "pre" || name == "span";
-    return isOneOf(hiddenElements, name) || (mayHaveClass && containsOneOf(tag, hiddenClasses));
+    return isOneOf(name, hiddenElements) || (mayHaveClass && containsOneOf(tag, hiddenClasses));
   }
 
   static std::string_view textInPlaceOf(std::string_view name, std::string_view tag) {
@@ -95,7 +91,7 @@ class HtmlReader {
     if (name == "code") {
       return "`";
     }
-    return isOneOf(blockElements, name) ? "\n\n" : "";
+    return isOneOf(name, blockElements) ? "\n\n" : "";
   }
 
   void countHidden(std::string_view name, bool closes) {

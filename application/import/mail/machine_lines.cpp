@@ -15,10 +15,6 @@ constexpr std::array codeBeginnings{"//",          "/*",      "#include",    "#d
                                     "ALTER ",      "File \"", "Traceback (", "Caused by: ", "[ERROR", "[WARN",
                                     "[INFO",       "[DEBUG",  "ERROR:"};
 
-bool isDigit(char byte) noexcept {
-  return byte >= '0' && byte <= '9';
-}
-
 /// Whether `line` begins as `pattern` says: "9" stands for a digit, "a" for an ASCII letter, other bytes for
 /// themselves.
 bool beginsLike(std::string_view line, std::string_view pattern) noexcept {

@@ -8,7 +8,7 @@ namespace orvan {
 namespace {
 
 /// "-drive-shares-noreply-" for "drive.shares_noreply2": words between dashes, so that a search finds whole words only.
-std::string wordsOf(std::string_view localPart) {
+std::string dashedWordsOf(std::string_view localPart) {
   std::string words = "-";
   for (const char byte : localPart) {
     const bool separates = std::string_view{"-_.+=0123456789"}.contains(byte);
@@ -58,7 +58,7 @@ bool isRole(std::string_view localPart) {
 MailboxKind kindOfMailbox(std::string_view address) {
   const auto at = std::min(address.rfind('@'), address.size());
   const auto localPart = address.substr(0, at);
-  const auto words = wordsOf(localPart);
+  const auto words = dashedWordsOf(localPart);
   if (isMachine(words)) {
     return MailboxKind::machine;
   }

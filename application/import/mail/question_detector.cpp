@@ -20,10 +20,6 @@
 namespace orvan {
 namespace {
 
-bool isWhiteSpace(UChar32 character) noexcept {
-  return u_isUWhiteSpace(character) != 0;
-}
-
 bool isUrl(std::string_view word) noexcept {
   return word.contains("://") || word.starts_with("www.") || word.starts_with("mailto:");
 }
@@ -137,13 +133,13 @@ std::size_t endOfCharacters(std::string_view text, std::size_t count) noexcept {
   return position;
 }
 
-constexpr std::size_t mostCharacters = 300;
+constexpr std::size_t longestQuestion = 300;
 
 std::string cutToLength(std::string question) {
-  if (endOfCharacters(question, mostCharacters) == question.size()) {
+  if (endOfCharacters(question, longestQuestion) == question.size()) {
     return question;
   }
-  const auto limit = lastBreakBefore(question, endOfCharacters(question, mostCharacters - 1));
+  const auto limit = lastBreakBefore(question, endOfCharacters(question, longestQuestion - 1));
   question.resize(trimmed(std::string_view{question}.substr(0, limit)).size());
   return question + "…";
 }
@@ -192,7 +188,7 @@ class QuestionFinder {
     }
     if ((shown == Shown::withSentenceBefore || asksForConsent(question)) && !previous_.empty()) {
       const auto both = onOneLine(std::string{withoutOpeningMarks(previous_)} + ' ' + question);
-      question = endOfCharacters(both, mostCharacters) == both.size() ? both : question;
+      question = endOfCharacters(both, longestQuestion) == both.size() ? both : question;
     }
     return cutToLength(std::move(question));
   }

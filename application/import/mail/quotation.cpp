@@ -32,10 +32,6 @@ constexpr std::array otherLabels{"Sent",      "Date",    "To",     "Subject",   
                                  "Wysłano",   "Do",      "Temat",  "Отправлено", "Дата",     "Кому",      "Тема",
                                  "发送时间",  "日期",    "收件人", "主题",       "送信日時", "宛先",      "件名"};
 
-bool isDigit(char byte) noexcept {
-  return byte >= '0' && byte <= '9';
-}
-
 bool endsWithColon(std::string_view line) noexcept {
   return line.ends_with(':') || line.ends_with("：");
 }

@@ -11,6 +11,7 @@
 #include "application/import/mail/characters.h"
 #include "application/import/mail/decoded_text.h"
 #include "application/import/mail/rhetoric_phrases.h"
+#include "application/import/mail/text_search.h"
 
 namespace orvan {
 namespace {
@@ -28,10 +29,6 @@ constexpr std::array groups{"all",  "everyone", "everybody", "group", "info", "l
                             "team", "staff",    "board",     "alle",  "tous", "todos"};
 constexpr std::array connectors{"and", "&",  "und", "et", "y",  "e",    "en",    "i",   "и", "a",
                                 "och", "og", "ja",  "+",  "so", "also", "alors", "dus", "så"};
-
-bool isOneOf(const auto& words, std::string_view word) {
-  return std::ranges::any_of(words, [word](std::string_view known) { return known == word; });
-}
 
 /// The runs of letters in `text`, lower-cased; single letters are no names.
 void addWordsOf(std::string_view text, std::vector<std::string>& words) {
@@ -91,8 +88,8 @@ class NameReader {
   explicit NameReader(const ReaderNames& names) : names_{names} {}
 
   bool take(const Word& word) {
-    const bool isOwn = isOneOf(names_.own, word.letters);
-    if (!isOwn && !isOneOf(names_.others, word.letters)) {
+    const bool isOwn = isOneOf(word.letters, names_.own);
+    if (!isOwn && !isOneOf(word.letters, names_.others)) {
       return false;
     }
     addressee_ = isOwn || addressee_ == Addressee::user ? Addressee::user : Addressee::somebodyElse;
@@ -115,7 +112,7 @@ Addressee namesAlone(std::string_view part, const ReaderNames& names) {
   NameReader found{names};
   while (!part.empty()) {
     const auto word = takeWord(part);
-    if (!word.letters.empty() && !found.take(word) && !isOneOf(connectors, word.letters)) {
+    if (!word.letters.empty() && !found.take(word) && !isOneOf(word.letters, connectors)) {
       return Addressee::nobodyByName;
     }
   }
@@ -156,7 +153,7 @@ ReaderNames readerNames(const MailMessage& message, const std::set<std::string>&
     }
   }
   std::ranges::copy_if(others, std::back_inserter(names.others),
-                       [&names](const auto& word) { return !isOneOf(names.own, word) && !isOneOf(groups, word); });
+                       [&names](const auto& word) { return !isOneOf(word, names.own) && !isOneOf(word, groups); });
   return names;
 }
 
@@ -175,12 +172,12 @@ Address addressAtStart(std::string_view text, const ReaderNames& names) {
     const auto rest = text;
     const auto word = takeWord(text);
     if (found.addressee() == Addressee::nobodyByName && greetingWords < mostGreetingWords &&
-        isOneOf(greetings, word.letters)) {
+        isOneOf(word.letters, greetings)) {
       ++greetingWords;
       isGreeting = true;
     } else if (found.take(word)) {
       isEnded = word.endsPhrase || word.isMentioned;
-    } else if (found.addressee() == Addressee::nobodyByName || !isOneOf(connectors, word.letters)) {
+    } else if (found.addressee() == Addressee::nobodyByName || !isOneOf(word.letters, connectors)) {
       text = rest;
       break;
     }

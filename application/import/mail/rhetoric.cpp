@@ -64,7 +64,7 @@ std::vector<Clause> clausesOf(std::string_view sentence) {
   return clauses;
 }
 
-std::ptrdiff_t wordsOf(std::string_view clause) noexcept {
+std::ptrdiff_t wordsInClause(std::string_view clause) noexcept {
   return clause.empty() ? 0 : 1 + std::ranges::count(clause, ' ');
 }
 
@@ -116,7 +116,7 @@ Clause startOf(std::string_view following) {
 bool followsProposal(std::string_view previous) {
   constexpr std::ptrdiff_t longestGreeting = 3;
   const auto words = startOf(previous);
-  return wordsOf(words) > longestGreeting && !thanks().beginOf(words);
+  return wordsInClause(words) > longestGreeting && !thanks().beginOf(words);
 }
 
 /// "How are you?", or the same after a few words of greeting.
@@ -131,7 +131,8 @@ bool isCourtesy(const std::vector<Clause>& clauses, std::string_view previous) {
     return !mayAgree || !followsProposal(previous);
   }
   const auto& first = clauses.front();
-  return (!mayAgree && wordsOf(first) <= longestGreeting) || leadWords().beginOf(first) || thanks().beginOf(first);
+  return (!mayAgree && wordsInClause(first) <= longestGreeting) || leadWords().beginOf(first) ||
+         thanks().beginOf(first);
 }
 
 bool isFigureOfSpeech(const Clause& clause) {
@@ -143,7 +144,7 @@ bool endsInEmptyPhrase(const std::vector<Clause>& clauses, std::string_view prev
   if (isCourtesy(clauses, previous) || isFigureOfSpeech(clauses.back())) {
     return true;
   }
-  if (clauses.size() == 1 || wordsOf(clauses.back()) > 2 || agreements().contains(clauses.back())) {
+  if (clauses.size() == 1 || wordsInClause(clauses.back()) > 2 || agreements().contains(clauses.back())) {
     return false;
   }
   const std::vector<Clause> withoutName{clauses.begin(), clauses.end() - 1};
@@ -170,18 +171,19 @@ bool beginsWithEcho(const std::vector<Clause>& clauses) {
 
 bool isEcho(const std::vector<Clause>& clauses, std::string_view previous, std::string_view following) {
   const bool isAlone = clauses.size() == 1 && previous.empty() && trimmed(following).empty();
-  return !isAlone && isPhrase(clauses.back(), echoes()) && (clauses.size() == 1 || wordsOf(clauses.back()) > 1);
+  return !isAlone && isPhrase(clauses.back(), echoes()) && (clauses.size() == 1 || wordsInClause(clauses.back()) > 1);
 }
 
 /// "Isn't that great?", "How cool is that?"
 bool isExclamation(const std::vector<Clause>& clauses) {
   constexpr std::ptrdiff_t mostWords = 6;
   const auto words = withoutLead(clauses.back());
-  if (wordsOf(words) > mostWords || namesReader(clauses)) {
+  if (wordsInClause(words) > mostWords || namesReader(clauses)) {
     return false;
   }
   const bool isHow = firstWordOf(words) == "how" || firstWordOf(words) == "wie";
-  const auto& praise = clauses.size() == 2 && wordsOf(clauses.front()) <= mostWords ? clauses.front() : clauses.back();
+  const auto& praise =
+      clauses.size() == 2 && wordsInClause(clauses.front()) <= mostWords ? clauses.front() : clauses.back();
   return judgements().containsWordOf(praise) &&
          (negations().containsWordOf(praise) ||
           (isHow && exclamationEnds().contains(withoutFirstWord(withoutFirstWord(words)))));
@@ -226,7 +228,7 @@ Smile smileAfter(std::string_view following) noexcept {
 bool isJoke(const std::vector<Clause>& clauses, std::string_view following) {
   const auto smile = smileAfter(following);
   return smile != Smile::none && !namesReader(clauses) && clauses.size() == 1 &&
-         (wordsOf(clauses.front()) <= 1 || smile == Smile::wink);
+         (wordsInClause(clauses.front()) <= 1 || smile == Smile::wink);
 }
 
 /// "Thanks for everything. OK?"

@@ -14,10 +14,6 @@ namespace {
 /// A question begins at this one, whatever comes before it.
 constexpr UChar32 invertedMark = 0xBF;
 
-bool isWhiteSpace(UChar32 character) noexcept {
-  return u_isUWhiteSpace(character) != 0;
-}
-
 bool isClosingMark(UChar32 character) noexcept {
   const auto category = u_charType(character);
   return character == '"' || character == '\'' || character == '*' || category == U_END_PUNCTUATION ||
