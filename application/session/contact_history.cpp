@@ -6,6 +6,7 @@
 
 #include "OrvanObservatory/contact_week.h"
 #include "OrvanPlatform/internet_date_time.h"
+#include "application/session/instant_column.h"
 
 namespace orvan {
 namespace {
@@ -23,11 +24,6 @@ WHERE canonical_person_id = ? AND ended_at IS NULL AND state IN ('high_conf', 'c
     identityIDs.emplace_back(rows.text(Column{0}));
   }
   return identityIDs;
-}
-
-std::optional<Instant> instantIn(const Query& row, Column column) {
-  const auto text = row.optionalText(column);
-  return text ? parseInternetDateTime(*text) : std::nullopt;
 }
 
 void keepLatest(std::optional<Instant>& latest, std::optional<Instant> at) {

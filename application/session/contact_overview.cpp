@@ -13,6 +13,7 @@
 #include "OrvanObservatory/contact_week.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "application/session/contact_history.h"
+#include "application/session/instant_column.h"
 
 namespace orvan {
 namespace {
@@ -86,11 +87,6 @@ struct Gathered {
   std::optional<Instant> lastMailFromAt;
   std::optional<Instant> lastMetAt;
 };
-
-std::optional<Instant> instantIn(const Query& row, Column column) {
-  const auto text = row.optionalText(column);
-  return text ? parseInternetDateTime(*text) : std::nullopt;
-}
 
 class OverviewReader {
  public:
