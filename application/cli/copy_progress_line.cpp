@@ -7,12 +7,12 @@
 namespace orvan {
 namespace {
 
-constexpr std::chrono::milliseconds betweenLines{500};
+constexpr std::chrono::milliseconds betweenCopyLines{500};
 
 } // namespace
 
 CopyProgressLine::CopyProgressLine(std::string_view doing)
-    : doing_(doing), isTerminal_(isatty(STDERR_FILENO) != 0), next_(Clock::now() + betweenLines) {}
+    : doing_(doing), isTerminal_(isatty(STDERR_FILENO) != 0), next_(Clock::now() + betweenCopyLines) {}
 
 CopyProgressLine::~CopyProgressLine() {
   if (isShown_) {
@@ -32,7 +32,7 @@ void CopyProgressLine::show(std::int64_t copied, std::int64_t total) {
   constexpr int whole = 100;
   std::cerr << "\r\033[K" << doing_ << ": " << copied * whole / total << " %" << std::flush;
   isShown_ = true;
-  next_ = now + betweenLines;
+  next_ = now + betweenCopyLines;
 }
 
 } // namespace orvan

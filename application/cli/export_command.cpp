@@ -48,7 +48,7 @@ Json withParsed(Json rows, const char* name) {
   return rows;
 }
 
-Json ownAddresses(Connection& connection) {
+Json addressesOfUser(Connection& connection) {
   Json addresses = Json::array();
   auto rows = connection.query("SELECT address FROM own_address ORDER BY address");
   while (rows.next()) {
@@ -186,12 +186,18 @@ ORDER BY id
 }
 
 Json whatTheUserDecided(Connection& connection) {
-  return {{"ownAddresses", ownAddresses(connection)}, {"people", peopleNamed(connection)},
-          {"decisions", decisions(connection)},       {"actions", actions(connection)},
-          {"corrections", corrections(connection)},   {"names", names(connection)},
-          {"memberships", memberships(connection)},   {"hidden", hidden(connection)},
-          {"forgotten", forgotten(connection)},       {"followUps", followUps(connection)},
-          {"captures", captures(connection)},         {"sources", sources(connection)}};
+  return {{"ownAddresses", addressesOfUser(connection)},
+          {"people", peopleNamed(connection)},
+          {"decisions", decisions(connection)},
+          {"actions", actions(connection)},
+          {"corrections", corrections(connection)},
+          {"names", names(connection)},
+          {"memberships", memberships(connection)},
+          {"hidden", hidden(connection)},
+          {"forgotten", forgotten(connection)},
+          {"followUps", followUps(connection)},
+          {"captures", captures(connection)},
+          {"sources", sources(connection)}};
 }
 
 void runExport(const CommandContext& context) {

@@ -22,7 +22,7 @@
 namespace orvan {
 namespace {
 
-struct AddArguments {
+struct FollowUpArguments {
   std::string whom;
   std::string when;
   std::optional<std::string> about;
@@ -66,7 +66,7 @@ std::string nameOf(const std::string& personKey, Session& session) {
   return person ? person->displayName() : personKey;
 }
 
-NewFollowUp followUpFor(const CommandContext& context, const AddArguments& arguments) {
+NewFollowUp followUpFor(const CommandContext& context, const FollowUpArguments& arguments) {
   NewFollowUp followUp{.personID = {}, .dueAt = dueAtIn(arguments.when, context.asOf), .text = {}, .interactionID = {}};
   if (isItemKey(arguments.whom)) {
     const auto found = itemCalled(arguments.whom, context.session, context.asOf);
@@ -101,7 +101,7 @@ void print(const CommandContext& context, const ListedFollowUp& followUp, const 
   tell(context, reminder);
 }
 
-void runAdd(const CommandContext& context, const AddArguments& arguments) {
+void runAddFollowUp(const CommandContext& context, const FollowUpArguments& arguments) {
   const auto followUp = followUpFor(context, arguments);
   const auto id = context.session.writableStore().write(
       [&](Connection& connection) { return addFollowUp(followUp, context.asOf, connection); });
@@ -109,7 +109,7 @@ void runAdd(const CommandContext& context, const AddArguments& arguments) {
   print(context, stored(id, context.session), "Noted to follow up", reminder, true);
 }
 
-void runList(const CommandContext& context, bool isAll) {
+void runListFollowUps(const CommandContext& context, bool isAll) {
   const auto found = context.session.readableStore().read([isAll](Connection& connection) {
     return followUps(isAll ? FollowUpChoice::all : FollowUpChoice::scheduled, connection);
   });
@@ -191,12 +191,12 @@ void runResolve(const CommandContext& context, const ResolveArguments& arguments
 }
 
 void addAdd(CommandSet& commands, CLI::App& followUp) {
-  const auto arguments = std::make_shared<AddArguments>();
+  const auto arguments = std::make_shared<FollowUpArguments>();
   auto& add =
       commands.addTo(followUp,
                      {"add", nullptr, "Be reminded of a person, or of what an item is about",
                       "orvan follow-up add \"Ada Marsh\" --on \"tomorrow 9:30\" --about \"call about the lease\""},
-                     [arguments](const auto& context) { runAdd(context, *arguments); });
+                     [arguments](const auto& context) { runAddFollowUp(context, *arguments); });
   add.add_option("WHOM", arguments->whom, "A person's key, name or address, or an item's key")
       ->type_name("")
       ->required()
@@ -238,11 +238,11 @@ void addFollowUpCommands(CommandSet& commands) {
   const auto isAll = std::make_shared<bool>(false);
   auto& followUp = commands.add({"follow-up", "To be reminded", "List what you want to be reminded of, or add to it",
                                  "orvan follow-up add \"Ada Marsh\" --on friday"},
-                                [isAll](const auto& context) { runList(context, *isAll); });
+                                [isAll](const auto& context) { runListFollowUps(context, *isAll); });
   addAdd(commands, followUp);
   commands
       .addTo(followUp, {"list", nullptr, "List what you want to be reminded of", "orvan follow-up list --all"},
-             [isAll](const auto& context) { runList(context, *isAll); })
+             [isAll](const auto& context) { runListFollowUps(context, *isAll); })
       .add_flag("--all", *isAll, "Also what was completed or cancelled");
   addChange(commands, followUp,
             {"complete", nullptr, "Say that a follow-up is done", "orvan follow-up complete \"Ada Marsh\""},

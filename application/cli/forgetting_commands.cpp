@@ -26,10 +26,6 @@ struct ForgettingArguments {
   bool isSure = false;
 };
 
-std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
-  return std::to_string(count) + " " + std::string{count == 1 ? one : many};
-}
-
 std::string joined(const std::vector<std::string>& texts) {
   std::string all;
   for (const auto& text : texts) {

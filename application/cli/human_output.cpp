@@ -123,10 +123,6 @@ std::string writerOf(const Exchange& exchange) {
   return printableText(exchange.from.value_or("somebody unknown"));
 }
 
-std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
-  return std::to_string(count) + " " + std::string{count == 1 ? one : many};
-}
-
 std::string sentenceFor(const NotShown& person) {
   switch (person.reason) {
     case NotShownReason::nothingToTell:
@@ -523,6 +519,10 @@ void HumanOutput::followUps(const std::vector<ListedFollowUp>& followUps, Instan
 
 void HumanOutput::check(bool isFine, std::string_view name, std::string_view detail) const {
   std::cout << (isFine ? "ok       " : bold("problem  ")) << std::left << std::setw(14) << name << detail << '\n';
+}
+
+std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
+  return std::to_string(count) + " " + std::string{count == 1 ? one : many};
 }
 
 } // namespace orvan

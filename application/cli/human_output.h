@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -69,5 +70,8 @@ class HumanOutput {
   /// What a line has place for; unlimited where there is no terminal.
   std::optional<std::size_t> columns_;
 };
+
+/// "1 mail", "2 mails".
+std::string counted(std::int64_t count, std::string_view one, std::string_view many);
 
 } // namespace orvan

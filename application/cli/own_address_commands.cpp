@@ -49,7 +49,7 @@ Json toJson(const OwnAddress& own) {
           {"hasMail", own.hasMail ? Json(*own.hasMail) : Json(nullptr)}};
 }
 
-void runList(const CommandContext& context) {
+void runListOwnAddresses(const CommandContext& context) {
   const auto addresses = context.session.readableStore().read(ownAddresses);
   if (context.output == OutputForm::json) {
     auto list = Json::array();
@@ -87,7 +87,7 @@ Json toJson(const AddedOwnAddress& added) {
           {"takenFrom", added.takenFrom ? Json(added.takenFrom->personKey) : Json(nullptr)}};
 }
 
-void runAdd(const CommandContext& context, const std::vector<std::string>& written) {
+void runAddOwnAddresses(const CommandContext& context, const std::vector<std::string>& written) {
   std::vector<std::string> addresses;
   std::ranges::transform(written, std::back_inserter(addresses), addressIn);
   const auto added = context.session.writableStore().write([&](Connection& connection) {
@@ -129,7 +129,7 @@ void requireAnother(const std::vector<OwnAddress>& addresses, const std::string&
   }
 }
 
-void runRemove(const CommandContext& context, const std::string& written) {
+void runRemoveOwnAddress(const CommandContext& context, const std::string& written) {
   const auto address = addressIn(written);
   auto& store = context.session.writableStore();
   const auto givenUp = store.write([&](Connection& connection) {
@@ -155,12 +155,14 @@ void runRemove(const CommandContext& context, const std::string& written) {
 } // namespace
 
 void addOwnAddressCommands(CommandSet& commands) {
-  auto& me = commands.add({"me", "To decide", "Tell which mail addresses are your own", "orvan me"}, runList);
-  commands.addTo(me, {"list", nullptr, "List your addresses, and how they came to be known", "orvan me list"}, runList);
+  auto& me =
+      commands.add({"me", "To decide", "Tell which mail addresses are your own", "orvan me"}, runListOwnAddresses);
+  commands.addTo(me, {"list", nullptr, "List your addresses, and how they came to be known", "orvan me list"},
+                 runListOwnAddresses);
   const auto added = std::make_shared<std::vector<std::string>>();
   commands
       .addTo(me, {"add", nullptr, "Say that addresses are yours", "orvan me add robin@work.example"},
-             [added](const auto& context) { runAdd(context, *added); })
+             [added](const auto& context) { runAddOwnAddresses(context, *added); })
       .add_option("ADDRESS", *added, "Mail addresses of yours")
       ->type_name("")
       ->required()
@@ -170,7 +172,7 @@ void addOwnAddressCommands(CommandSet& commands) {
       .addTo(me,
              {"remove", nullptr, "Say that an address is not yours, and bring back whom it hid",
               "orvan me remove ada@hill.example"},
-             [removed](const auto& context) { runRemove(context, *removed); })
+             [removed](const auto& context) { runRemoveOwnAddress(context, *removed); })
       .add_option("ADDRESS", *removed, "The mail address")
       ->type_name("")
       ->required()

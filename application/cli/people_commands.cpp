@@ -195,7 +195,7 @@ std::string inWords(SuggestionGround ground) {
                                               : "they go by the same full name, which a contact card of yours has, too";
 }
 
-void printJson(const std::vector<MergeSuggestion>& suggestions) {
+void printSuggestionsJson(const std::vector<MergeSuggestion>& suggestions) {
   auto document = Json::array();
   for (const auto& suggestion : suggestions) {
     auto people = Json::array();
@@ -204,7 +204,7 @@ void printJson(const std::vector<MergeSuggestion>& suggestions) {
     }
     document.push_back({{"number", document.size() + 1}, {"ground", caseName(suggestion.ground)}, {"people", people}});
   }
-  orvan::printJson(document);
+  printJson(document);
 }
 
 void print(const std::vector<MergeSuggestion>& suggestions) {
@@ -264,7 +264,7 @@ void runAccepting(const CommandContext& context, const SuggestArguments& argumen
     for (const auto& one : merged) {
       document.push_back(toJson(one.after));
     }
-    orvan::printJson(document);
+    printJson(document);
     return;
   }
   for (const auto& one : merged) {
@@ -281,7 +281,7 @@ void runSuggest(const CommandContext& context, const SuggestArguments& arguments
   const auto suggestions =
       context.session.readableStore().read([](Connection& connection) { return mergeSuggestions(connection); });
   if (context.output == OutputForm::json) {
-    printJson(suggestions);
+    printSuggestionsJson(suggestions);
   } else {
     print(suggestions);
   }

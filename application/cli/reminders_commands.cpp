@@ -1,6 +1,7 @@
 #include "application/cli/reminders_commands.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,12 +16,11 @@
 #include "application/cli/json_output.h"
 #include "application/cli/reminder_service.h"
 #include "application/follow_ups/notification_application.h"
+#include "application/reminder_service/running_service.h"
 #include "application/session/listed_follow_up.h"
 
 namespace orvan {
 namespace {
-
-constexpr std::chrono::seconds patience{5};
 
 /// How what the service holds compares with the store's follow-ups.
 struct Agreement {
@@ -99,16 +99,12 @@ std::string inWords(AuthorizationStatus status) {
   return "not decided yet; 'orvan reminders allow' allows them";
 }
 
-std::string counted(std::size_t count, const std::string& one, const std::string& many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 bool isAllowed(AuthorizationStatus status) {
   return status == AuthorizationStatus::authorized || status == AuthorizationStatus::provisional;
 }
 
 std::string inWords(const Agreement& agreement, AuthorizationStatus status) {
-  const auto held = counted(agreement.set, "reminder is set", "reminders are set");
+  const auto held = counted(static_cast<std::int64_t>(agreement.set), "reminder is set", "reminders are set");
   if (agreement.isWhole()) {
     return held + ", as the follow-ups say";
   }
@@ -195,8 +191,9 @@ void runReconcile(const CommandContext& context) {
 /// What is allowed is set right here; the service does so by itself for its own store only.
 void runDecide(const CommandContext& context, AuthorizationStatus status) {
   withService(context, [&](ReminderService& service) {
-    AgentControl(patience).setAuthorization(notificationApplicationOf(context.session.settings().store),
-                                            std::string{notificationDisplayName}, status);
+    AgentControl(patienceWithService)
+        .setAuthorization(notificationApplicationOf(context.session.settings().store),
+                          std::string{notificationDisplayName}, status);
     if (status == AuthorizationStatus::authorized) {
       service.reminders().reconcile();
     }
@@ -214,7 +211,7 @@ void report(const CommandContext& context, const Json& document, const std::stri
 }
 
 void runTest(const CommandContext& context) {
-  withService(context, [](ReminderService& /*running*/) { AgentControl(patience).presentTest(); });
+  withService(context, [](ReminderService& /*running*/) { AgentControl(patienceWithService).presentTest(); });
   report(context, {{"test", "shown"}},
          "A test reminder was shown. If you do not see it, look at your desktop's settings for notifications.");
 }
@@ -222,7 +219,7 @@ void runTest(const CommandContext& context) {
 void runTitles(const CommandContext& context, const std::string& titles) {
   const bool isSaid = titles == "said";
   withService(context, [&](ReminderService& /*running*/) {
-    AgentControl(patience).setTitles(isSaid ? ReminderTitles::said : ReminderTitles::general);
+    AgentControl(patienceWithService).setTitles(isSaid ? ReminderTitles::said : ReminderTitles::general);
   });
   report(context, {{"titles", titles}},
          isSaid ? "Reminders say what you noted down." : "Reminders say only that there is a follow-up.");
@@ -230,7 +227,7 @@ void runTitles(const CommandContext& context, const std::string& titles) {
 
 void runRefreshing(const CommandContext& context, const std::string& refresh) {
   const bool isOn = refresh == "on";
-  withService(context, [&](ReminderService& /*running*/) { AgentControl(patience).setRefreshing(isOn); });
+  withService(context, [&](ReminderService& /*running*/) { AgentControl(patienceWithService).setRefreshing(isOn); });
   report(context, {{"refreshing", isOn}},
          isOn ? "New mail and calendar entries are looked for in the background."
               : "Nothing is looked for in the background; 'orvan refresh' does it.");

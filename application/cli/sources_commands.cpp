@@ -30,7 +30,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::seconds;
 
-struct AddArguments {
+struct SourceArguments {
   std::vector<fs::path> paths;
   std::string every;
 };
@@ -68,7 +68,7 @@ std::optional<seconds> parseInterval(std::string_view text) {
   return interval && *interval <= year ? interval : std::nullopt;
 }
 
-std::string counted(std::int64_t count, const char* unit) {
+std::string countedUnits(std::int64_t count, const char* unit) {
   return std::to_string(count) + " " + unit + (count == 1 ? "" : "s");
 }
 
@@ -76,7 +76,7 @@ std::string counted(std::int64_t count, const char* unit) {
 std::string intervalInWords(seconds interval) {
   const auto inUnits = [interval](seconds unit, const char* name) {
     const auto count = interval / unit;
-    return count == 1 ? std::string{name} : counted(count, name);
+    return count == 1 ? std::string{name} : countedUnits(count, name);
   };
   if (interval % std::chrono::days{1} == seconds{0}) {
     return inUnits(std::chrono::days{1}, "day");
@@ -93,13 +93,13 @@ std::string ago(Instant then, Instant now) {
     return "just now";
   }
   if (passed < std::chrono::hours{1}) {
-    return counted(passed / std::chrono::minutes{1}, "minute") + " ago";
+    return countedUnits(passed / std::chrono::minutes{1}, "minute") + " ago";
   }
   if (passed < std::chrono::days{2}) {
-    return counted(passed / std::chrono::hours{1}, "hour") + " ago";
+    return countedUnits(passed / std::chrono::hours{1}, "hour") + " ago";
   }
   constexpr std::chrono::days month{30};
-  return passed < month ? counted(passed / std::chrono::days{1}, "day") + " ago" : "on " + humanDateText(then);
+  return passed < month ? countedUnits(passed / std::chrono::days{1}, "day") + " ago" : "on " + humanDateText(then);
 }
 
 std::string inWords(const RememberedSource& source, Instant asOf) {
@@ -133,7 +133,7 @@ Json toJson(const RememberedSource& source, Instant asOf) {
           {"usualIntervalSeconds", source.usualInterval.count()}};
 }
 
-void runList(const CommandContext& context) {
+void runListSources(const CommandContext& context) {
   const auto sources = context.session.readableStore().read(rememberedSources);
   if (context.output == OutputForm::json) {
     Json rows = Json::array();
@@ -296,7 +296,7 @@ class AddingRun {
   std::vector<std::string> failures_;
 };
 
-void runAdd(const CommandContext& context, const AddArguments& arguments) {
+void runAddSource(const CommandContext& context, const SourceArguments& arguments) {
   std::optional<seconds> interval;
   if (!arguments.every.empty()) {
     interval = parseInterval(arguments.every);
@@ -324,7 +324,7 @@ std::optional<RememberedSource> sourceCalled(const std::string& text, Connection
   return std::nullopt;
 }
 
-void runRemove(const CommandContext& context, const std::string& text) {
+void runRemoveSource(const CommandContext& context, const std::string& text) {
   const auto removed = context.session.writableStore().write([&](Connection& connection) {
     const auto source = sourceCalled(text, connection);
     if (source) {
@@ -446,13 +446,14 @@ void runDiscover(const CommandContext& context, const DiscoverArguments& argumen
 
 void addSourcesCommands(CommandSet& commands) {
   auto& sources = commands.add(
-      {"sources", "To begin", "Say which mail and calendars are kept up to date", "orvan sources discover"}, runList);
+      {"sources", "To begin", "Say which mail and calendars are kept up to date", "orvan sources discover"},
+      runListSources);
 
-  const auto adding = std::make_shared<AddArguments>();
+  const auto adding = std::make_shared<SourceArguments>();
   auto& add = commands.addTo(sources,
                              {"add", nullptr, "Remember mail, calendars or contact cards, for 'orvan refresh'",
                               "orvan sources add ~/Maildir ~/calendar.ics --every 12h"},
-                             [adding](const auto& context) { runAdd(context, *adding); });
+                             [adding](const auto& context) { runAddSource(context, *adding); });
   add.add_option("PATH", adding->paths, "An mbox file, a Maildir, a folder of these, an .ics or .vcf file or a folder")
       ->type_name("")
       ->required()
@@ -462,7 +463,7 @@ void addSourcesCommands(CommandSet& commands) {
       ->check(notEmpty());
 
   commands.addTo(sources, {"list", nullptr, "Show what is remembered and how fresh it is", "orvan sources list"},
-                 runList);
+                 runListSources);
 
   commands.addTo(sources,
                  {"folders", nullptr, "Show in which folders something new shows", "orvan sources folders --json"},
@@ -471,7 +472,7 @@ void addSourcesCommands(CommandSet& commands) {
   const auto removed = std::make_shared<std::string>();
   commands
       .addTo(sources, {"remove", nullptr, "Keep a source up to date no longer", "orvan sources remove 2"},
-             [removed](const auto& context) { runRemove(context, *removed); })
+             [removed](const auto& context) { runRemoveSource(context, *removed); })
       .add_option("SOURCE", *removed, "A source's number or path")
       ->type_name("")
       ->required()
