@@ -24,7 +24,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const char* noon = "2026-03-10T12:00:00Z";
+constexpr const char* dayOfCorrections = "2026-03-10T12:00:00Z";
 
 /// A terminal that stands for this program's own until its end. What is typed waits for whoever reads it.
 class Terminal {
@@ -78,21 +78,21 @@ class CorrectionCommands : public testing::Test {
     run({"init"});
   }
 
-  Outcome run(std::vector<std::string> words, const std::string& asOf = noon) const {
+  Outcome run(std::vector<std::string> words, const std::string& asOf = dayOfCorrections) const {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     const int status = runWords(std::move(words), asOf);
     const auto output = testing::internal::GetCapturedStdout();
     return {status, output + testing::internal::GetCapturedStderr()};
   }
-  json read(std::vector<std::string> words, const std::string& asOf = noon) const {
+  json read(std::vector<std::string> words, const std::string& asOf = dayOfCorrections) const {
     words.emplace_back("--json");
     return json::parse(run(std::move(words), asOf).text);
   }
 
   Outcome runOnATerminal(const std::string& answer, std::vector<std::string> words) const {
     const Terminal terminal(answer + "\n");
-    const int status = runWords(std::move(words), noon);
+    const int status = runWords(std::move(words), dayOfCorrections);
     return {status, terminal.shown()};
   }
 

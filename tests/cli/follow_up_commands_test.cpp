@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const char* noon = "2026-03-10T12:00:00Z";
+constexpr const char* dayOfFollowUps = "2026-03-10T12:00:00Z";
 constexpr const char* later = "2026-03-12T12:00:00Z";
 
 /// Ada has written, and waits. Kim is somebody whom the user only wrote to. There is no desktop session.
@@ -40,7 +40,7 @@ class FollowUpCommands : public testing::Test {
     run({"import", "--me", "robin@orvan.example", "--mbox", path("mbox")});
   }
 
-  Outcome run(std::vector<std::string> words, const std::string& asOf = noon) const {
+  Outcome run(std::vector<std::string> words, const std::string& asOf = dayOfFollowUps) const {
     words.insert(words.begin(), {"orvan", "--store", path("store.db"), "--key-file", path("key"), "--as-of", asOf});
     std::vector<const char*> arguments;
     std::ranges::transform(words, std::back_inserter(arguments), &std::string::c_str);
@@ -49,7 +49,7 @@ class FollowUpCommands : public testing::Test {
     const int status = runCommandLine(static_cast<int>(arguments.size()), arguments.data());
     return {status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
   }
-  json read(std::vector<std::string> words, const std::string& asOf = noon) const {
+  json read(std::vector<std::string> words, const std::string& asOf = dayOfFollowUps) const {
     words.emplace_back("--json");
     return json::parse(run(std::move(words), asOf).output);
   }
@@ -101,10 +101,10 @@ TEST_F(FollowUpCommands, HaveWhatIsDueComeFirstOnTheListAndNeverBefore) {
   EXPECT_EQ(added.status, 0) << "what is noted down is, whether or not anything can remind of it";
   EXPECT_TRUE(added.output.contains("Due Mar 12, 2026, 9:00 AM: send the keys")) << added.output;
   EXPECT_TRUE(added.errors.contains("There is no desktop session to remind you in")) << added.errors;
-  const auto ada = add(keyOf("Ada Marsh", noon), "tomorrow 9:30", "ask for the boat's papers");
+  const auto ada = add(keyOf("Ada Marsh", dayOfFollowUps), "tomorrow 9:30", "ask for the boat's papers");
   add("Ada Marsh", "2h", "and for the oars");
 
-  EXPECT_EQ(listAt(noon), std::vector{"Ada Marsh" + waiting});
+  EXPECT_EQ(listAt(dayOfFollowUps), std::vector{"Ada Marsh" + waiting});
   EXPECT_EQ(listAt(later), (std::vector{"Kim Reed" + due, "Ada Marsh" + due}));
   const auto text = run({"catch-up"}, later).output;
   EXPECT_TRUE(

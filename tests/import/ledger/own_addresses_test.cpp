@@ -8,7 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-constexpr const char* now = "2026-03-05T12:00:00Z";
+constexpr const char* toldAt = "2026-03-05T12:00:00Z";
 
 /// The user and Zoë write to each other, with others, and in a conversation where Ben asks.
 const std::vector<TestMail> mails{
@@ -23,11 +23,11 @@ const std::vector<TestMail> mails{
 };
 
 void add(const Texts& addresses, ImportStore& store) {
-  store.queue.write([&](Connection& connection) { rememberOwnAddresses(addresses, now, connection, ToldBy::user); });
+  store.queue.write([&](Connection& connection) { rememberOwnAddresses(addresses, toldAt, connection, ToldBy::user); });
 }
 
 GivenUp giveUp(const std::string& address, ImportStore& store) {
-  return store.queue.write([&](Connection& connection) { return giveUpOwnAddress(address, now, connection); });
+  return store.queue.write([&](Connection& connection) { return giveUpOwnAddress(address, toldAt, connection); });
 }
 
 /// What there is between the user and others, whatever its threads are called.
