@@ -45,3 +45,18 @@ function(orvan_program)
   add_executable(${ARG_NAME} ${ARG_SOURCES})
   target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LINKS} orvan_warnings)
 endfunction()
+
+# orvan_compile_qml_at_once(target): what Qt makes of the target's QML is compiled as one source. Each of them takes in
+# the same headers, which is nearly all that it costs. What is found in them is not ours to mend.
+function(orvan_compile_qml_at_once target)
+  get_target_property(sources ${target} SOURCES)
+  list(FILTER sources INCLUDE REGEX "/qmlcache/.*_qml\\.cpp$")
+  list(TRANSFORM sources REPLACE "(.+)" "#include \"\\1\"\n" OUTPUT_VARIABLE includes)
+  string(JOIN "" includes ${includes})
+  set(all "${CMAKE_CURRENT_BINARY_DIR}/${target}_all_qml.cpp")
+  file(CONFIGURE OUTPUT "${all}" CONTENT "${includes}" @ONLY)
+  # They are still made before anything of the target is compiled.
+  set_source_files_properties(${sources} PROPERTIES HEADER_FILE_ONLY ON)
+  target_sources(${target} PRIVATE "${all}")
+  set_source_files_properties("${all}" PROPERTIES COMPILE_OPTIONS -w SKIP_AUTOGEN ON OBJECT_DEPENDS "${sources}")
+endfunction()
