@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/error_case.h"
 #include "application/corrections/action_journal.h"
 #include "application/corrections/person_correction_error.h"
 #include "application/desktop/failure_in_words.h"
@@ -68,25 +69,20 @@ QString inWords(SessionError error) {
   }
 }
 
-template <typename Enumeration>
-bool isOf(const std::error_code& code) {
-  return code.category() == make_error_code(Enumeration{}).category();
-}
-
 } // namespace
 
-QString refusalOfCurrentException() {
+QString refusalOfCorrection() {
   try {
     throw;
   } catch (const Error& error) {
     const auto& code = error.code();
-    if (isOf<PersonCorrectionError>(code)) {
+    if (belongsTo<PersonCorrectionError>(code)) {
       return inWords(static_cast<PersonCorrectionError>(code.value()));
     }
-    if (isOf<ActionJournalError>(code)) {
+    if (belongsTo<ActionJournalError>(code)) {
       return inWords(static_cast<ActionJournalError>(code.value()));
     }
-    if (isOf<SessionError>(code)) {
+    if (belongsTo<SessionError>(code)) {
       return inWords(static_cast<SessionError>(code.value()));
     }
     return Refusal::tr("Nothing was changed. %1").arg(failureOfCurrentException().text);

@@ -9,7 +9,7 @@ namespace orvan {
 // What the window says of corrections, in words of its own.
 
 /// Why the exception that is being handled kept a correction from being made, or from being taken back, as a sentence.
-QString refusalOfCurrentException();
+QString refusalOfCorrection();
 
 /// What became of a message that was to be opened; nothing to say is empty.
 QString inWords(HandingOver outcome);

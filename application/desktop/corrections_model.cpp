@@ -130,7 +130,7 @@ Task<void> CorrectionsModel::run(QString personKey, Wording wording, Place place
     }
     window_.offerUndo({*action, personKey, wording.done});
   } catch (...) {
-    window_.tell(refusalOfCurrentException());
+    window_.tell(refusalOfCorrection());
     window_.readAgain();
   }
 }
@@ -224,7 +224,7 @@ Task<void> CorrectionsModel::takeSnoozeBack(QString personKey, QString displayNa
     });
     window_.tell(tr("Back on the list: %1").arg(displayName));
   } catch (...) {
-    window_.tell(refusalOfCurrentException());
+    window_.tell(refusalOfCorrection());
   }
   window_.readAgain();
 }
@@ -244,7 +244,7 @@ Task<void> CorrectionsModel::findOthers(QString personKey, QString text) {
       others_.setPeople(inOrder(candidates, personKey.toStdString()));
     }
   } catch (...) {
-    window_.tell(refusalOfCurrentException());
+    window_.tell(refusalOfCorrection());
   }
 }
 
@@ -269,7 +269,7 @@ Task<void> CorrectionsModel::handOver(QString itemKey) {
       window_.tell(words);
     }
   } catch (...) {
-    window_.tell(refusalOfCurrentException());
+    window_.tell(refusalOfCorrection());
   }
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "OrvanPlatform/error.h"
+#include "OrvanPlatform/error_case.h"
 #include "OrvanSpineCore/credential_vault.h"
 #include "OrvanStore/store_error.h"
 #include "application/backup/backup_error.h"
@@ -20,11 +21,6 @@ namespace {
 struct Refusal {
   Q_DECLARE_TR_FUNCTIONS(Refusal)
 };
-
-template <typename Enumeration>
-bool isCaseOf(const std::error_code& code) {
-  return code.category() == make_error_code(Enumeration{}).category();
-}
 
 QString refusalOf(BackupError error) {
   switch (error) {
@@ -89,19 +85,19 @@ QString refusalOf(CredentialVaultError error) {
 
 QString refusalOf(const Error& error) {
   const auto& code = error.code();
-  if (isCaseOf<BackupError>(code)) {
+  if (belongsTo<BackupError>(code)) {
     return refusalOf(static_cast<BackupError>(code.value()));
   }
-  if (isCaseOf<CredentialVaultError>(code)) {
+  if (belongsTo<CredentialVaultError>(code)) {
     return refusalOf(static_cast<CredentialVaultError>(code.value()));
   }
   if (code.category() == agentControlErrorCategory()) {
     return inWords(static_cast<AgentControlError>(code.value()));
   }
-  if (isCaseOf<ApplicationStoreError>(code)) {
+  if (belongsTo<ApplicationStoreError>(code)) {
     return refusalOf(static_cast<ApplicationStoreError>(code.value()));
   }
-  if (isCaseOf<SourceFault>(code)) {
+  if (belongsTo<SourceFault>(code)) {
     return inWords(static_cast<SourceFault>(code.value()));
   }
   if (const auto sentence = sentenceOnSourceToAdd(code)) {

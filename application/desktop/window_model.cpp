@@ -436,7 +436,7 @@ Task<void> WindowModel::takeBack(SavedCorrection correction) {
     });
     choose(correction.personKey);
   } catch (...) {
-    tell(refusalOfCurrentException());
+    tell(refusalOfCorrection());
   }
   readListSoon();
 }
