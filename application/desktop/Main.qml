@@ -91,8 +91,6 @@ Window {
                 window.place = "start"
             else if (window.showsPeople)
                 list.forceActiveFocus()
-            if (window.isShowing)
-                window.settings.sources.look()
         }
 
         function onListRead() {

@@ -261,8 +261,10 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   SettingsModel settingsModel(loop, store, clock, asOf);
   QObject::connect(&settingsModel, &SettingsModel::storeChanged, &model, &WindowModel::readAgain);
   CorrectionsModel corrections(loop, store, model);
-  QObject::connect(settingsModel.sources(), &SourcesModel::added, &firstStart, &FirstStartModel::readNew);
-  QObject::connect(firstStart.reading(), &ReadingModel::ended, settingsModel.sources(), &SourcesModel::look);
+  QObject::connect(&settingsModel, &SettingsModel::remindersConcerned, [&reminders] { reminders.bringInLine(); });
+  QObject::connect(&settingsModel, &SettingsModel::mustBeRead, firstStart.reading(), &ReadingModel::readNew);
+  QObject::connect(firstStart.reading(), &ReadingModel::ended, settingsModel.sources(), &SourcesModel::lookForNew);
+  QObject::connect(&model, &WindowModel::listRead, settingsModel.sources(), &SettingsPart::look);
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);

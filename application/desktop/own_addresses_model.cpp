@@ -90,7 +90,7 @@ Task<void> OwnAddressesModel::addNormal(std::string address) {
                                       : tr("It was taken for %1, who is nobody else any more.").arg(name));
   }
   if (adding.isReadAgain) {
-    told += u' ' + tr("Mail and calendars are read again from their beginning, next time they are read.");
+    told += u' ' + tr("Mail and calendars are read again from their beginning.");
   }
   say(told);
   co_await refresh();
@@ -122,9 +122,8 @@ Task<void> OwnAddressesModel::removeNormal(std::string address) {
     told += u' ' + tr("It is %1's again.").arg(displayText(removal.holder->displayName));
   }
   if (removal.givenUp == GivenUp::toBeReadAgain) {
-    told +=
-        u' ' + tr("Mail and calendars are read again from their beginning, next time they are read. Until then, what "
-                  "was read while it was yours stays as it is.");
+    told += u' ' + tr("Mail and calendars are read again from their beginning. Until that is done, what "
+                      "was read while it was yours stays as it is.");
   }
   say(told);
   Q_EMIT storeChanged();

@@ -10,6 +10,7 @@
 #include "application/desktop/reminder_service_reading.h"
 #include "application/desktop/wording.h"
 #include "application/follow_ups/notification_application.h"
+#include "application/reminder_service/running_service.h"
 
 namespace orvan {
 namespace {
@@ -131,7 +132,7 @@ void ReminderServiceModel::startService() {
 }
 
 Task<void> ReminderServiceModel::start() {
-  co_await lookInto([settings = tools().store.settings()] { startReminderService(settings); });
+  co_await lookInto([settings = tools().store.settings()] { usableService(settings); });
   co_await refresh();
 }
 

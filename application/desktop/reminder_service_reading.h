@@ -18,11 +18,8 @@ struct ReminderServiceReading {
   bool keepsStore;
 };
 
-// Both block, on any thread, and throw Error with an AgentControlError.
-
+/// Does not start a service that does not run, other than the bus does by itself. Blocks, on any thread, and throws
+/// Error with an AgentControlError.
 ReminderServiceReading readReminderService(const SessionSettings& settings);
-
-/// Starts the service beside this program, or where PATH has it, and waits until it can be asked.
-void startReminderService(const SessionSettings& settings);
 
 } // namespace orvan

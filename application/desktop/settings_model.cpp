@@ -18,16 +18,20 @@ SettingsModel::SettingsModel(QtLoop& loop, StoreThread& store, const Clock& cloc
   }
   connect(&hidden_, &SettingsPart::storeChanged, this, &SettingsModel::remindersConcerned);
   connect(&reminders_, &ReminderServiceModel::allowed, this, &SettingsModel::remindersConcerned);
-  // Whose the addresses are decides what is to be read of the sources.
-  connect(&addresses_, &OwnAddressesModel::mustBeReadAgain, &sources_, &SettingsPart::look);
+  connect(&sources_, &SourcesModel::added, this, &SettingsModel::mustBeRead);
+  connect(&addresses_, &OwnAddressesModel::mustBeReadAgain, this, &SettingsModel::mustBeRead);
 }
 
 void SettingsModel::look() {
   for (auto* part : {static_cast<SettingsPart*>(&sources_), static_cast<SettingsPart*>(&addresses_),
                      static_cast<SettingsPart*>(&hidden_), static_cast<SettingsPart*>(&reminders_),
                      static_cast<SettingsPart*>(&safety_), static_cast<SettingsPart*>(&backup_)}) {
-    part->look();
+    part->forgetAnswer();
+    if (part != &sources_) {
+      part->look();
+    }
   }
+  sources_.lookForNew();
 }
 
 } // namespace orvan

@@ -50,6 +50,8 @@ class SettingsModel : public QObject {
   void storeChanged();
   /// Which follow-ups may remind is not what it was.
   void remindersConcerned();
+  /// There is something to be read of the sources.
+  void mustBeRead();
 
  private:
   // Both outlive the parts, which work on them. What hangs on the bus holds up no look at a file.

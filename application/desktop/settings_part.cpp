@@ -9,7 +9,7 @@ namespace orvan {
 SettingsPart::SettingsPart(const SettingsTools& tools, QObject* parent) : QObject(parent), tools_(tools) {}
 
 void SettingsPart::look() {
-  begin(refresh());
+  run(refresh());
 }
 
 void SettingsPart::forgetAnswer() {
@@ -18,6 +18,10 @@ void SettingsPart::forgetAnswer() {
 
 void SettingsPart::begin(Task<void> task) {
   forgetAnswer();
+  run(std::move(task));
+}
+
+void SettingsPart::run(Task<void> task) {
   count(1);
   startOn(tools_.loop, attend(std::move(task)));
 }

@@ -48,7 +48,7 @@ class SettingsPart : public QObject {
   const QString& answer() const noexcept { return answer_; }
   bool isRefusal() const noexcept { return isRefusal_; }
 
-  /// Looks how it stands, and forgets what was done.
+  /// Looks how it stands.
   Q_INVOKABLE void look();
   Q_INVOKABLE void forgetAnswer();
 
@@ -68,6 +68,9 @@ class SettingsPart : public QObject {
   void setGlance(const QString& glance);
   void say(const QString& sentence);
   void refuse(const QString& sentence);
+
+  /// The same, and the answer before stays.
+  void run(Task<void> task);
 
   const SettingsTools& tools() const noexcept { return tools_; }
   /// What `work` gives or throws on a thread for what may take long. It must use nothing of this object's.

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QVariantMap>
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "OrvanPlatform/human_date.h"
@@ -63,6 +64,11 @@ std::vector<std::int64_t> numbersWithNews(const Sources& sources) {
   return numbers;
 }
 
+std::optional<Instant> readAt(std::int64_t number, const Sources& sources) {
+  const auto source = std::ranges::find(sources, number, &RememberedSource::number);
+  return source == sources.end() ? std::nullopt : source->lastSucceededAt;
+}
+
 /// What a source that is not remembered has in its way.
 struct Addition {
   RecognizedSource source;
@@ -100,18 +106,22 @@ QString inWords(const Addition& addition) {
 } // namespace
 
 Task<void> SourcesModel::refresh() {
-  remembered_ =
+  auto remembered =
       co_await tools().store.ask([](Session& session) { return session.readableStore().read(rememberedSources); });
+  // Of what was read meanwhile, nothing new is known.
+  std::erase_if(withNews_, [&](auto number) { return readAt(number, remembered) != readAt(number, remembered_); });
+  remembered_ = std::move(remembered);
   show();
-  startOn(tools().loop, lookForNews());
 }
 
-Task<void> SourcesModel::lookForNews() {
-  try {
-    withNews_ = co_await lookInto([sources = remembered_] { return numbersWithNews(sources); });
-    show();
-  } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): what is wrong is told when they are read.
-  }
+void SourcesModel::lookForNew() {
+  run(refreshWithNews());
+}
+
+Task<void> SourcesModel::refreshWithNews() {
+  co_await refresh();
+  withNews_ = co_await lookInto([sources = remembered_] { return numbersWithNews(sources); });
+  show();
 }
 
 bool SourcesModel::isInTrouble() const {

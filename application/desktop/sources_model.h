@@ -24,6 +24,8 @@ class SourcesModel : public orvan::SettingsPart {
   const QVariantList& sources() const noexcept { return sources_; }
   bool isInTrouble() const;
 
+  /// Looks how they stand, and at the files, whether they have something new.
+  Q_INVOKABLE void lookForNew();
   /// Remembers what lies at a path, which the user may have written with "~" for their folder.
   Q_INVOKABLE void add(const QString& path);
   /// What was read from it stays.
@@ -40,7 +42,7 @@ class SourcesModel : public orvan::SettingsPart {
  private:
   Task<void> addAt(QString path);
   Task<void> removeNumbered(std::int64_t number);
-  Task<void> lookForNews();
+  Task<void> refreshWithNews();
   void show();
 
   std::vector<RememberedSource> remembered_;

@@ -50,6 +50,14 @@ void withdrawNow(const std::string& followUpID, const SessionSettings& settings,
   }
 }
 
+void bringInLineNow(const SessionSettings& settings) {
+  try {
+    AgentControl(patienceWithService).state();
+    StoreFollowUps(settings).reconcile(std::make_shared<UserNotificationsFollowUpScheduling>(journalOrNoLogSink()));
+  } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): the next to bring reminders in line does it.
+  }
+}
+
 } // namespace
 
 WindowReminders::WindowReminders(SessionSettings settings, Service service)
@@ -64,6 +72,10 @@ void WindowReminders::set(std::string followUpID, std::function<void(ReminderEnd
 void WindowReminders::withdraw(std::string followUpID) {
   boost::asio::post(worker_.get(),
                     [this, followUpID = std::move(followUpID)] { withdrawNow(followUpID, settings_, service_); });
+}
+
+void WindowReminders::bringInLine() {
+  boost::asio::post(worker_.get(), [this] { bringInLineNow(settings_); });
 }
 
 } // namespace orvan

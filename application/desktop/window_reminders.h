@@ -39,6 +39,9 @@ class WindowReminders {
   void set(std::string followUpID, std::function<void(ReminderEnd)> done);
   /// What hinders it is no fault: whoever brings the reminders in line next does it.
   void withdraw(std::string followUpID);
+  /// Brings all of them in line with the follow-ups, after something that concerns an unknown number of them. Nothing
+  /// is asked of a service that does not run: it does the same when it starts.
+  void bringInLine();
 
  private:
   SessionSettings settings_;
