@@ -2204,8 +2204,8 @@
         <translation>Sie galt als %1; diese Person gibt es nun nicht mehr.</translation>
     </message>
     <message>
-        <source>Mail and calendars are read again from their beginning, next time they are read.</source>
-        <translation>Mails und Kalender werden beim nächsten Lesen noch einmal von Anfang an gelesen.</translation>
+        <source>Mail and calendars are read again from their beginning.</source>
+        <translation>Mails und Kalender werden noch einmal von Anfang an gelesen.</translation>
     </message>
     <message>
         <source>That is the only address known as yours, and without any there is no telling your mail from others&apos;. Add another first.</source>
@@ -2220,8 +2220,8 @@
         <translation>Sie gehört wieder zu %1.</translation>
     </message>
     <message>
-        <source>Mail and calendars are read again from their beginning, next time they are read. Until then, what was read while it was yours stays as it is.</source>
-        <translation>Mails und Kalender werden beim nächsten Lesen noch einmal von Anfang an gelesen. Bis dahin bleibt, was gelesen wurde, als sie deine war, wie es ist.</translation>
+        <source>Mail and calendars are read again from their beginning. Until that is done, what was read while it was yours stays as it is.</source>
+        <translation>Mails und Kalender werden noch einmal von Anfang an gelesen. Bis das geschehen ist, bleibt, was gelesen wurde, als sie deine war, wie es ist.</translation>
     </message>
 </context>
 <context>
@@ -2357,8 +2357,8 @@
         <translation>Noch keine Quellen</translation>
     </message>
     <message>
-        <source>%1 of %2 cannot be read</source>
-        <translation>%1 von %2 nicht lesbar</translation>
+        <source>%1 of %2 sources cannot be read</source>
+        <translation>%1 von %2 Quellen nicht lesbar</translation>
     </message>
     <message>
         <source>1 source</source>
