@@ -112,12 +112,12 @@ Task<HandingOver> handToDesktop(std::string address) {
 CorrectionsModel::CorrectionsModel(QtLoop& loop, StoreThread& store, WindowModel& window, QObject* parent)
     : QObject(parent), loop_(loop), store_(store), window_(window) {}
 
-void CorrectionsModel::correct(const QString& personKey, Wording wording, Place place, Work work) {
+void CorrectionsModel::correct(const QString& personKey, Wording wording, Effect effect, Work work) {
   window_.saveBeforeAnotherAction();
-  startOn(loop_, run(personKey, std::move(wording), place, std::move(work)));
+  startOn(loop_, run(personKey, std::move(wording), effect, std::move(work)));
 }
 
-Task<void> CorrectionsModel::run(QString personKey, Wording wording, Place place, Work work) {
+Task<void> CorrectionsModel::run(QString personKey, Wording wording, Effect effect, Work work) {
   const auto now = window_.now();
   try {
     const auto action = co_await store_.ask([work, now](Session& session) { return work(session, now); });
@@ -125,10 +125,13 @@ Task<void> CorrectionsModel::run(QString personKey, Wording wording, Place place
       window_.tell(wording.wasSo);
       co_return;
     }
-    if (place == Place::mayLeave) {
+    if (effect == Effect::mayLeave || effect == Effect::hides) {
       window_.chooseNeighbourOf(personKey);
     }
     window_.offerUndo({*action, personKey, wording.done});
+    if (effect == Effect::hides || effect == Effect::shows) {
+      Q_EMIT visibilityChanged();
+    }
   } catch (...) {
     window_.tell(refusalOfCorrection());
     window_.readAgain();
@@ -136,14 +139,14 @@ Task<void> CorrectionsModel::run(QString personKey, Wording wording, Place place
 }
 
 void CorrectionsModel::hide(const QString& personKey, const QString& displayName) {
-  correct(personKey, {tr("Hidden: %1").arg(displayName), tr("Hidden already: %1").arg(displayName)}, Place::mayLeave,
+  correct(personKey, {tr("Hidden: %1").arg(displayName), tr("Hidden already: %1").arg(displayName)}, Effect::hides,
           [key = personKey.toStdString(), name = displayName.toStdString()](Session& session, Instant now) {
             return orvan::hide(session, {HiddenScope::person, key, name, key}, now).action;
           });
 }
 
 void CorrectionsModel::showAgain(const QString& personKey, const QString& displayName) {
-  correct(personKey, {tr("Shown again: %1").arg(displayName), {}}, Place::stays,
+  correct(personKey, {tr("Shown again: %1").arg(displayName), {}}, Effect::shows,
           [key = personKey.toStdString()](Session& session, Instant now) {
             return std::optional{showPersonAgain(key, session, now)};
           });
@@ -151,13 +154,13 @@ void CorrectionsModel::showAgain(const QString& personKey, const QString& displa
 
 void CorrectionsModel::hideConversation(const QString& personKey, const QString& displayName, const QString& itemKey) {
   correct(personKey, {tr("Hidden: a conversation with %1").arg(displayName), tr("Hidden already: %1").arg(displayName)},
-          Place::mayLeave, [item = itemKey.toStdString()](Session& session, Instant now) {
+          Effect::hides, [item = itemKey.toStdString()](Session& session, Instant now) {
             return orvan::hide(session, hidingTargetCalled(item, session, now), now).action;
           });
 }
 
 void CorrectionsModel::showThingAgain(const QString& personKey, const QString& displayName, const QString& thing) {
-  correct(personKey, {tr("Shown again: a conversation with %1").arg(displayName), {}}, Place::stays,
+  correct(personKey, {tr("Shown again: a conversation with %1").arg(displayName), {}}, Effect::shows,
           [key = thing.toStdString()](Session& session, Instant now) {
             return std::optional{unhide(session, hiddenThingCalled(key, session), now)};
           });
@@ -165,7 +168,7 @@ void CorrectionsModel::showThingAgain(const QString& personKey, const QString& d
 
 void CorrectionsModel::makeOne(const QString& personKey, const QString& displayName, const QString& otherKey,
                                const QString& otherName) {
-  correct(personKey, {tr("One person now: %1 and %2").arg(displayName, otherName), {}}, Place::stays,
+  correct(personKey, {tr("One person now: %1 and %2").arg(displayName, otherName), {}}, Effect::none,
           [key = personKey.toStdString(), other = otherKey.toStdString()](Session& session, Instant now) {
             return session.writableStore().write([&](Connection& connection) {
               return std::optional{mergePeopleForUser(key, std::span{&other, 1}, now, connection)};
@@ -174,7 +177,7 @@ void CorrectionsModel::makeOne(const QString& personKey, const QString& displayN
 }
 
 void CorrectionsModel::splitOff(const QString& personKey, const QString& address) {
-  correct(personKey, {tr("A person of its own now: %1").arg(address), {}}, Place::stays,
+  correct(personKey, {tr("A person of its own now: %1").arg(address), {}}, Effect::none,
           [own = address.toStdString()](Session& session, Instant now) {
             return session.writableStore().write(
                 [&](Connection& connection) { return std::optional{splitAddress(own, now, connection).action}; });
@@ -190,13 +193,13 @@ void CorrectionsModel::rename(const QString& personKey, const QString& displayNa
     correct(personKey,
             {tr("Called as mail says: no longer %1").arg(displayName),
              tr("Called as mail says already: %1").arg(displayName)},
-            Place::stays, [key = personKey.toStdString()](Session& session, Instant now) {
+            Effect::none, [key = personKey.toStdString()](Session& session, Instant now) {
               return session.writableStore().write(
                   [&](Connection& connection) { return giveNameBackForUser(key, now, connection); });
             });
     return;
   }
-  correct(personKey, {tr("Renamed: %1").arg(newName), {}}, Place::stays,
+  correct(personKey, {tr("Renamed: %1").arg(newName), {}}, Effect::none,
           [key = personKey.toStdString(), text = newName.toStdString()](Session& session, Instant now) {
             return session.writableStore().write(
                 [&](Connection& connection) { return std::optional{renamePersonForUser(key, text, now, connection)}; });
@@ -204,7 +207,7 @@ void CorrectionsModel::rename(const QString& personKey, const QString& displayNa
 }
 
 void CorrectionsModel::sayWrong(const QString& personKey, const QString& displayName, const QString& itemKey) {
-  correct(personKey, {tr("Noted that this was wrong: %1").arg(displayName), {}}, Place::mayLeave,
+  correct(personKey, {tr("Noted that this was wrong: %1").arg(displayName), {}}, Effect::mayLeave,
           [item = itemKey.toStdString()](Session& session, Instant now) {
             return std::optional{orvan::sayWrong(session, item, now).action};
           });

@@ -63,6 +63,10 @@ class CorrectionsModel : public QObject {
   /// Opens the mail that the item is about in the user's mail program.
   Q_INVOKABLE void openMessage(const QString& itemKey);
 
+ Q_SIGNALS:
+  /// Somebody was hidden, or is shown again.
+  void visibilityChanged();
+
  private:
   /// On the store's thread. Gives the number of the journal's entry; nothing when there was nothing to do.
   using Work = std::function<std::optional<std::int64_t>(Session&, Instant)>;
@@ -73,11 +77,11 @@ class CorrectionsModel : public QObject {
     QString wasSo;
   };
 
-  /// Where the person leaves the list, somebody near is chosen in their place.
-  enum class Place { stays, mayLeave };
+  /// What else follows: where the person leaves the list, somebody near is chosen in their place.
+  enum class Effect { none, mayLeave, hides, shows };
 
-  void correct(const QString& personKey, Wording wording, Place place, Work work);
-  Task<void> run(QString personKey, Wording wording, Place place, Work work);
+  void correct(const QString& personKey, Wording wording, Effect effect, Work work);
+  Task<void> run(QString personKey, Wording wording, Effect effect, Work work);
   Task<void> takeSnoozeBack(QString personKey, QString displayName);
   Task<void> findOthers(QString personKey, QString text);
   Task<void> handOver(QString itemKey);

@@ -261,7 +261,10 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   SettingsModel settingsModel(loop, store, clock, asOf);
   QObject::connect(&settingsModel, &SettingsModel::storeChanged, &model, &WindowModel::readAgain);
   CorrectionsModel corrections(loop, store, model);
-  QObject::connect(&settingsModel, &SettingsModel::remindersConcerned, [&reminders] { reminders.bringInLine(); });
+  const auto bringRemindersInLine = [&reminders] { reminders.bringInLine(); };
+  QObject::connect(&corrections, &CorrectionsModel::visibilityChanged, &application, bringRemindersInLine);
+  QObject::connect(&model, &WindowModel::visibilityChanged, &application, bringRemindersInLine);
+  QObject::connect(&settingsModel, &SettingsModel::remindersConcerned, &application, bringRemindersInLine);
   QObject::connect(&settingsModel, &SettingsModel::mustBeRead, firstStart.reading(), &ReadingModel::readNew);
   QObject::connect(firstStart.reading(), &ReadingModel::ended, settingsModel.sources(), &SourcesModel::lookForNew);
   QObject::connect(&model, &WindowModel::listRead, settingsModel.sources(), &SettingsPart::look);

@@ -272,7 +272,8 @@ Task<void> WindowModel::findCalled(QString person) {
 
 QString WindowModel::noteOnUndecided(const QString& personKey) const {
   const auto* decision = decisionToUndo();
-  return decision != nullptr && decision->personKey == personKey
+  return decision != nullptr && decision->personKey == personKey &&
+                 std::holds_alternative<AttentionItemAction>(decision->action)
              ? tr("You have just decided about this. Undo brings it back.")
              : QString{};
 }
@@ -430,10 +431,15 @@ void WindowModel::undo() {
 Task<void> WindowModel::takeBack(SavedCorrection correction) {
   const auto asOf = now();
   try {
-    co_await store_.ask([number = correction.action, asOf](Session& session) {
-      session.writableStore().write([&](Connection& connection) { return undoAction(number, asOf, connection); });
+    const auto entry = co_await store_.ask([number = correction.action, asOf](Session& session) {
+      auto taken =
+          session.writableStore().write([&](Connection& connection) { return undoAction(number, asOf, connection); });
       session.readAgain();
+      return taken;
     });
+    if (entry.kind == UserActionKind::hide || entry.kind == UserActionKind::unhide) {
+      Q_EMIT visibilityChanged();
+    }
     choose(correction.personKey);
   } catch (...) {
     tell(refusalOfCorrection());

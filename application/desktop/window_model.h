@@ -161,6 +161,8 @@ class WindowModel : public QObject {
   void personCalled();
   /// Nobody goes by that name, or several do.
   void nobodyCalled(const QString& text);
+  /// Taking something back hid somebody, or showed them again.
+  void visibilityChanged();
 
  private:
   /// A decision that was given to the store's thread.
