@@ -355,6 +355,14 @@
         <source>Its folder has to be yours, and on a disk that can be written to. Mend that, and try again. Nothing was lost.</source>
         <translation>Sein Ordner muss dir gehören und auf einem beschreibbaren Datenträger liegen. Behebe das und versuche es noch einmal. Es ging nichts verloren.</translation>
     </message>
+    <message>
+        <source>The folder for the store could not be made</source>
+        <translation>Der Ordner für den Datenbestand ließ sich nicht anlegen</translation>
+    </message>
+    <message>
+        <source>The folder around it has to be yours, and on a disk that can be written to.</source>
+        <translation>Der Ordner darüber muss dir gehören und auf einem beschreibbaren Datenträger liegen.</translation>
+    </message>
 </context>
 <context>
     <name>FailurePage</name>
@@ -763,10 +771,6 @@
         <translation>Bei niemandem, mit dem du zu tun hast, steht das im Namen oder in der Adresse.</translation>
     </message>
     <message>
-        <source>%1 is called %2 from then on, and has all the mail, meetings and decisions of both.</source>
-        <translation>%1 heißt von da an %2 und hat alle Mails, Treffen und Entscheidungen von beiden.</translation>
-    </message>
-    <message>
         <source>, </source>
         <translation>, </translation>
     </message>
@@ -777,6 +781,10 @@
     <message>
         <source>Somebody else</source>
         <translation>Jemand anders</translation>
+    </message>
+    <message>
+        <source>Both become %1 (%2), with all the mail, meetings and decisions of both.</source>
+        <translation>Aus beiden wird %1 (%2), mit allen Mails, Treffen und Entscheidungen von beiden.</translation>
     </message>
 </context>
 <context>
@@ -2045,10 +2053,6 @@
         <source>That is no mail address; one looks like robin@example.org.</source>
         <translation>Das ist keine Mailadresse; eine sieht aus wie robin@example.org.</translation>
     </message>
-    <message>
-        <source>%1. %2</source>
-        <translation>%1. %2</translation>
-    </message>
     <message numerus="yes">
         <source>Everything is read; %n new.</source>
         <comment>mails, meetings and contacts</comment>
@@ -2060,6 +2064,19 @@
     <message>
         <source>Everything is read; nothing is new.</source>
         <translation>Alles ist gelesen; nichts ist neu.</translation>
+    </message>
+    <message>
+        <source>Your keyring is locked. Unlock it with the desktop&apos;s password program and start again, or keep the key in a file.</source>
+        <translation>Dein Schlüsselbund ist gesperrt. Entsperre ihn mit dem Passwortprogramm der Arbeitsumgebung und beginne noch einmal, oder lege den Schlüssel in eine Datei.</translation>
+    </message>
+    <message>
+        <source>The keyring did not take the key. Start again, or keep the key in a file.</source>
+        <translation>Der Schlüsselbund hat den Schlüssel nicht angenommen. Beginne noch einmal, oder lege den Schlüssel in eine Datei.</translation>
+    </message>
+    <message>
+        <source>%1. %2 %3</source>
+        <comment>what is wrong, what to do, and a command</comment>
+        <translation>%1. %2 %3</translation>
     </message>
 </context>
 <context>
@@ -2075,6 +2092,10 @@
     <message>
         <source>Couldn&apos;t save — try again</source>
         <translation>Couldn&apos;t save — try again</translation>
+    </message>
+    <message>
+        <source>Now is when you wanted to get back to %1: %2</source>
+        <translation>Jetzt wolltest du dich bei %1 melden: %2</translation>
     </message>
 </context>
 <context>
@@ -2372,6 +2393,10 @@
         <source>%1 is taken off the list; what was read from it stays.</source>
         <translation>%1 wurde von der Liste genommen; was daraus gelesen wurde, bleibt.</translation>
     </message>
+    <message>
+        <source>%1 of %2 sources cannot be read</source>
+        <translation>%1 von %2 Quellen nicht lesbar</translation>
+    </message>
 </context>
 <context>
     <name>orvan::StoreSafetyModel</name>
@@ -2449,6 +2474,10 @@
     <message>
         <source>You have just decided about this. Undo brings it back.</source>
         <translation>Darüber hast du gerade entschieden. Rückgängig bringt es zurück.</translation>
+    </message>
+    <message>
+        <source>Whom the link means is not in this store.</source>
+        <translation>Wen der Link meint, steht nicht in diesem Datenbestand.</translation>
     </message>
 </context>
 </TS>
