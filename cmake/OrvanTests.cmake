@@ -8,9 +8,6 @@ function(orvan_test)
     return()
   endif()
   orvan_program(NAME ${ARG_NAME} SOURCES ${ARG_SOURCES} LINKS ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  if(CMAKE_CURRENT_SOURCE_DIR MATCHES "/tests/(cli|import|session)")
-    set_property(TARGET ${ARG_NAME} PROPERTY UNITY_BUILD OFF)
-  endif()
   # A test spends its time in the libraries, which keep their optimisation; its own files compile in half the time.
   target_compile_options(${ARG_NAME} PRIVATE -O0)
   gtest_discover_tests(${ARG_NAME} TEST_PREFIX "${ARG_NAME}." DISCOVERY_TIMEOUT 60 PROPERTIES
