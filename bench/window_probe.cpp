@@ -20,7 +20,6 @@
 #include <functional>
 #include <vector>
 
-#include "application/desktop/overview_model.h"
 #include "application/desktop/window_model.h"
 #include "tests/support/test_store.h"
 
@@ -201,7 +200,7 @@ void watch() {
   application->installEventFilter(new Watcher(application));
 }
 
+Q_COREAPP_STARTUP_FUNCTION(watch)
+
 } // namespace
 } // namespace orvan
-
-Q_COREAPP_STARTUP_FUNCTION(orvan::watch)
