@@ -70,7 +70,8 @@ void makeStoreUnlessThere(const SessionSettings& settings, KeyPlace place) {
     return;
   }
   try {
-    createStoreAndKey(settings, StoreKey(settings.keyFile).place().value_or(place));
+    const StoreKey key(settings.keyFile);
+    createStoreAndKey(settings, key.exists() ? key.place().value_or(place) : place);
   } catch (const Error& error) {
     if (error.code() != ApplicationStoreError::storeExists) {
       throw;
