@@ -32,10 +32,6 @@ function(orvan_library)
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${ARG_NAME} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:orvan_warnings>)
   set_property(TARGET ${ARG_NAME} PROPERTY ORVAN_FOLDER ${ARG_FOLDER})
-  if(ARG_FOLDER MATCHES "^application/")
-    # Its sources share small names behind their walls, and are what changes most.
-    set_property(TARGET ${ARG_NAME} PROPERTY UNITY_BUILD OFF)
-  endif()
   set_property(GLOBAL APPEND PROPERTY ORVAN_LIBRARIES ${ARG_NAME})
 endfunction()
 
