@@ -23,7 +23,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto noon = "2026-03-10T12:00:00Z";
+constexpr auto dayOfSettings = "2026-03-10T12:00:00Z";
 
 /// The settings of a store that knows Ada, from a mail of hers to Robin.
 class Settings : public testing::Test {
@@ -43,7 +43,7 @@ class Settings : public testing::Test {
   SessionSettings settings() const { return {.store = folder_.path() / "store.db", .keyFile = folder_.path() / "key"}; }
 
   void run(std::vector<std::string> words) const {
-    words.insert(words.begin(), {"orvan", "--as-of", noon, "--store", settings().store.string(), "--key-file",
+    words.insert(words.begin(), {"orvan", "--as-of", dayOfSettings, "--store", settings().store.string(), "--key-file",
                                  settings().keyFile.string()});
     std::vector<const char*> arguments;
     std::ranges::transform(words, std::back_inserter(arguments), &std::string::c_str);
@@ -71,7 +71,7 @@ class Settings : public testing::Test {
   }
 
   ScratchFolder folder_;
-  const std::shared_ptr<ManualClock> clock_ = std::make_shared<ManualClock>(*parseInternetDateTime(noon));
+  const std::shared_ptr<ManualClock> clock_ = std::make_shared<ManualClock>(*parseInternetDateTime(dayOfSettings));
   QtLoop loop_;
   StoreThread store_{settings()};
   SettingsModel model_{loop_, store_, *clock_, std::nullopt};
