@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
+#include <QSignalBlocker>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -160,19 +161,26 @@ class SavingAtExit {
  public:
   SavingAtExit(WindowModel& model, StoreThread& store) : model_(model), store_(store) {
     current = this;
-    std::atexit([] {
-      if (current != nullptr) {
-        current->save();
-      }
-    });
+    // What is done at an exit is done in the reverse order: this has to come before the cryptography that the store
+    // needs goes, and so be said after that has come.
+    QObject::connect(
+        &model, &WindowModel::listRead, &model, [] { std::atexit(saveIfThereIsAnything); }, Qt::SingleShotConnection);
   }
   ~SavingAtExit() { current = nullptr; }
   SavingAtExit(const SavingAtExit&) = delete;
   SavingAtExit& operator=(const SavingAtExit&) = delete;
 
  private:
+  static void saveIfThereIsAnything() {
+    if (current != nullptr) {
+      current->save();
+    }
+  }
   void save() {
     constexpr std::chrono::seconds longest{10};
+    // What Qt needs to show anything is gone by now.
+    const QSignalBlocker quiet(model_);
+    const QSignalBlocker quietList(*model_.list());
     model_.saveAtEnd();
     const auto saved = std::make_shared<std::promise<void>>();
     store_.post([saved](Session&) { saved->set_value(); });
