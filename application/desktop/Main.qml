@@ -81,6 +81,12 @@ Window {
             window.showPerson()
         }
 
+        // Nobody is left on the list after the last one was decided about.
+        function onChosenChanged() {
+            if (window.model.chosen.length === 0 && window.isNarrow && window.showsPerson)
+                window.showList()
+        }
+
         function onNobodyCalled(text: string) {
             window.place = "people"
             search.text = text
