@@ -91,7 +91,16 @@ class AttentionEvidenceCompiler::Desk {
     return runOn(desk->turn_, compileEveryone(desk, asOf));
   }
 
+  static Task<void> releaseInTurn(const std::shared_ptr<Desk>& desk) { return runOn(desk->turn_, releaseMemory(desk)); }
+
  private:
+  static Task<void> releaseMemory(std::shared_ptr<Desk> desk) {
+    if (desk->database_ != nullptr) {
+      desk->database_->withoutTransaction(
+          [](Connection& connection) { connection.executeScript("PRAGMA shrink_memory"); });
+    }
+    co_return;
+  }
   static Task<AttentionEvidenceBundle> compileOne(std::shared_ptr<Desk> desk, std::string personKey, Instant asOf) {
     co_return desk->compile(std::move(personKey), asOf);
   }
@@ -185,6 +194,10 @@ Task<AttentionEvidenceBundle> AttentionEvidenceCompiler::compile(std::string per
 
 Task<std::vector<AttentionEvidenceBundle>> AttentionEvidenceCompiler::compileAll(Instant asOf) {
   return Desk::compileAllInTurn(desk_, asOf);
+}
+
+Task<void> AttentionEvidenceCompiler::releaseMemory() {
+  return Desk::releaseInTurn(desk_);
 }
 
 } // namespace orvan

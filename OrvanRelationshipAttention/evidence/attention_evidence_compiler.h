@@ -56,6 +56,10 @@ class AttentionEvidenceCompiler {
   /// may have their turn.
   Task<std::vector<AttentionEvidenceBundle>> compileAll(Instant asOf);
 
+  /// Gives back the memory in which pages of the store are kept between operations; what is asked next reads them anew.
+  /// For programs that stay open after they have compiled everybody. Throws StoreError.
+  Task<void> releaseMemory();
+
   /// Where operations run.
   const Executor& executor() const noexcept { return work_.get(); }
 

@@ -71,6 +71,7 @@ ListReading readList(Session& session, Instant asOf) {
       session.readableStore().read([](Connection& connection) { return lastBroughtIn(connection); });
   const auto nextDueAt =
       session.readableStore().read([asOf](Connection& connection) { return nextDueAfter(asOf, connection); });
+  session.giveMemoryBack();
   return {std::move(list), asOf, broughtInAt, version, nextDueAt};
 }
 

@@ -1,5 +1,7 @@
 #include "application/session/session.h"
 
+#include <malloc.h>
+
 #include <future>
 #include <span>
 #include <utility>
@@ -205,6 +207,16 @@ AttentionEvidenceBundle Session::bundle(const std::string& personKey, Instant as
 std::vector<AttentionItemDispositionRecord> Session::records(const std::string& personKey) {
   return store().read(
       [&personKey](Connection& connection) { return AttentionDispositionStore::records(personKey, connection); });
+}
+
+void Session::giveMemoryBack() {
+  if (compiler_ != nullptr) {
+    waitFor(compiler_->executor(), compiler_->releaseMemory());
+  }
+  if (store_ != nullptr) {
+    store_->withoutTransaction([](Connection& connection) { connection.executeScript("PRAGMA shrink_memory"); });
+  }
+  malloc_trim(0);
 }
 
 DatabaseQueue& Session::writableStore() {

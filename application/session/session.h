@@ -57,6 +57,9 @@ class Session {
   /// then, or until another moment is asked for.
   const std::vector<ContactOutlook>& outlooks(Instant asOf);
   void readAgain() noexcept;
+  /// Gives back to the system what reading everybody took in memory, most of it pages of the store. For programs that
+  /// stay open: what they read next costs its pages anew. Throws StoreError.
+  void giveMemoryBack();
   /// How many of `outlooks(asOf)`, from the first, are looked at: those who can have a reason, up to the cap.
   std::size_t countLookedAt(Instant asOf);
 
