@@ -371,16 +371,12 @@ Flickable {
             text: qsTr("There is also")
         }
 
-        Repeater {
-            model: page.person.otherMatters
-
-            Line {
-                look: page.look
-                required property string modelData
-
-                width: content.width
-                text: modelData
-            }
+        // One text rather than one for each: making them is most of what opening a person costs.
+        Line {
+            look: page.look
+            visible: page.person.otherMatters.length > 0
+            text: page.person.otherMatters.join("\n")
+            lineHeight: 1.4
         }
 
         Heading {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <utility>
 
+#include "application/desktop/refusal_in_words.h"
 #include "application/desktop/wording.h"
 #include "application/desktop/written_path.h"
 
@@ -96,7 +97,7 @@ QString ReadingModel::text() const {
       return tr("Stopped. What was read so far is kept.");
     case Troubled: {
       const auto& first = end_.troubles.front();
-      return tr("%1: %2").arg(shownPath(first.name), displayText(first.sentence));
+      return tr("%1: %2").arg(shownPath(first.name), sourceFaultInWords(first.sentence));
     }
     case Failed:
       return tr("%1. %2").arg(end_.failure->title, end_.failure->text);

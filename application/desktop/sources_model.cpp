@@ -24,18 +24,6 @@ struct SourceWords {
   Q_DECLARE_TR_FUNCTIONS(SourceWords)
 };
 
-QString kindInWords(SourceKind kind) {
-  switch (kind) {
-    case SourceKind::mail:
-      return SourceWords::tr("Mail");
-    case SourceKind::calendar:
-      return SourceWords::tr("Calendar");
-    case SourceKind::cards:
-      break;
-  }
-  return SourceWords::tr("Contact cards");
-}
-
 QString readingInWords(const RememberedSource& source, Instant now) {
   using namespace std::chrono_literals;
   if (!source.lastSucceededAt) {
@@ -88,7 +76,7 @@ std::vector<Addition> addAll(const std::vector<RecognizedSource>& sources, Insta
 }
 
 QString inWords(const Addition& addition) {
-  const auto kind = kindInWords(addition.source.kind);
+  const auto kind = orvan::inWords(addition.source.kind);
   const auto path = shownPath(addition.source.path);
   switch (addition.outcome) {
     case AddedSource::Outcome::added:
@@ -136,7 +124,7 @@ void SourcesModel::show() {
     unreadable += source.lastFault ? 1 : 0;
     sources.push_back(QVariantMap{
         {"number", QVariant::fromValue<qlonglong>(source.number)},
-        {"kind", kindInWords(source.kind)},
+        {"kind", orvan::inWords(source.kind)},
         {"path", shownPath(source.path)},
         {"state", readingInWords(source, now)},
         {"trouble", source.lastFault ? sourceFaultInWords(*source.lastFault) : QString{}},

@@ -1452,18 +1452,6 @@
 <context>
     <name>SourceWords</name>
     <message>
-        <source>Mail</source>
-        <translation>Mails</translation>
-    </message>
-    <message>
-        <source>Calendar</source>
-        <translation>Kalender</translation>
-    </message>
-    <message>
-        <source>Contact cards</source>
-        <translation>Kontaktkarten</translation>
-    </message>
-    <message>
         <source>Not read yet</source>
         <translation>Noch nicht gelesen</translation>
     </message>
@@ -2392,10 +2380,6 @@
     <message>
         <source>%1 is taken off the list; what was read from it stays.</source>
         <translation>%1 wurde von der Liste genommen; was daraus gelesen wurde, bleibt.</translation>
-    </message>
-    <message>
-        <source>%1 of %2 sources cannot be read</source>
-        <translation>%1 von %2 Quellen nicht lesbar</translation>
     </message>
 </context>
 <context>
