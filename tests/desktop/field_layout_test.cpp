@@ -13,7 +13,7 @@ TEST(FieldLayout, LaysHundredsOfPeopleAndTheirNamesBesideEachOther) {
     const auto age = std::fmod(static_cast<double>(number) * 37.7, 730);
     entries.push_back({static_cast<FieldBand>(number % bandsOfField),
                        number % 5 == 0 ? 3 : age,
-                       static_cast<double>(300 / (number + 1)),
+                       300.0 / static_cast<double>(number + 1),
                        {90, 14}});
   }
   const auto layout = layOutField(entries, {996, 340}, 1, 16);

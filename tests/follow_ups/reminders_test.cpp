@@ -87,7 +87,7 @@ TEST_F(RemindersOfAStore, WaitForTheUserAWhileAndNeverAskInAPass) {
   center_->setAuthorizationStatus(AuthorizationStatus::notDetermined);
   center_->script(InMemoryNotificationCenter::Operation::requestAuthorization, CenterBehaviour::hang());
   const auto id = add(now_ + 1h);
-  EXPECT_EQ(Reminders(settings_, scheduling_, 1ms).set(id), EffectReasonToken::authorizationPending);
+  EXPECT_EQ(Reminders(settings_, scheduling_, 100ms).set(id), EffectReasonToken::authorizationPending);
   center_->dropHeld();
   reconcile();
   EXPECT_EQ(center_->callCount(InMemoryNotificationCenter::Operation::requestAuthorization), 1U);
