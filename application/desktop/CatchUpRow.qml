@@ -41,7 +41,7 @@ Item {
 
         anchors.fill: parent
         anchors.leftMargin: 8
-        anchors.rightMargin: 8
+        anchors.rightMargin: 12
         radius: 8
         color: Qt.alpha(row.look.accent, row.isChosen ? (row.look.isDark ? 0.18 : 0.1) : pointer.hovered ? 0.05 : 0)
         border.width: row.isChosen && row.ListView.view.activeFocus ? 1 : 0
@@ -123,7 +123,7 @@ Item {
 
     Rectangle {
         anchors.right: parent.right
-        anchors.rightMargin: 12
+        anchors.rightMargin: 16
         y: 9
         width: actions.width + 8
         height: actions.height

@@ -52,7 +52,7 @@ ListView {
         Rectangle {
             anchors.fill: parent
             anchors.leftMargin: 8
-            anchors.rightMargin: 8
+            anchors.rightMargin: 12
             radius: 8
             color: Qt.alpha(results.look.accent, row.ListView.isCurrentItem ? 0.14 : pointer.hovered ? 0.06 : 0)
         }
