@@ -247,6 +247,41 @@ class Opening {
   bool isFirst_ = false;
 };
 
+/// All that the window shows and does, each part knowing what another one changed.
+struct Models {
+  Models(QtLoop& loop, StoreThread& store, WindowReminders& reminders, const Clock& clock, std::optional<Instant> asOf)
+      : window(loop, store, clock, asOf),
+        firstStart(loop, store, clock, asOf, window),
+        overview(loop, store, clock, asOf),
+        followUps(loop, store, reminders, window, clock, asOf),
+        settings(loop, store, clock, asOf),
+        corrections(loop, store, window) {
+    const auto bringRemindersInLine = [&reminders] { reminders.bringInLine(); };
+    QObject::connect(&corrections, &CorrectionsModel::visibilityChanged, &window, bringRemindersInLine);
+    QObject::connect(&window, &WindowModel::visibilityChanged, &window, bringRemindersInLine);
+    QObject::connect(&settings, &SettingsModel::remindersConcerned, &window, bringRemindersInLine);
+    QObject::connect(&settings, &SettingsModel::storeChanged, &window, &WindowModel::readAgain);
+    QObject::connect(&settings, &SettingsModel::mustBeRead, firstStart.reading(), &ReadingModel::readNew);
+    QObject::connect(firstStart.reading(), &ReadingModel::ended, settings.sources(), &SourcesModel::lookForNew);
+    QObject::connect(&window, &WindowModel::listRead, settings.sources(), &SettingsPart::look);
+    QObject::connect(&window, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
+  }
+
+  /// What the QML of the window asks for.
+  QVariantMap properties() {
+    return {{"model", QVariant::fromValue(&window)},      {"firstStart", QVariant::fromValue(&firstStart)},
+            {"overview", QVariant::fromValue(&overview)}, {"followUps", QVariant::fromValue(&followUps)},
+            {"settings", QVariant::fromValue(&settings)}, {"corrections", QVariant::fromValue(&corrections)}};
+  }
+
+  WindowModel window;
+  FirstStartModel firstStart;
+  OverviewModel overview;
+  FollowUpsModel followUps;
+  SettingsModel settings;
+  CorrectionsModel corrections;
+};
+
 int run(const Invocation& invocation, QGuiApplication& application) {
   // Each needs those before it until it is gone.
   QtLoop loop;
@@ -260,33 +295,15 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   WindowReminders reminders(settings, [settings] { return usableService(settings); });
   StoreThread store(settings);
   DesktopAppearance appearance(bus.get()); // NOLINT(misc-const-correctness): QML takes no pointer to a constant.
-  const auto asOf = parseInternetDateTime(invocation.asOf);
-  WindowModel model(loop, store, clock, asOf);
-  FirstStartModel firstStart(loop, store, clock, asOf, model);
-  OverviewModel overview(loop, store, clock, asOf);
-  QObject::connect(&model, &WindowModel::listRead, &overview, &OverviewModel::readAgain);
-  FollowUpsModel followUps(loop, store, reminders, model, clock, asOf);
-  SettingsModel settingsModel(loop, store, clock, asOf);
-  QObject::connect(&settingsModel, &SettingsModel::storeChanged, &model, &WindowModel::readAgain);
-  CorrectionsModel corrections(loop, store, model);
-  const auto bringRemindersInLine = [&reminders] { reminders.bringInLine(); };
-  QObject::connect(&corrections, &CorrectionsModel::visibilityChanged, &application, bringRemindersInLine);
-  QObject::connect(&model, &WindowModel::visibilityChanged, &application, bringRemindersInLine);
-  QObject::connect(&settingsModel, &SettingsModel::remindersConcerned, &application, bringRemindersInLine);
-  QObject::connect(&settingsModel, &SettingsModel::mustBeRead, firstStart.reading(), &ReadingModel::readNew);
-  QObject::connect(firstStart.reading(), &ReadingModel::ended, settingsModel.sources(), &SourcesModel::lookForNew);
-  QObject::connect(&model, &WindowModel::listRead, settingsModel.sources(), &SettingsPart::look);
+  Models models(loop, store, reminders, clock, parseInternetDateTime(invocation.asOf));
+  auto& model = models.window;
 
   QQmlApplicationEngine engine;
   addAttentionViews(engine);
   qml_register_types_Orvan_Desktop();
-  engine.setInitialProperties({{"model", QVariant::fromValue(&model)},
-                               {"appearance", QVariant::fromValue(&appearance)},
-                               {"firstStart", QVariant::fromValue(&firstStart)},
-                               {"overview", QVariant::fromValue(&overview)},
-                               {"followUps", QVariant::fromValue(&followUps)},
-                               {"settings", QVariant::fromValue(&settingsModel)},
-                               {"corrections", QVariant::fromValue(&corrections)}});
+  auto properties = models.properties();
+  properties.insert("appearance", QVariant::fromValue(&appearance));
+  engine.setInitialProperties(properties);
   engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Orvan/Desktop/Main.qml")));
   auto* window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(engine.rootObjects().first());
   if (window == nullptr) {
@@ -298,9 +315,9 @@ int run(const Invocation& invocation, QGuiApplication& application) {
   Opening opening(*window, model, invocation.wish());
   reminderClicked = [&](const std::string& followUpID) {
     opening.show({});
-    followUps.showPersonOf(followUpID);
+    models.followUps.showPersonOf(followUpID);
   };
-  const auto inFront = std::make_shared<ReminderInFront>(loop, settings, followUps);
+  const auto inFront = std::make_shared<ReminderInFront>(loop, settings, models.followUps);
   // A window that goes tells so, too, and then there is nobody to stand in front any more.
   const QObject running;
   QObject::connect(window, &QQuickWindow::activeChanged, &running, [&] { standInFront(*window, inFront); });
