@@ -85,9 +85,9 @@ QString refusalOfCorrection() {
     if (belongsTo<SessionError>(code)) {
       return inWords(static_cast<SessionError>(code.value()));
     }
-    return Refusal::tr("Nothing was changed. %1").arg(failureOfCurrentException().text);
+    return Refusal::tr("Nothing was changed. %1").arg(currentFailureInWords().text);
   } catch (...) {
-    return Refusal::tr("Nothing was changed. %1").arg(failureOfCurrentException().text);
+    return Refusal::tr("Nothing was changed. %1").arg(currentFailureInWords().text);
   }
 }
 

@@ -122,7 +122,7 @@ FailureInWords inWords(const Error& error) {
 
 } // namespace
 
-FailureInWords failureOfCurrentException() {
+FailureInWords currentFailureInWords() {
   try {
     throw;
   } catch (const StoreError& error) {

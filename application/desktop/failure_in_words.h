@@ -13,7 +13,7 @@ struct FailureInWords {
 };
 
 /// What the exception that is being handled means to somebody who looks at the window. To be called within a handler.
-FailureInWords failureOfCurrentException();
+FailureInWords currentFailureInWords();
 
 /// Whether the exception that is being handled says that there is no store yet.
 bool tellsOfNoStore();

@@ -370,7 +370,7 @@ QString FirstStartModel::whyItCouldNotBegin() const {
     }
   } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): told below.
   }
-  const auto words = failureOfCurrentException();
+  const auto words = currentFailureInWords();
   return tr("%1. %2 %3", "what is wrong, what to do, and a command").arg(words.title, words.text, words.commands);
 }
 

@@ -58,7 +58,7 @@ ImportEnd ImportRun::run(const SessionSettings& settings, Instant now) {
     return read(settings, now);
   } catch (...) {
     ImportEnd end;
-    end.failure = failureOfCurrentException();
+    end.failure = currentFailureInWords();
     return end;
   }
 }

@@ -112,7 +112,7 @@ Task<void> OverviewModel::readUntilCurrent() {
     try {
       take(co_await store_.ask([asOf](Session& session) { return read(session, asOf); }));
     } catch (...) {
-      failure_ = failureOfCurrentException().title;
+      failure_ = currentFailureInWords().title;
       Q_EMIT changed();
     }
   }

@@ -72,7 +72,7 @@ void WindowModel::fail() {
     setPage(NoStore);
     return;
   }
-  failure_ = failureOfCurrentException();
+  failure_ = currentFailureInWords();
   setPage(Failing);
 }
 
