@@ -13,13 +13,13 @@ Column {
     Accessible.name: lines.join(" ")
 
     Repeater {
-        model: evidence.lines
+        model: evidence.lines.length
 
         Text {
-            required property string modelData
+            required property int index
 
             width: evidence.width
-            text: modelData
+            text: evidence.lines[index] ?? ""
             textFormat: Text.PlainText
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignLeft

@@ -52,6 +52,14 @@ Flickable {
         Accessible.role: Accessible.Heading
     }
 
+    // Its row tells assistive technology what it says.
+    component Cell: Text {
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        horizontalAlignment: Text.AlignLeft
+        font.pixelSize: page.look.pixelSize(12)
+    }
+
     component Line: PlainText {
         width: parent.width
         bottomPadding: 6
@@ -59,6 +67,11 @@ Flickable {
 
     Column {
         id: content
+
+        // The columns of a conversation. Where there is no room for three, what was asked stands beneath who asked it.
+        readonly property int dateWidth: page.look.pixelSize(96)
+        readonly property int writerWidth: page.look.pixelSize(120)
+        readonly property bool isTight: width < page.look.pixelSize(400)
 
         x: page.look.isRightToLeft ? page.width - width - 32 : 32
         y: 28
@@ -282,7 +295,7 @@ Flickable {
 
         Heading {
             look: page.look
-            visible: page.person.exchanges.length > 0
+            visible: page.person.conversation.count > 0
             text: {
                 if (page.person.subject.length > 0)
                     return page.person.subject
@@ -298,60 +311,57 @@ Flickable {
         }
 
         Repeater {
-            model: page.person.exchanges
+            model: page.person.conversation
 
             Item {
                 id: exchange
 
-                required property var modelData
+                required property int index
+                required property string date
+                required property string writer
+                required property bool isOwn
+                required property string words
+                required property bool isQuestion
+                required property string sentence
 
-                readonly property int dateWidth: page.look.pixelSize(96)
-                readonly property int writerWidth: page.look.pixelSize(120)
-                // Where there is no room for three columns, what was asked stands beneath who asked it.
-                readonly property bool isTight: width < page.look.pixelSize(400)
-                readonly property bool showsWords: !isTight || modelData.isQuestion
+                readonly property bool showsWords: !content.isTight || isQuestion
 
                 width: content.width
-                height: Math.max(writer.height, showsWords ? words.y + words.height : 0) + 6
+                visible: index < page.person.conversation.count
+                height: Math.max(from.height, showsWords ? said.y + said.height : 0) + 6
 
                 Accessible.role: Accessible.StaticText
-                Accessible.name: [modelData.date, modelData.writer, modelData.words].filter(text => text.length > 0).join(qsTr(", "))
+                Accessible.name: sentence
 
-                PlainText {
-                    look: page.look
+                Cell {
                     anchors.left: parent.left
-                    width: exchange.dateWidth
-                    text: exchange.modelData.date
+                    width: content.dateWidth
+                    text: exchange.date
                     color: page.look.secondaryText
-                    Accessible.ignored: true
                 }
 
-                PlainText {
-                    id: writer
+                Cell {
+                    id: from
 
-                    look: page.look
                     anchors.left: parent.left
-                    anchors.leftMargin: exchange.dateWidth
-                    width: exchange.isTight ? parent.width - exchange.dateWidth : exchange.writerWidth - 12
-                    text: exchange.modelData.writer
-                    color: exchange.modelData.isOwn ? page.look.accent : page.look.text
+                    anchors.leftMargin: content.dateWidth
+                    width: content.isTight ? parent.width - content.dateWidth : content.writerWidth - 12
+                    text: exchange.writer
+                    color: exchange.isOwn ? page.look.accent : page.look.text
                     wrapMode: Text.NoWrap
                     elide: Text.ElideRight
-                    Accessible.ignored: true
                 }
 
-                PlainText {
-                    id: words
+                Cell {
+                    id: said
 
-                    look: page.look
                     anchors.left: parent.left
-                    anchors.leftMargin: exchange.dateWidth + (exchange.isTight ? 0 : exchange.writerWidth)
+                    anchors.leftMargin: content.dateWidth + (content.isTight ? 0 : content.writerWidth)
                     anchors.right: parent.right
-                    y: exchange.isTight ? writer.height : 0
+                    y: content.isTight ? from.height : 0
                     visible: exchange.showsWords
-                    text: exchange.modelData.words
-                    color: exchange.modelData.isQuestion ? page.look.text : page.look.secondaryText
-                    Accessible.ignored: true
+                    text: exchange.words
+                    color: exchange.isQuestion ? page.look.text : page.look.secondaryText
                 }
             }
         }

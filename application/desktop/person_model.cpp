@@ -8,16 +8,18 @@
 namespace orvan {
 namespace {
 
-QVariantList exchangesOf(const Conversation& conversation) {
-  QVariantList exchanges;
+std::vector<ConversationRow> rowsOf(const Conversation& conversation) {
+  std::vector<ConversationRow> rows;
+  rows.reserve(conversation.exchanges.size());
   for (const auto& exchange : conversation.exchanges) {
-    exchanges.append(QVariantMap{{"date", dateOf(exchange.occurredAt)},
-                                 {"writer", writerOf(exchange)},
-                                 {"isOwn", exchange.kind == Exchange::Kind::sent},
-                                 {"words", wordsOf(exchange)},
-                                 {"isQuestion", exchange.question.has_value()}});
+    rows.push_back({.date = dateOf(exchange.occurredAt),
+                    .writer = writerOf(exchange),
+                    .isOwn = exchange.kind == Exchange::Kind::sent,
+                    .words = wordsOf(exchange),
+                    .isQuestion = exchange.question.has_value(),
+                    .sentence = sentenceOf(exchange)});
   }
-  return exchanges;
+  return rows;
 }
 
 QVariantList followUpsInWords(const std::vector<ListedFollowUp>& followUps) {
@@ -59,7 +61,6 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
   }
   shown.subject = displayText(details.about.subject.value_or(""));
   shown.meeting = meetingInWords(details.about);
-  shown.exchanges = exchangesOf(details.conversation);
   shown.earlierExchanges = static_cast<int>(details.conversation.earlier);
   for (const auto& matter : details.others) {
     shown.otherMatters.append(orvan::inWords(matter));
@@ -73,14 +74,20 @@ PersonModel::Shown PersonModel::inWords(const PersonReading& reading) {
 void PersonModel::show(const PersonReading& reading, const QString& absence) {
   auto shown = inWords(reading);
   shown.absence = absence;
-  set(std::move(shown), reading.details ? std::optional{reading.details->item.whyNow()} : std::nullopt);
+  if (reading.details) {
+    set(std::move(shown), reading.details->item.whyNow(), rowsOf(reading.details->conversation));
+  } else {
+    set(std::move(shown), std::nullopt, {});
+  }
 }
 
 void PersonModel::clear() {
-  set({}, std::nullopt);
+  set({}, std::nullopt, {});
 }
 
-void PersonModel::set(Shown shown, std::optional<AttentionWhyNowItem> reason) {
+void PersonModel::set(Shown shown, std::optional<AttentionWhyNowItem> reason,
+                      std::vector<ConversationRow> conversation) {
+  conversation_.show(std::move(conversation));
   if (whyNow_.item() != reason) {
     whyNow_.setItem(std::move(reason));
   }

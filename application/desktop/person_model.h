@@ -5,9 +5,12 @@
 #include <QStringList>
 #include <QVariantList>
 #include <QtQmlIntegration>
+#include <optional>
+#include <vector>
 
 #include "OrvanRelationshipAttention/ui/attention_why_now_model.h"
 #include "application/desktop/contact_picture.h"
+#include "application/desktop/conversation_model.h"
 #include "application/desktop/person_choices.h"
 #include "application/desktop/store_readings.h"
 
@@ -30,8 +33,7 @@ class PersonModel : public QObject {
   Q_PROPERTY(QString question READ question NOTIFY changed FINAL)
   Q_PROPERTY(QString subject READ subject NOTIFY changed FINAL)
   Q_PROPERTY(QString meeting READ meeting NOTIFY changed FINAL)
-  /// Of maps with "date", "writer", "isOwn", "words" and "isQuestion", in the order of their time.
-  Q_PROPERTY(QVariantList exchanges READ exchanges NOTIFY changed FINAL)
+  Q_PROPERTY(orvan::ConversationModel* conversation READ conversation CONSTANT FINAL)
   Q_PROPERTY(int earlierExchanges READ earlierExchanges NOTIFY changed FINAL)
   Q_PROPERTY(QStringList otherMatters READ otherMatters NOTIFY changed FINAL)
   /// Of maps with "id" and "itemKey", and in words "due" and "said".
@@ -56,7 +58,7 @@ class PersonModel : public QObject {
   const QString& question() const noexcept { return shown_.question; }
   const QString& subject() const noexcept { return shown_.subject; }
   const QString& meeting() const noexcept { return shown_.meeting; }
-  const QVariantList& exchanges() const noexcept { return shown_.exchanges; }
+  ConversationModel* conversation() noexcept { return &conversation_; }
   int earlierExchanges() const noexcept { return shown_.earlierExchanges; }
   const QStringList& otherMatters() const noexcept { return shown_.otherMatters; }
   const QVariantList& followUps() const noexcept { return shown_.followUps; }
@@ -77,7 +79,6 @@ class PersonModel : public QObject {
     QString question;
     QString subject;
     QString meeting;
-    QVariantList exchanges;
     int earlierExchanges = 0;
     QStringList otherMatters;
     QVariantList followUps;
@@ -89,10 +90,11 @@ class PersonModel : public QObject {
   };
 
   static Shown inWords(const PersonReading& reading);
-  void set(Shown shown, std::optional<AttentionWhyNowItem> reason);
+  void set(Shown shown, std::optional<AttentionWhyNowItem> reason, std::vector<ConversationRow> conversation);
 
   Shown shown_;
   AttentionWhyNowModel whyNow_;
+  ConversationModel conversation_;
 };
 
 } // namespace orvan

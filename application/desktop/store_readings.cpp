@@ -97,6 +97,7 @@ std::optional<PersonReading> readPerson(Session& session, const std::string& per
   if (!reading.isHidden) {
     reading.history = contactHistory(session, personKey, asOf);
   }
+  session.giveMemoryBack();
   return reading;
 }
 

@@ -180,6 +180,12 @@ QString wordsOf(const Exchange& exchange) {
   return exchange.kind == Exchange::Kind::meeting ? QString{} : Wording::tr("wrote", "in a table: who, what");
 }
 
+QString sentenceOf(const Exchange& exchange) {
+  QStringList parts{dateOf(exchange.occurredAt), writerOf(exchange), wordsOf(exchange)};
+  parts.removeAll(QString{});
+  return parts.join(Wording::tr(", "));
+}
+
 QString inWords(const HiddenThing& thing) {
   if (thing.scope == HiddenScope::mail) {
     return thing.name.empty() ? Wording::tr("A mail that waits for nothing")

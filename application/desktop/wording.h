@@ -53,6 +53,9 @@ QString writerOf(const Exchange& exchange);
 /// What they asked, or else only that they wrote. Empty for a meeting.
 QString wordsOf(const Exchange& exchange);
 
+/// When, who and what, for those who hear it.
+QString sentenceOf(const Exchange& exchange);
+
 /// What is hidden beside people: "“The boat”, a conversation".
 QString inWords(const HiddenThing& thing);
 

@@ -956,10 +956,6 @@
         <translation>Jetzt zurückholen</translation>
     </message>
     <message>
-        <source>, </source>
-        <translation>, </translation>
-    </message>
-    <message>
         <source>Open message</source>
         <translation>Mail öffnen</translation>
     </message>
