@@ -68,7 +68,8 @@ Flickable {
     Column {
         id: content
 
-        // The columns of a conversation. Where there is no room for three, what was asked stands beneath who asked it.
+        // The columns of a conversation: who wrote when, and what was asked. Where there is no room for three, that stands
+        // beneath who asked it.
         readonly property int dateWidth: page.look.pixelSize(96)
         readonly property int writerWidth: page.look.pixelSize(120)
         readonly property bool isTight: width < page.look.pixelSize(400)
@@ -324,11 +325,9 @@ Flickable {
                 required property bool isQuestion
                 required property string sentence
 
-                readonly property bool showsWords: !content.isTight || isQuestion
-
                 width: content.width
                 visible: index < page.person.conversation.count
-                height: Math.max(from.height, showsWords ? said.y + said.height : 0) + 6
+                height: Math.max(from.height, isQuestion ? said.y + said.height : 0) + 6
 
                 Accessible.role: Accessible.StaticText
                 Accessible.name: sentence
@@ -359,9 +358,9 @@ Flickable {
                     anchors.leftMargin: content.dateWidth + (content.isTight ? 0 : content.writerWidth)
                     anchors.right: parent.right
                     y: content.isTight ? from.height : 0
-                    visible: exchange.showsWords
-                    text: exchange.words
-                    color: exchange.isQuestion ? page.look.text : page.look.secondaryText
+                    visible: exchange.isQuestion
+                    text: exchange.isQuestion ? exchange.words : ""
+                    color: page.look.text
                 }
             }
         }
