@@ -29,7 +29,7 @@ SettingsSection {
         onAccepted: make.clicked()
     }
 
-    CheckBoxLine {
+    CheckChoice {
         id: keepsKey
 
         look: section.look
@@ -37,6 +37,7 @@ SettingsSection {
         enabled: !section.backup.isCopying
         text: qsTr("Also write a copy of the key")
         detail: qsTr("Keep it in another place: whoever has both can read everything.")
+        onChanged: isChosen => checked = isChosen
     }
 
     TextEntry {

@@ -11,6 +11,7 @@ Item {
     property bool checked: false
     property string detail: ""
     property string note: ""
+    property real points: 12
     // One of several that exclude each other.
     property bool isOneOf: false
     // It stands as it is.
@@ -65,6 +66,9 @@ Item {
         Rectangle {
             id: box
 
+            readonly property color onAccent: choice.look.isDark ? "#101014" : "#ffffff"
+            readonly property real stroke: Math.max(2, width / 8)
+
             anchors.left: parent.left
             y: Math.max(0, (title.height - height) / 2)
             width: choice.look.pixelSize(15)
@@ -75,14 +79,35 @@ Item {
             border.color: choice.checked ? choice.look.accent : Qt.alpha(choice.look.text, 0.5)
             opacity: choice.isFixed ? 0.6 : 1
 
-            Text {
+            Rectangle {
                 anchors.centerIn: parent
-                visible: choice.checked
-                text: choice.isOneOf ? "●" : "✓"
-                color: choice.look.isDark ? "#101418" : "#ffffff"
-                font.pixelSize: choice.look.pixelSize(choice.isOneOf ? 7 : 11)
-                font.bold: true
-                Accessible.ignored: true
+                width: parent.width * 0.4
+                height: width
+                radius: width / 2
+                visible: choice.checked && choice.isOneOf
+                color: box.onAccent
+            }
+
+            // The tick, of two bars: it scales with the text, and needs no font to have it.
+            Item {
+                anchors.centerIn: parent
+                width: parent.width * 0.62
+                height: parent.width * 0.34
+                rotation: -45
+                visible: choice.checked && !choice.isOneOf
+
+                Rectangle {
+                    width: box.stroke
+                    height: parent.height
+                    color: box.onAccent
+                }
+
+                Rectangle {
+                    anchors.bottom: parent.bottom
+                    width: parent.width
+                    height: box.stroke
+                    color: box.onAccent
+                }
             }
         }
 
@@ -104,8 +129,8 @@ Item {
                     look: choice.look
                     width: Math.min(implicitWidth, words.width)
                     text: choice.text
-                    points: 13
-                    wrapMode: Text.WrapAnywhere
+                    points: choice.points
+                    wrapMode: Text.WrapAtWordBoundaryOrAnywhere
                     Accessible.ignored: true
                 }
 

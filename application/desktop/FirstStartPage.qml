@@ -183,6 +183,7 @@ Item {
                     CheckChoice {
                         width: parent.width
                         look: page.look
+                        points: 13
                         isOneOf: true
                         text: qsTr("The key in the desktop's keyring")
                         detail: page.start.keyring === FirstStartModel.LockedKeyring
@@ -195,6 +196,7 @@ Item {
                     CheckChoice {
                         width: parent.width
                         look: page.look
+                        points: 13
                         isOneOf: true
                         text: qsTr("The key in a file that you alone can read")
                         detail: page.start.keyFilePlace
@@ -241,6 +243,7 @@ Item {
 
                             width: parent.width
                             look: page.look
+                            points: 13
                             enabled: !page.isBegun
                             text: title
                             checked: isChosen
@@ -310,6 +313,7 @@ Item {
 
                             width: parent.width
                             look: page.look
+                            points: 13
                             enabled: !page.isBegun
                             text: title
                             checked: isChosen

@@ -76,13 +76,15 @@ PopupMenu {
                 width: parent.width
                 implicitHeight: about.implicitHeight + 6
 
-                WordsField {
+                TextEntry {
                     id: about
 
                     look: menu.look
                     width: parent.width
-                    purpose: qsTr("What about? (optional)")
+                    label: qsTr("What about? (optional)")
                     maximumLength: 200
+                    Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+                    Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                     Keys.onReturnPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
                     Keys.onEnterPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
                 }
@@ -137,16 +139,18 @@ PopupMenu {
                 implicitHeight: Math.max(time.implicitHeight, set.implicitHeight) + 10
                 visible: menu.showsDays
 
-                WordsField {
+                TextEntry {
                     id: time
 
                     look: menu.look
                     anchors.left: parent.left
                     anchors.verticalCenter: parent.verticalCenter
                     width: menu.look.pixelSize(80)
-                    purpose: qsTr("Time")
+                    label: qsTr("Time")
                     maximumLength: 12
                     onAccepted: menu.remindAtMoment()
+                    Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+                    Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 }
 
                 ActionButton {

@@ -29,42 +29,33 @@ SettingsSection {
     }
 
     // What is checked is what the service says, also when it does not take a change.
-    CheckBoxLine {
+    CheckChoice {
         look: section.look
         width: parent.width
         visible: section.isRunning
         text: qsTr("Remind me")
         detail: qsTr("Reminders that were set stay set while this is off.")
         checked: section.reminders.isAllowed
-        onToggled: {
-            section.reminders.allow(checked)
-            checked = Qt.binding(() => section.reminders.isAllowed)
-        }
+        onChanged: isChosen => section.reminders.allow(isChosen)
     }
 
-    CheckBoxLine {
+    CheckChoice {
         look: section.look
         width: parent.width
         visible: section.isRunning
         text: qsTr("Say on the screen what I noted down")
         detail: qsTr("Otherwise a reminder says only that there is one.")
         checked: section.reminders.saysNotes
-        onToggled: {
-            section.reminders.sayNotes(checked)
-            checked = Qt.binding(() => section.reminders.saysNotes)
-        }
+        onChanged: isChosen => section.reminders.sayNotes(isChosen)
     }
 
-    CheckBoxLine {
+    CheckChoice {
         look: section.look
         width: parent.width
         visible: section.isRunning
         text: qsTr("Look for new mail and calendar entries in the background")
         checked: section.reminders.looksForNew
-        onToggled: {
-            section.reminders.lookForNew(checked)
-            checked = Qt.binding(() => section.reminders.looksForNew)
-        }
+        onChanged: isChosen => section.reminders.lookForNew(isChosen)
     }
 
     Repeater {
