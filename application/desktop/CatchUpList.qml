@@ -44,6 +44,10 @@ ListView {
     onCountChanged: Qt.callLater(follow)
     Component.onCompleted: follow()
 
+    ReadingOrder {
+        of: list.contentItem
+    }
+
     Connections {
         target: list.window
 

@@ -28,7 +28,7 @@ Item {
     implicitHeight: content.implicitHeight + 24
 
     Accessible.role: Accessible.ListItem
-    Accessible.name: displayName + ". " + headline
+    Accessible.name: (address.length > 0 ? qsTr("%1, %2").arg(displayName).arg(address) : displayName) + ". " + headline
     Accessible.description: about
     Accessible.focusable: true
     Accessible.focused: isChosen && ListView.view.activeFocus
@@ -89,6 +89,7 @@ Item {
             color: row.look.secondaryText
             wrapMode: Text.NoWrap
             elide: Text.ElideRight
+            Accessible.ignored: true
         }
 
         PlainText {

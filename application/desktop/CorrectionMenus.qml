@@ -11,7 +11,7 @@ Item {
     required property AttentionLook look
     readonly property bool isOpen: menu.visible || wrong.visible || rename.visible || merge.visible
 
-    signal closed
+    signal lostItsPlace
 
     function openAt(anchor: Item) {
         if (window.chosen.length > 0)
@@ -28,11 +28,6 @@ Item {
     function openMessage() {
         if (window.person.itemKey.length > 0)
             corrections.openMessage(window.person.itemKey)
-    }
-
-    function tellIfClosed() {
-        if (!isOpen)
-            closed()
     }
 
     anchors.fill: parent
@@ -59,7 +54,7 @@ Item {
         onWrongAsked: wrong.openAt(null)
         onRenameAsked: rename.openAt(null)
         onMergeAsked: merge.openAt(null)
-        onClosed: menus.tellIfClosed()
+        onLostItsPlace: menus.lostItsPlace()
     }
 
     WrongMenu {
@@ -71,7 +66,7 @@ Item {
         look: menus.look
         onRenameAsked: rename.openAt(null)
         onMergeAsked: merge.openAt(null)
-        onClosed: menus.tellIfClosed()
+        onLostItsPlace: menus.lostItsPlace()
     }
 
     RenameMenu {
@@ -81,7 +76,7 @@ Item {
         window: menus.window
         corrections: menus.corrections
         look: menus.look
-        onClosed: menus.tellIfClosed()
+        onLostItsPlace: menus.lostItsPlace()
     }
 
     MergeMenu {
@@ -91,6 +86,6 @@ Item {
         window: menus.window
         corrections: menus.corrections
         look: menus.look
-        onClosed: menus.tellIfClosed()
+        onLostItsPlace: menus.lostItsPlace()
     }
 }

@@ -147,19 +147,22 @@ FocusScope {
                     color: Qt.alpha(picker.look.accent,
                                     isCurrent ? (picker.activeFocus ? 0.35 : 0.2) : pointer.hovered && isAhead ? 0.1 : 0)
 
+                    enabled: isAhead
+
                     Accessible.role: Accessible.Cell
+                    Accessible.ignored: !isAhead
+                    Accessible.focusable: true
+                    Accessible.focused: isCurrent && picker.activeFocus
+                    Accessible.selectable: true
+                    Accessible.selected: isCurrent
                     Accessible.name: day.toLocaleDateString(Qt.locale(), Locale.LongFormat)
-                    Accessible.onPressAction: {
-                        if (isAhead)
-                            picker.picked(picker.written(day))
-                    }
+                    Accessible.onPressAction: picker.picked(picker.written(day))
 
                     HoverHandler {
                         id: pointer
                     }
 
                     TapHandler {
-                        enabled: dayCell.isAhead
                         onTapped: picker.picked(picker.written(dayCell.day))
                     }
 

@@ -46,6 +46,10 @@ Window {
         showPerson()
     }
 
+    function takeKeys() {
+        (list.visible ? list : page).forceActiveFocus(Qt.PopupFocusReason)
+    }
+
     function snooze(anchor: Item) {
         if (model.list.rowOf(model.chosen) >= 0)
             snoozeMenu.openAt(anchor)
@@ -78,7 +82,12 @@ Window {
         function onPersonCalled() {
             window.place = "people"
             search.text = ""
-            window.showPerson()
+            window.showsPerson = true
+            window.takeKeys()
+        }
+
+        function onFirstFound() {
+            results.open(0)
         }
 
         // Nobody is left on the list after the last one was decided about.
@@ -297,8 +306,8 @@ Window {
                     else
                         list.forceActiveFocus(Qt.TabFocusReason)
                 }
-                Keys.onReturnPressed: results.open(0)
-                Keys.onEnterPressed: results.open(0)
+                Keys.onReturnPressed: window.model.openFirstFound()
+                Keys.onEnterPressed: window.model.openFirstFound()
 
                 background: Rectangle {
                     radius: 7
@@ -524,7 +533,7 @@ Window {
             anchors.top: bar.bottom
             anchors.bottom: strip.top
             active: window.isShowing && window.place === "overview"
-            onLoaded: item.forceActiveFocus()
+            onLoaded: (item as Item).forceActiveFocus()
 
             sourceComponent: OverviewPage {
                 overview: window.overview
@@ -545,7 +554,7 @@ Window {
             anchors.bottom: strip.top
             active: window.isShowing && window.place === "settings"
             focus: active
-            onLoaded: item.forceActiveFocus(Qt.OtherFocusReason)
+            onLoaded: (item as Item).forceActiveFocus(Qt.OtherFocusReason)
 
             sourceComponent: SettingsPage {
                 settings: window.settings
@@ -576,7 +585,7 @@ Window {
             parent: content
             window: window.model
             look: look
-            onClosed: list.forceActiveFocus()
+            onLostItsPlace: window.takeKeys()
         }
 
         RemindMenu {
@@ -586,7 +595,7 @@ Window {
             window: window.model
             followUps: window.followUps
             look: look
-            onClosed: (list.visible ? list : page).forceActiveFocus(Qt.PopupFocusReason)
+            onLostItsPlace: window.takeKeys()
         }
 
         CorrectionMenus {
@@ -595,7 +604,7 @@ Window {
             window: window.model
             corrections: window.corrections
             look: look
-            onClosed: (list.visible ? list : page).forceActiveFocus(Qt.PopupFocusReason)
+            onLostItsPlace: window.takeKeys()
         }
 
         MainMenu {

@@ -14,6 +14,8 @@ PopupMenu {
     property string otherName: ""
     property string otherAddresses: ""
     readonly property bool isAsking: otherKey.length > 0
+    readonly property string allAddresses: person.addresses.length > 0 && otherAddresses.length > 0
+        ? person.addresses + qsTr(", ") + otherAddresses : person.addresses + otherAddresses
 
     function ask(key: string, name: string, addresses: string) {
         otherName = name
@@ -28,9 +30,8 @@ PopupMenu {
     }
 
     function askAt(row: int) {
-        const found = others.itemAtIndex(row)
-        if (found)
-            found.ask()
+        const found = others.itemAtIndex(row) as PersonToMerge
+        found?.asked()
     }
 
     implicitWidth: Math.min(look.pixelSize(420), (parent?.width ?? 0) - 16)
@@ -93,85 +94,17 @@ PopupMenu {
             Accessible.role: Accessible.List
             Accessible.name: qsTr("People found")
 
+            ReadingOrder {
+                of: others.contentItem
+            }
+
             Keys.onReturnPressed: menu.askAt(currentIndex)
             Keys.onEnterPressed: menu.askAt(currentIndex)
 
-            delegate: Item {
-                id: row
-
-                required property int index
-                required property string personKey
-                required property string displayName
-                required property string addresses
-                required property string standing
-
-                function ask() {
-                    menu.ask(personKey, displayName, addresses)
-                }
-
+            delegate: PersonToMerge {
+                look: menu.look
                 width: ListView.view.width
-                implicitHeight: words.implicitHeight + 14
-
-                Accessible.role: Accessible.ListItem
-                Accessible.name: displayName + ". " + addresses
-                Accessible.description: standing
-                Accessible.onPressAction: ask()
-
-                Rectangle {
-                    anchors.fill: parent
-                    radius: 6
-                    color: Qt.alpha(menu.look.accent, row.ListView.isCurrentItem && others.activeFocus ? 0.2
-                                                                                                       : pointer.hovered ? 0.1 : 0)
-                }
-
-                HoverHandler {
-                    id: pointer
-                }
-
-                TapHandler {
-                    onTapped: row.ask()
-                }
-
-                Column {
-                    id: words
-
-                    anchors.left: parent.left
-                    anchors.right: parent.right
-                    anchors.verticalCenter: parent.verticalCenter
-                    anchors.leftMargin: 10
-                    anchors.rightMargin: 10
-
-                    PlainText {
-                        look: menu.look
-                        width: parent.width
-                        text: row.displayName
-                        font.weight: Font.Medium
-                        wrapMode: Text.NoWrap
-                        elide: Text.ElideRight
-                        Accessible.ignored: true
-                    }
-
-                    PlainText {
-                        look: menu.look
-                        width: parent.width
-                        points: 11
-                        text: row.addresses
-                        color: menu.look.secondaryText
-                        wrapMode: Text.NoWrap
-                        elide: Text.ElideRight
-                        Accessible.ignored: true
-                    }
-
-                    PlainText {
-                        look: menu.look
-                        width: parent.width
-                        visible: text.length > 0
-                        points: 11
-                        text: row.standing
-                        color: menu.look.accent
-                        Accessible.ignored: true
-                    }
-                }
+                onAsked: menu.ask(personKey, displayName, addresses)
             }
         }
 
@@ -188,7 +121,7 @@ PopupMenu {
             width: parent.width
             visible: menu.isAsking
             text: qsTr("Both become %1 (%2), with all the mail, meetings and decisions of both.").arg(menu.person.displayName)
-                .arg([menu.person.addresses, menu.otherAddresses].filter(text => text.length > 0).join(qsTr(", ")))
+                .arg(menu.allAddresses)
             color: menu.look.secondaryText
         }
 

@@ -11,6 +11,12 @@ Templates.Popup {
     property string title: ""
     property real wantedX: 0
     property real wantedY: 0
+    // What had the keyboard gets it back.
+    property Item before: null
+    property int reasonBefore: Qt.PopupFocusReason
+
+    // What had the keyboard before is gone.
+    signal lostItsPlace
 
     // Beneath the anchor; in the upper middle of the window when there is none.
     function openAt(anchor: Item) {
@@ -33,7 +39,18 @@ Templates.Popup {
     closePolicy: Templates.Popup.CloseOnEscape | Templates.Popup.CloseOnPressOutside
 
     // A popup is nothing that can be named; what holds its content is.
-    onAboutToShow: contentItem.parent.Accessible.name = title
+    onAboutToShow: {
+        contentItem.parent.Accessible.name = title
+        before = parent.Window.activeFocusItem
+        reasonBefore = (before as Templates.Control)?.focusReason ?? Qt.PopupFocusReason
+    }
+    onClosed: {
+        if (before?.visible)
+            before.forceActiveFocus(reasonBefore)
+        else
+            lostItsPlace()
+        before = null
+    }
 
     background: Rectangle {
         radius: 10

@@ -30,6 +30,15 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: qsTr("People found")
 
+    ReadingOrder {
+        of: results.contentItem
+    }
+
+    onActiveFocusChanged: {
+        if (activeFocus)
+            currentIndex = Math.max(0, currentIndex)
+    }
+
     Keys.onReturnPressed: open(currentIndex)
     Keys.onEnterPressed: open(currentIndex)
 
@@ -45,8 +54,12 @@ ListView {
         implicitHeight: content.implicitHeight + 20
 
         Accessible.role: Accessible.ListItem
-        Accessible.name: displayName + ". " + standing
-        Accessible.description: addresses
+        // Two may have the same name, and stand alike.
+        Accessible.name: displayName + ". " + standing + " " + addresses
+        Accessible.focusable: true
+        Accessible.focused: ListView.isCurrentItem && ListView.view.activeFocus
+        Accessible.selectable: true
+        Accessible.selected: ListView.isCurrentItem
         Accessible.onPressAction: results.open(index)
 
         Rectangle {

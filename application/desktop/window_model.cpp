@@ -293,10 +293,19 @@ QString WindowModel::absenceOf(const PersonReading& reading) const {
 
 void WindowModel::searchFor(const QString& text) {
   searched_ = text.trimmed();
+  opensFirstFound_ = false;
   if (searched_.isEmpty()) {
+    foundFor_.clear();
     found_.setPeople({});
   } else {
     begin(findPeople(searched_));
+  }
+}
+
+void WindowModel::openFirstFound() {
+  opensFirstFound_ = foundFor_ != searched_;
+  if (!opensFirstFound_ && found_.count() > 0) {
+    Q_EMIT firstFound();
   }
 }
 
@@ -315,6 +324,10 @@ Task<void> WindowModel::findPeople(QString text) {
       found.push_back(inWords(person));
     }
     found_.setPeople(std::move(found));
+    foundFor_ = text;
+    if (opensFirstFound_) {
+      openFirstFound();
+    }
   } catch (...) {
     fail();
   }

@@ -106,6 +106,9 @@ class WindowModel : public QObject {
   /// The same for whom the user names, by key, name or address, or with a link; then personCalled() follows.
   void chooseCalled(const QString& person);
   Q_INVOKABLE void searchFor(const QString& text);
+  /// Tells of the first one that the search finds: at once, or once it has looked. Searching for something else forgets
+  /// it.
+  Q_INVOKABLE void openFirstFound();
 
   /// Ends of a snooze to offer, as maps with "label", "date" and "day"; and the day of today.
   Q_INVOKABLE QVariantList snoozeChoices() const;
@@ -161,6 +164,7 @@ class WindowModel : public QObject {
   void personCalled();
   /// Nobody goes by that name, or several do.
   void nobodyCalled(const QString& text);
+  void firstFound();
   /// Taking something back hid somebody, or showed them again.
   void visibilityChanged();
 
@@ -235,6 +239,9 @@ class WindowModel : public QObject {
 
   QString chosen_;
   QString searched_;
+  /// What was searched for when `found_` was filled.
+  QString foundFor_;
+  bool opensFirstFound_ = false;
 
   UndoPeriod<Undoable> undoPeriod_;
   std::vector<std::shared_ptr<Saving>> savings_;

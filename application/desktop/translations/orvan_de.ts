@@ -150,6 +150,10 @@
         <source>Resolve</source>
         <translation>Erledigen</translation>
     </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
 </context>
 <context>
     <name>CheckChoice</name>
