@@ -15,7 +15,7 @@ QtObject {
     property real textScale: 1
     // Nothing moves that the user did not move.
     property bool reducesMotion: false
-    property bool isRightToLeft: Qt.application.layoutDirection === Qt.RightToLeft
+    property bool isRightToLeft: Application.layoutDirection === Qt.RightToLeft
 
     readonly property SystemPalette desktop: SystemPalette {}
 
