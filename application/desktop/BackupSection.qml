@@ -89,7 +89,7 @@ SettingsSection {
             anchors.bottom: parent.bottom
             height: 4
             radius: 2
-            color: Qt.alpha(section.look.text, 0.14)
+            color: section.look.line(0.14)
 
             Rectangle {
                 anchors.left: parent.left

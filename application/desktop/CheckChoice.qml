@@ -76,7 +76,7 @@ Item {
             radius: choice.isOneOf ? width / 2 : 4
             color: choice.checked ? choice.look.accent : choice.look.desktop.base
             border.width: 1
-            border.color: choice.checked ? choice.look.accent : Qt.alpha(choice.look.text, 0.5)
+            border.color: choice.checked ? choice.look.accent : choice.look.line(0.5)
             opacity: choice.isFixed ? 0.6 : 1
 
             Rectangle {

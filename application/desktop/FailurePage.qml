@@ -47,7 +47,7 @@ Item {
             radius: 8
             color: Qt.alpha(page.look.text, 0.05)
             border.width: commands.activeFocus ? 2 : 1
-            border.color: commands.activeFocus ? page.look.accent : Qt.alpha(page.look.text, 0.12)
+            border.color: commands.activeFocus ? page.look.accent : page.look.line(0.12)
 
             // To be taken from here to a terminal.
             TextEdit {

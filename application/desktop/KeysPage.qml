@@ -47,7 +47,7 @@ Templates.Popup {
         radius: 12
         color: popup.look.isDark ? Qt.lighter(popup.look.background, 1.2) : popup.look.desktop.base
         border.width: 1
-        border.color: Qt.alpha(popup.look.text, 0.2)
+        border.color: popup.look.line(0.2)
     }
 
     contentItem: Column {

@@ -69,6 +69,7 @@ Window {
         id: look
 
         textScale: Math.min(3, window.appearance.textScale * window.zoom)
+        hasHighContrast: window.appearance.hasHighContrast
         reducesMotion: window.appearance.reducesMotion
     }
 
@@ -313,7 +314,7 @@ Window {
                     radius: 7
                     color: look.desktop.base
                     border.width: search.activeFocus ? 2 : 1
-                    border.color: search.activeFocus ? look.accent : Qt.alpha(look.text, 0.2)
+                    border.color: search.activeFocus ? look.accent : look.line(0.2)
                 }
 
                 PlainText {
@@ -363,7 +364,7 @@ Window {
                 anchors.right: parent.right
                 anchors.bottom: parent.bottom
                 height: 1
-                color: Qt.alpha(look.text, 0.14)
+                color: look.line(0.14)
             }
         }
 
@@ -467,7 +468,7 @@ Window {
                 width: 1
                 height: parent.height
                 visible: !window.isNarrow
-                color: Qt.alpha(look.text, 0.14)
+                color: look.line(0.14)
             }
 
             PersonPage {

@@ -185,7 +185,7 @@ FocusScope {
                     radius: 8
                     color: page.look.isDark ? Qt.lighter(page.look.background, 1.25) : page.look.desktop.base
                     border.width: 1
-                    border.color: Qt.alpha(page.look.text, 0.2)
+                    border.color: page.look.line(0.2)
 
                     Column {
                         id: card

@@ -62,7 +62,7 @@ PopupMenu {
         Rectangle {
             width: parent.width
             height: 1
-            color: Qt.alpha(menu.look.text, 0.14)
+            color: menu.look.line(0.14)
         }
 
         MenuChoice {

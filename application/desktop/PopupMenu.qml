@@ -56,6 +56,6 @@ Templates.Popup {
         radius: 10
         color: menu.look.isDark ? Qt.lighter(menu.look.background, 1.25) : menu.look.desktop.base
         border.width: 1
-        border.color: Qt.alpha(menu.look.text, 0.2)
+        border.color: menu.look.line(0.2)
     }
 }

@@ -25,7 +25,7 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         height: strip.reading.isReading ? 3 : 1
-        color: Qt.alpha(strip.look.text, 0.14)
+        color: strip.look.line(0.14)
 
         Accessible.role: Accessible.ProgressBar
         Accessible.name: strip.reading.text

@@ -53,7 +53,7 @@ Column {
         radius: 10
         color: section.look.isDark ? Qt.alpha(section.look.text, 0.05) : section.look.desktop.base
         border.width: 1
-        border.color: Qt.alpha(section.look.text, 0.14)
+        border.color: section.look.line(0.14)
 
         Column {
             id: body

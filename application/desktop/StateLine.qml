@@ -31,7 +31,7 @@ Templates.AbstractButton {
         Rectangle {
             width: parent.width
             height: 1
-            color: Qt.alpha(line.look.text, 0.14)
+            color: line.look.line(0.14)
         }
     }
 

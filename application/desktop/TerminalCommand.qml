@@ -13,7 +13,7 @@ Rectangle {
     radius: 8
     color: Qt.alpha(look.text, 0.05)
     border.width: words.activeFocus ? 2 : 1
-    border.color: words.activeFocus ? look.accent : Qt.alpha(look.text, 0.12)
+    border.color: words.activeFocus ? look.accent : look.line(0.12)
 
     TextEdit {
         id: words

@@ -39,7 +39,7 @@ Templates.TextField {
         color: entry.look.desktop.base
         border.width: entry.activeFocus ? 2 : 1
         border.color: entry.isRefused ? (entry.look.isDark ? "#ff9b8f" : "#b3261e")
-            : entry.activeFocus ? entry.look.accent : Qt.alpha(entry.look.text, 0.45)
+            : entry.activeFocus ? entry.look.accent : entry.look.line(0.45)
     }
 
     PlainText {

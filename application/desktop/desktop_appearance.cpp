@@ -20,11 +20,14 @@ const BusTarget& portal() {
 
 using Setting = std::pair<const char*, const char*>;
 constexpr Setting colourScheme{"org.freedesktop.appearance", "color-scheme"};
+constexpr Setting contrast{"org.freedesktop.appearance", "contrast"};
 constexpr Setting textScaling{"org.gnome.desktop.interface", "text-scaling-factor"};
 constexpr Setting animations{"org.gnome.desktop.interface", "enable-animations"};
 
 /// The portal's values of the scheme: none, dark, light.
 constexpr std::uint32_t prefersDark = 1;
+/// Of contrast: none, high.
+constexpr std::uint32_t prefersContrast = 1;
 
 QPalette darkPalette() {
   const QColor window(0x24, 0x24, 0x28);
@@ -76,7 +79,7 @@ DesktopAppearance::DesktopAppearance(BusConnection* bus, QObject* parent) : QObj
     const auto name = reader.text();
     take(group, name, message);
   }));
-  for (const auto& [group, name] : {textScaling, animations, colourScheme}) {
+  for (const auto& [group, name] : {textScaling, animations, contrast, colourScheme}) {
     read(group, name);
   }
 }
@@ -113,6 +116,9 @@ void DesktopAppearance::take(const std::string& group, const std::string& name, 
     constexpr double smallest = 0.5;
     constexpr double largest = 3;
     textScale_ = std::clamp(reader.real(), smallest, largest);
+    Q_EMIT changed();
+  } else if (group == contrast.first && name == contrast.second && type == SD_BUS_TYPE_UINT32) {
+    hasHighContrast_ = reader.uint32() == prefersContrast;
     Q_EMIT changed();
   } else if (group == animations.first && name == animations.second && type == SD_BUS_TYPE_BOOLEAN) {
     reducesMotion_ = !reader.boolean();

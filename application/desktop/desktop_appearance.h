@@ -10,10 +10,10 @@
 
 namespace orvan {
 
-/// What the user told their desktop about how programs should look: light or dark, how large text is, and whether
-/// things may move. Asks the desktop's settings portal, and follows it while the program runs; where there is none,
-/// everything stays as Qt has it. Puts colours for a dark desktop into the application's palette. Belongs to Qt's
-/// thread.
+/// What the user told their desktop about how programs should look: light or dark, with how much contrast, how large
+/// text is, and whether things may move. Asks the desktop's settings portal, and follows it while the program runs;
+/// where there is none, everything stays as Qt has it. Puts colours for a dark desktop into the application's palette.
+/// Belongs to Qt's thread.
 ///
 /// The portal looks into this process to learn who asks, so the first question must be answered before the process
 /// closes itself to others: settled() tells when.
@@ -22,6 +22,7 @@ class DesktopAppearance : public QObject {
   QML_ELEMENT
   QML_UNCREATABLE("The program makes it.")
   Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL)
+  Q_PROPERTY(bool hasHighContrast READ hasHighContrast NOTIFY changed FINAL)
   Q_PROPERTY(bool reducesMotion READ reducesMotion NOTIFY changed FINAL)
 
  public:
@@ -29,6 +30,7 @@ class DesktopAppearance : public QObject {
   explicit DesktopAppearance(BusConnection* bus, QObject* parent = nullptr);
 
   double textScale() const noexcept { return textScale_; }
+  bool hasHighContrast() const noexcept { return hasHighContrast_; }
   bool reducesMotion() const noexcept { return reducesMotion_; }
 
  Q_SIGNALS:
@@ -44,6 +46,7 @@ class DesktopAppearance : public QObject {
 
   BusConnection* bus_;
   double textScale_ = 1;
+  bool hasHighContrast_ = false;
   bool reducesMotion_ = false;
   bool isSettled_ = false;
   std::vector<BusSubscription> subscriptions_;

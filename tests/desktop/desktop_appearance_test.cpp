@@ -108,10 +108,16 @@ TEST(Desktop, TellsHowToLookAndIsFollowedWhileTheProgramRuns) {
   const DesktopAppearance appearance(bus.get());
   EXPECT_TRUE(waitUntil(isDark));
   EXPECT_GE(leastContrast(), enoughContrast);
-  portal->emit(desktopPath, settings, "SettingChanged", [](BusWriter& writer) {
-    writer.text("org.freedesktop.appearance").text("color-scheme");
-    writer.variant("u", [](BusWriter& value) { value.uint32(0); });
-  });
+  const auto change = [&portal](const char* setting, std::uint32_t to) {
+    portal->emit(desktopPath, settings, "SettingChanged", [setting, to](BusWriter& writer) {
+      writer.text("org.freedesktop.appearance").text(setting);
+      writer.variant("u", [to](BusWriter& value) { value.uint32(to); });
+    });
+  };
+  EXPECT_FALSE(appearance.hasHighContrast());
+  change("contrast", 1);
+  EXPECT_TRUE(waitUntil([&appearance] { return appearance.hasHighContrast(); }));
+  change("color-scheme", 0);
   EXPECT_TRUE(waitUntil([] { return !isDark(); }));
   EXPECT_GE(leastContrast(), enoughContrast);
 }
