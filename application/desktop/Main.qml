@@ -261,8 +261,10 @@ Window {
                 id: back
 
                 anchors.left: parent.left
-                anchors.leftMargin: 12
+                // Its words begin where the name does, which stands there otherwise.
+                anchors.leftMargin: 20 - leftPadding
                 anchors.verticalCenter: parent.verticalCenter
+                points: 13
                 visible: window.place !== "people" || (window.isNarrow && window.showsPerson)
                 look: look
                 text: qsTr("Back")

@@ -44,6 +44,10 @@ Templates.Popup {
         before = parent.Window.activeFocusItem
         reasonBefore = (before as Templates.Control)?.focusReason ?? Qt.PopupFocusReason
     }
+    onTitleChanged: {
+        if (visible)
+            contentItem.parent.Accessible.name = title
+    }
     onClosed: {
         if (before?.visible)
             before.forceActiveFocus(reasonBefore)
