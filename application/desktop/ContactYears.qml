@@ -61,7 +61,7 @@ Item {
         visible: years.picture.hasContact
         picture: years.picture
         ownColor: years.look.accent
-        theirColor: Qt.alpha(years.look.text, 0.45)
+        theirColor: years.look.line(0.45)
         shade: Qt.alpha(years.look.text, years.look.isDark ? 0.12 : 0.08)
         isMirrored: years.look.isRightToLeft
 

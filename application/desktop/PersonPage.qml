@@ -154,7 +154,7 @@ Flickable {
             radius: 10
             color: Qt.alpha(page.look.text, page.look.isDark ? 0.05 : 0.03)
             border.width: 1
-            border.color: Qt.alpha(page.look.text, 0.14)
+            border.color: page.look.line(0.14)
 
             AttentionWhyNowView {
                 id: reason
