@@ -201,7 +201,7 @@ void ContactField::paintScale(QPainter& painter) const {
     const auto length = QFontMetricsF(font_).horizontalAdvance(mark.label) + 2;
     const auto left = std::clamp(x - length / 2, 0.0, std::max(0.0, width() - length));
     const QRectF place{mirroredX(left, length), height() - line, length, line};
-    const auto around = place.adjusted(-1.25 * line, 0, 1.25 * line, 0);
+    const auto around = place.adjusted(-0.75 * line, 0, 0.75 * line, 0);
     if (std::ranges::any_of(taken, [&around](const QRectF& other) { return other.intersects(around); })) {
       continue;
     }
