@@ -144,7 +144,8 @@ class Agent {
       } catch (...) {
         failure = std::current_exception();
       }
-      boost::asio::post(executor_, [this, file = std::move(file), failure]() mutable {
+      // What was thrown goes along whole: where it is read, it is also let go of.
+      boost::asio::post(executor_, [this, file = std::move(file), failure = std::move(failure)]() mutable {
         isOpening_ = false;
         opened(std::move(file), failure);
       });
