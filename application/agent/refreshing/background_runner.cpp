@@ -48,7 +48,6 @@ void takeDefaultSignals() noexcept {
   if (getppid() != starter) {
     _exit(cannotStart); // It ended before it could be watched.
   }
-  leaveTheMachineToOthers();
   takeDefaultSignals();
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
   if (nothing < 0 || dup2(nothing, STDIN_FILENO) < 0 || dup2(output, STDOUT_FILENO) < 0 ||
@@ -56,6 +55,9 @@ void takeDefaultSignals() noexcept {
     _exit(cannotStart);
   }
   close_range(STDERR_FILENO + 1, UINT_MAX, 0);
+  // Last: on a busy machine it may be long before it gets a turn again, and so would be what it still held of the
+  // agent's, such as its place on the bus.
+  leaveTheMachineToOthers();
   execv(words[0], words);
   _exit(cannotStart);
 }
