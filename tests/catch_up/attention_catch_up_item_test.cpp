@@ -12,13 +12,14 @@ using internal::AttentionCatchUpItemMaker;
 using Kind = AttentionWhyNowItem::Kind;
 using Reference = AttentionWhyNowEvidenceReference;
 
-const std::vector references{Reference::interaction("i-9"), Reference::sourceEvent("se-3"), Reference::thread("t-1")};
+const std::vector someReferences{Reference::interaction("i-9"), Reference::sourceEvent("se-3"),
+                                 Reference::thread("t-1")};
 
 struct Reason {
   Kind kind = Kind::openThread;
   std::string timestamp = "2026-03-01T10:00:00Z";
   std::string headline = "Headline";
-  std::vector<Reference> references = orvan::references;
+  std::vector<Reference> references = someReferences;
   bool referencesAreValid = true;
   bool timestampIsValid = true;
 };
@@ -66,9 +67,9 @@ TEST(CatchUpItem, CarriesItsKeyAndRequestsThatAgreeWithIt) {
   EXPECT_EQ(item.displayName(), " Ada ");
   EXPECT_EQ(item.id(), key);
   EXPECT_EQ(item.itemKey(), key);
-  EXPECT_EQ(item.routeRequest(), AttentionRouteRequest(key, "p-42", references, AttentionRouteKind::personFocus));
+  EXPECT_EQ(item.routeRequest(), AttentionRouteRequest(key, "p-42", someReferences, AttentionRouteKind::personFocus));
   EXPECT_EQ(item.actionRequest(AttentionItemAction::dismiss()),
-            AttentionItemActionRequest(key, "p-42", references, AttentionItemAction::dismiss()));
+            AttentionItemActionRequest(key, "p-42", someReferences, AttentionItemAction::dismiss()));
   EXPECT_FALSE(AttentionCatchUpItemMaker::make("p-42 ", "Ada", whyNow({})));
 }
 

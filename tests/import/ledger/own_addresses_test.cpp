@@ -11,7 +11,7 @@ using testing::ElementsAreArray;
 constexpr const char* toldAt = "2026-03-05T12:00:00Z";
 
 /// The user and Zoë write to each other, with others, and in a conversation where Ben asks.
-const std::vector<TestMail> mails{
+const std::vector<TestMail> exampleMails{
     {.id = "first", .at = "2026-02-01T10:00:00Z", .from = me, .to = {zoe}},
     {.id = "asked", .at = "2026-02-02T10:00:00Z", .references = {"first"}, .question = "Shall we?"},
     {.id = "letter", .at = "2026-02-03T10:00:00Z", .from = me, .to = {ben, zoe}},
@@ -49,7 +49,7 @@ Texts contact(ImportStore& store) {
 
 TEST(OwnAddress, GivenUpBeforeAnythingIsReadLeavesTheStoreAsItWas) {
   ImportStore store;
-  store.import(mails);
+  store.import(exampleMails);
   store.run("INSERT INTO remembered_source VALUES (1, 'mail', '/mail', 'mail', 1, '', NULL, NULL, NULL, 'me')");
   const auto before = store.rowsOf();
   add({zoe}, store);
@@ -62,16 +62,16 @@ TEST(OwnAddress, GivenUpBeforeAnythingIsReadLeavesTheStoreAsItWas) {
 
 TEST(OwnAddress, GivenUpLeavesNothingOnceTheMailIsReadAgain) {
   ImportStore unmistaken;
-  unmistaken.import(mails);
+  unmistaken.import(exampleMails);
   for (const bool isToldFirst : {true, false}) {
     for (const std::size_t mailsPerBatch : {1U, 100U}) {
       SCOPED_TRACE(std::to_string(isToldFirst) + " " + std::to_string(mailsPerBatch));
       ImportStore store;
-      store.import(mails, mailsPerBatch, isToldFirst ? Texts{me, zoe} : Texts{me});
-      store.import(mails, mailsPerBatch, {me, zoe});
+      store.import(exampleMails, mailsPerBatch, isToldFirst ? Texts{me, zoe} : Texts{me});
+      store.import(exampleMails, mailsPerBatch, {me, zoe});
       EXPECT_THAT(store.people(), ElementsAre(ben));
       EXPECT_EQ(giveUp(zoe, store), GivenUp::toBeReadAgain);
-      EXPECT_EQ(store.import(mails, mailsPerBatch).imported, 0);
+      EXPECT_EQ(store.import(exampleMails, mailsPerBatch).imported, 0);
       EXPECT_THAT(contact(store), ElementsAreArray(contact(unmistaken)));
       EXPECT_THAT(store.people(), ElementsAreArray(unmistaken.people()));
       EXPECT_EQ(store.commitments(), unmistaken.commitments());
