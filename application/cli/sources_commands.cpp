@@ -400,8 +400,10 @@ void tell(const Discovery& discovery, const std::vector<DiscoveredSource>& fresh
   for (const auto& trouble : discovery.troubles) {
     output.line(printableText(trouble.name) + ": " + trouble.sentence);
   }
-  for (const auto& note : discovery.notes) {
-    output.line(note);
+  if (discovery.isInThunderbirdsDatabases) {
+    output.line(
+        "Thunderbird keeps its own calendar and address book in databases; export them there as .ics and .vcf files "
+        "and add those.");
   }
 }
 

@@ -10,6 +10,8 @@
 #include "OrvanPlatform/error.h"
 #include "OrvanPlatform/internet_date_time.h"
 #include "OrvanSpineCore/secret_service/secret_service_vault.h"
+#include "application/desktop/refusal_in_words.h"
+#include "application/desktop/source_addition.h"
 #include "application/desktop/wording.h"
 #include "application/desktop/written_path.h"
 #include "application/import/address/normal_address.h"
@@ -17,6 +19,7 @@
 #include "application/session/store_creation.h"
 #include "application/sources/remembered_source.h"
 #include "application/sources/source_adding.h"
+#include "application/sources/source_fault.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_key.h"
 
@@ -79,19 +82,12 @@ void makeStoreUnlessThere(const SessionSettings& settings, KeyPlace place) {
   }
 }
 
-/// All that is remembered is remembered together. Gives what was refused, by its path.
-std::vector<SourceTrouble> remember(const std::vector<RecognizedSource>& sources,
-                                    const std::vector<std::string>& addresses, Instant now, DatabaseQueue& store) {
+/// All that is remembered is remembered together.
+std::vector<SourceAddition> remember(const std::vector<RecognizedSource>& sources,
+                                     const std::vector<std::string>& addresses, Instant now, DatabaseQueue& store) {
   return store.write([&](Connection& connection) {
     rememberOwnAddresses(addresses, formatInternetDateTime(now), connection, ToldBy::user);
-    std::vector<SourceTrouble> refused;
-    for (const auto& source : sources) {
-      auto added = addSource(source, usualUsualInterval, now, connection);
-      if (added.outcome == AddedSource::Outcome::refused) {
-        refused.push_back({source.path.string(), std::move(added.refusal)});
-      }
-    }
-    return refused;
+    return addSources(sources, now, connection);
   });
 }
 
@@ -189,10 +185,12 @@ Task<void> FirstStartModel::lookAround() {
           return std::pair{std::move(discovery), ownAddressesInSettings(mail, places)};
         }));
     for (const auto& trouble : found.first.troubles) {
-      addRemark(tr("%1: %2").arg(shownPath(trouble.name), displayText(trouble.sentence)));
+      addRemark(tr("%1: %2").arg(shownPath(trouble.name), sourceFaultInWords(trouble.sentence)));
     }
-    for (const auto& note : found.first.notes) {
-      addRemark(displayText(note));
+    if (found.first.isInThunderbirdsDatabases) {
+      addRemark(
+          tr("Thunderbird keeps its own calendar and address book in databases. Export them there as .ics and .vcf "
+             "files, and add those."));
     }
     offerAddresses(found.second);
   } catch (const std::exception&) {
@@ -268,11 +266,10 @@ Task<void> FirstStartModel::recognize(std::string path) {
         addSource(source, {inWords(source.kind), shownPath(source.path), {}, true});
       }
     }
-  } catch (const Error& error) {
-    const auto sentence = sentenceOnSourceToAdd(error.code());
-    pathFault_ = tr("%1: %2").arg(shownPath(path), sentence ? displayText(*sentence) : tr("It cannot be read."));
+  } catch (const Error&) {
+    pathFault_ = tr("%1: %2").arg(shownPath(path), refusalOfCurrentException());
   } catch (const std::exception&) {
-    pathFault_ = tr("%1: %2").arg(shownPath(path), tr("It cannot be read."));
+    pathFault_ = tr("%1: %2").arg(shownPath(path), inWords(SourceFault::cannotRead));
   }
   Q_EMIT pathFaultChanged();
 }
@@ -378,12 +375,14 @@ Task<void> FirstStartModel::makeAndRemember() {
   setStep(Beginning);
   failure_.clear();
   try {
-    const auto refused = co_await store_.ask([wish = wish()](Session& session) {
+    const auto additions = co_await store_.ask([wish = wish()](Session& session) {
       makeStoreUnlessThere(session.settings(), wish.keyPlace);
       return remember(wish.sources, wish.addresses, wish.now, session.writableStore());
     });
-    for (const auto& trouble : refused) {
-      window_.tell(tr("%1: %2").arg(shownPath(trouble.name), displayText(trouble.sentence)));
+    for (const auto& addition : additions) {
+      if (addition.outcome == AddedSource::Outcome::refused) {
+        window_.tell(inWords(addition));
+      }
     }
   } catch (...) {
     failure_ = whyItCouldNotBegin();

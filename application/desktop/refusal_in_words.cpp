@@ -11,7 +11,9 @@
 #include "application/backup/backup_error.h"
 #include "application/desktop/failure_in_words.h"
 #include "application/desktop/wording.h"
-#include "application/sources/source_adding.h"
+#include "application/desktop/written_path.h"
+#include "application/import/recognition/source_recognition.h"
+#include "application/sources/kept_fault.h"
 #include "application/store/application_store_error.h"
 #include "application/store/store_failure.h"
 
@@ -83,6 +85,27 @@ QString refusalOf(CredentialVaultError error) {
   }
 }
 
+QString refusalOf(WrongSource error) {
+  switch (error) {
+    case WrongSource::isACalendar:
+    case WrongSource::isAMailbox:
+    case WrongSource::isContactCards:
+      return Refusal::tr("It holds something else than its name says. Give it a name that fits, and add it again.");
+    case WrongSource::isADatabase:
+      return Refusal::tr(
+          "It is a database. Export mail as mbox and calendars as .ics from the program that keeps it, and add those.");
+    case WrongSource::isNotText:
+      return Refusal::tr(
+          "It is neither mail nor a calendar nor contact cards. If it is packed, unpack it and add what is inside.");
+    case WrongSource::isAFolder:
+      return inWords(SourceFault::holdsNothing);
+    case WrongSource::holdsNoMail:
+      break;
+  }
+  return Refusal::tr(
+      "There is no mail in it. Name a file in mbox form, in which each mail begins with a line “From …”.");
+}
+
 QString refusalOf(const Error& error) {
   const auto& code = error.code();
   if (belongsTo<BackupError>(code)) {
@@ -97,11 +120,11 @@ QString refusalOf(const Error& error) {
   if (belongsTo<ApplicationStoreError>(code)) {
     return refusalOf(static_cast<ApplicationStoreError>(code.value()));
   }
-  if (belongsTo<SourceFault>(code)) {
-    return inWords(static_cast<SourceFault>(code.value()));
+  if (belongsTo<WrongSource>(code)) {
+    return refusalOf(static_cast<WrongSource>(code.value()));
   }
-  if (const auto sentence = sentenceOnSourceToAdd(code)) {
-    return displayText(*sentence);
+  if (const auto sentence = sentenceOnSource(code)) {
+    return sourceFaultInWords(*sentence);
   }
   return refusalOf(ApplicationStoreError::cannotReachStore);
 }
@@ -184,14 +207,19 @@ QString inWords(AgentControlError error) {
 }
 
 QString sourceFaultInWords(std::string_view kept) {
-  using enum SourceFault;
-  for (const auto fault :
-       {missing, gone, notPermitted, notAFile, holdsNothing, emptied, becameSomethingElse, tooLarge, cannotRead}) {
-    if (make_error_code(fault).message() == kept) {
-      return inWords(fault);
-    }
+  const auto fault = parseKeptFault(kept);
+  if (!fault) {
+    return displayText(kept);
   }
-  return displayText(kept);
+  auto words = inWords(fault->fault);
+  if (!fault->name.empty()) {
+    words = Refusal::tr("%1: %2", "a file and what is wrong with it").arg(shownPath(fault->name), words);
+  }
+  if (fault->countMore > 0) {
+    words = Refusal::tr("%1 And %n more.", "files with which something is wrong", static_cast<int>(fault->countMore))
+                .arg(words);
+  }
+  return words;
 }
 
 } // namespace orvan

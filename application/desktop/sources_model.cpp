@@ -9,6 +9,7 @@
 
 #include "OrvanPlatform/human_date.h"
 #include "application/desktop/refusal_in_words.h"
+#include "application/desktop/source_addition.h"
 #include "application/desktop/wording.h"
 #include "application/desktop/written_path.h"
 #include "application/sources/source_adding.h"
@@ -55,40 +56,6 @@ std::vector<std::int64_t> numbersWithNews(const Sources& sources) {
 std::optional<Instant> readAt(std::int64_t number, const Sources& sources) {
   const auto source = std::ranges::find(sources, number, &RememberedSource::number);
   return source == sources.end() ? std::nullopt : source->lastSucceededAt;
-}
-
-/// What a source that is not remembered has in its way.
-struct Addition {
-  RecognizedSource source;
-  AddedSource::Outcome outcome;
-  std::filesystem::path other;
-};
-
-std::vector<Addition> addAll(const std::vector<RecognizedSource>& sources, Instant now, Connection& connection) {
-  std::vector<Addition> additions;
-  for (const auto& source : sources) {
-    const auto result = addSource(source, usualUsualInterval, now, connection);
-    const auto known = rememberedSources(connection);
-    const auto other = std::ranges::find(known, result.number, &RememberedSource::number);
-    additions.push_back({source, result.outcome, other->path});
-  }
-  return additions;
-}
-
-QString inWords(const Addition& addition) {
-  const auto kind = orvan::inWords(addition.source.kind);
-  const auto path = shownPath(addition.source.path);
-  switch (addition.outcome) {
-    case AddedSource::Outcome::added:
-      return SourceWords::tr("Added: %1 in %2.", "the kind of a source and its path").arg(kind, path);
-    case AddedSource::Outcome::known:
-      return SourceWords::tr("%1 is on the list already.").arg(path);
-    case AddedSource::Outcome::refused:
-      break;
-  }
-  const bool isWithin = addition.other.native().size() < addition.source.path.native().size();
-  return isWithin ? SourceWords::tr("%1 lies inside %2, which is read already.").arg(path, shownPath(addition.other))
-                  : SourceWords::tr("%2 lies inside %1. Remove that first.").arg(path, shownPath(addition.other));
 }
 
 } // namespace
@@ -152,7 +119,7 @@ void SourcesModel::add(const QString& path) {
 Task<void> SourcesModel::addAt(QString path) {
   const auto found = co_await lookInto([place = writtenPath(path)] { return recognizeSources(place); });
   const auto additions = co_await tools().store.ask([found, now = tools().now()](Session& session) {
-    return session.writableStore().write([&](Connection& connection) { return addAll(found, now, connection); });
+    return session.writableStore().write([&](Connection& connection) { return addSources(found, now, connection); });
   });
   QStringList told;
   bool isAnyNew = false;

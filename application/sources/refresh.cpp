@@ -9,6 +9,7 @@
 #include "application/import/calendar/calendar_source.h"
 #include "application/import/ledger/stable_id.h"
 #include "application/import/recognition/source_recognition.h"
+#include "application/sources/kept_fault.h"
 #include "application/sources/mail_folders.h"
 #include "application/sources/source_fault.h"
 #include "application/sources/source_position.h"
@@ -49,15 +50,6 @@ bool isOutlived(const SourcePosition& position, std::chrono::days lasts, Instant
 
 std::int64_t secondsOf(Instant instant) {
   return instant.time_since_epoch() / std::chrono::seconds{1};
-}
-
-std::string faultText(const std::vector<SourceTrouble>& troubles) {
-  const auto& first = troubles.front();
-  auto text = first.name.empty() ? first.sentence : first.name + ": " + first.sentence;
-  if (troubles.size() > 1) {
-    text += " And " + std::to_string(troubles.size() - 1) + " more.";
-  }
-  return text;
 }
 
 } // namespace
@@ -113,7 +105,7 @@ void Refresh::record(const RememberedSource& source, const Refreshment& result) 
         recordReadingSucceeded(source, context_.now, connection);
         break;
       case Outcome::failed:
-        recordReadingFailed(source, faultText(result.troubles), context_.now, connection);
+        recordReadingFailed(source, keptFaultText(result.troubles), context_.now, connection);
         break;
       case Outcome::stopped: // As though it had been asked for later.
         break;

@@ -103,13 +103,7 @@ class Search {
   void profile(const fs::path& path) {
     mail(path, "Thunderbird");
     files(SourceKind::calendar, path / "calendar-data", "Thunderbird");
-    const bool hasDatabases = isThere(path / "calendar-data/local.sqlite") || isThere(path / "abook.sqlite");
-    constexpr const char* note =
-        "Thunderbird keeps its own calendar and address book in databases; export them there as .ics and .vcf files "
-        "and add those.";
-    if (hasDatabases && std::ranges::find(found_.notes, note) == found_.notes.end()) {
-      found_.notes.emplace_back(note);
-    }
+    found_.isInThunderbirdsDatabases |= isThere(path / "calendar-data/local.sqlite") || isThere(path / "abook.sqlite");
   }
 
   void mail(const fs::path& path, const char* keeper) {

@@ -37,8 +37,8 @@ struct Discovery {
   std::vector<DiscoveredSource> sources;
   /// What cannot be looked into, by its whole path.
   std::vector<SourceTrouble> troubles;
-  /// Sentences on what is there and cannot be read by anybody but its program.
-  std::vector<std::string> notes;
+  /// Thunderbird keeps calendars or an address book of its own there, which no other program can read.
+  bool isInThunderbirdsDatabases = false;
 };
 
 /// Told of each source as it is found.

@@ -15,6 +15,7 @@
 #include "OrvanTestSupport/manual_clock.h"
 #include "application/cli/command_line.h"
 #include "application/desktop/written_path.h"
+#include "application/sources/kept_fault.h"
 #include "application/sources/source_fault.h"
 #include "tests/support/test_store.h"
 
@@ -94,13 +95,16 @@ TEST_F(Settings, RememberASourceOnceAndTellWhatIsWrongWithIt) {
   std::filesystem::remove(mbox());
   const auto number = sources.sources().front().toMap().value(QStringLiteral("number")).toInt();
   Session(settings()).writableStore().write([&](Connection& connection) {
-    recordReadingFailed(rememberedSources(connection).front(), make_error_code(SourceFault::gone).message(),
+    recordReadingFailed(rememberedSources(connection).front(),
+                        keptFaultText({{"A/In: out", make_error_code(SourceFault::gone).message()}, {"B", ""}}),
                         clock_->now(), connection);
   });
   sources.look();
   EXPECT_TRUE(waitUntil([&] { return sources.isInTrouble(); }));
   EXPECT_EQ(sources.glance(), QStringLiteral("1 of 1 sources cannot be read"));
-  EXPECT_TRUE(valueIn(sources.sources(), "trouble").endsWith(QStringLiteral("or remove it here.")));
+  const auto trouble = valueIn(sources.sources(), "trouble");
+  EXPECT_TRUE(trouble.startsWith(QStringLiteral("A/In: out: It is not there")));
+  EXPECT_TRUE(trouble.endsWith(QStringLiteral("or remove it here. And 1 more.")));
   sources.remove(number);
   EXPECT_TRUE(answerOf(sources).endsWith(QStringLiteral("what was read from it stays.")));
   EXPECT_TRUE(sources.sources().isEmpty());

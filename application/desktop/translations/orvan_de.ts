@@ -2,6 +2,26 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>AdditionWords</name>
+    <message>
+        <source>Added: %1 in %2.</source>
+        <comment>the kind of a source and its path</comment>
+        <translation>Hinzugefügt: %1 in %2.</translation>
+    </message>
+    <message>
+        <source>%1 is on the list already.</source>
+        <translation>%1 steht schon auf der Liste.</translation>
+    </message>
+    <message>
+        <source>%1 lies inside %2, which is read already.</source>
+        <translation>%1 liegt in %2, was schon gelesen wird.</translation>
+    </message>
+    <message>
+        <source>%2 lies inside %1. Remove that first.</source>
+        <translation>%2 liegt in %1. Entferne das zuerst.</translation>
+    </message>
+</context>
+<context>
     <name>AddressesSection</name>
     <message>
         <source>Your addresses</source>
@@ -1209,6 +1229,35 @@
         <source>Your mail program did not open the message.</source>
         <translation>Dein Mailprogramm hat die Mail nicht geöffnet.</translation>
     </message>
+    <message>
+        <source>It holds something else than its name says. Give it a name that fits, and add it again.</source>
+        <translation>Darin ist etwas anderes, als der Name sagt. Gib ihm einen passenden Namen und füge es noch einmal hinzu.</translation>
+    </message>
+    <message>
+        <source>It is a database. Export mail as mbox and calendars as .ics from the program that keeps it, and add those.</source>
+        <translation>Es ist eine Datenbank. Exportiere aus ihrem Programm die Mails als mbox und die Kalender als .ics und füge diese hinzu.</translation>
+    </message>
+    <message>
+        <source>It is neither mail nor a calendar nor contact cards. If it is packed, unpack it and add what is inside.</source>
+        <translation>Es sind weder Mails noch ein Kalender noch Kontaktkarten. Wenn es gepackt ist, entpacke es und füge hinzu, was darin ist.</translation>
+    </message>
+    <message>
+        <source>There is no mail in it. Name a file in mbox form, in which each mail begins with a line “From …”.</source>
+        <translation>Darin ist keine Mail. Nenne eine Datei in mbox-Form, in der jede Mail mit einer Zeile „From …“ beginnt.</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <comment>a file and what is wrong with it</comment>
+        <translation>%1: %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 And %n more.</source>
+        <comment>files with which something is wrong</comment>
+        <translation>
+            <numerusform>%1 Und %n weitere Stelle.</numerusform>
+            <numerusform>%1 Und %n weitere Stellen.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>RemindMenu</name>
@@ -1470,23 +1519,6 @@
     <message>
         <source>Read on %1</source>
         <translation>Gelesen am %1</translation>
-    </message>
-    <message>
-        <source>Added: %1 in %2.</source>
-        <comment>the kind of a source and its path</comment>
-        <translation>Hinzugefügt: %1 in %2.</translation>
-    </message>
-    <message>
-        <source>%1 is on the list already.</source>
-        <translation>%1 steht schon auf der Liste.</translation>
-    </message>
-    <message>
-        <source>%1 lies inside %2, which is read already.</source>
-        <translation>%1 liegt in %2, was schon gelesen wird.</translation>
-    </message>
-    <message>
-        <source>%2 lies inside %1. Remove that first.</source>
-        <translation>%2 liegt in %1. Entferne das zuerst.</translation>
     </message>
 </context>
 <context>
@@ -2034,10 +2066,6 @@
         <translation>%1, %2</translation>
     </message>
     <message>
-        <source>It cannot be read.</source>
-        <translation>Es ist nicht lesbar.</translation>
-    </message>
-    <message>
         <source>That is no mail address; one looks like robin@example.org.</source>
         <translation>Das ist keine Mailadresse; eine sieht aus wie robin@example.org.</translation>
     </message>
@@ -2065,6 +2093,10 @@
         <source>%1. %2 %3</source>
         <comment>what is wrong, what to do, and a command</comment>
         <translation>%1. %2 %3</translation>
+    </message>
+    <message>
+        <source>Thunderbird keeps its own calendar and address book in databases. Export them there as .ics and .vcf files, and add those.</source>
+        <translation>Thunderbird hält seinen eigenen Kalender und sein Adressbuch in Datenbanken. Exportiere sie dort als .ics- und .vcf-Dateien und füge diese hinzu.</translation>
     </message>
 </context>
 <context>

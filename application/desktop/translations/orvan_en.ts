@@ -36,6 +36,17 @@
     </message>
 </context>
 <context>
+    <name>Refusal</name>
+    <message numerus="yes">
+        <source>%1 And %n more.</source>
+        <comment>files with which something is wrong</comment>
+        <translation>
+            <numerusform>%1 And %n more.</numerusform>
+            <numerusform>%1 And %n more.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>orvan::FirstStartModel</name>
     <message numerus="yes">
         <source>Everything is read; %n new.</source>
